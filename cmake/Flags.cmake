@@ -1,0 +1,35 @@
+# Compiler and linker settings, as two interface targets: what every target here is checked with,
+# and what the shipped files are built with on top.
+
+add_library(vorlix_sanitized INTERFACE)
+if(VORLIX_SANITIZE)
+  target_compile_options(vorlix_sanitized INTERFACE
+    -fsanitize=${VORLIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(vorlix_sanitized INTERFACE -fsanitize=${VORLIX_SANITIZE})
+endif()
+
+add_library(vorlix_checked INTERFACE)
+target_link_libraries(vorlix_checked INTERFACE vorlix_sanitized)
+target_compile_options(vorlix_checked INTERFACE
+  -Wall -Wextra -Werror -Wshadow -Wformat=2 -Wconversion -Wundef
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Wold-style-cast>
+  $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>
+  # Log lines name the source by its path from the top folder, wherever the build lies.
+  "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+
+# The device has libc and nothing else: no exceptions, no RTTI, no guards for local statics, and
+# only what carries VORLIX_API leaves the shared library.
+add_library(vorlix_shipped INTERFACE)
+target_link_libraries(vorlix_shipped INTERFACE vorlix_checked)
+target_compile_options(vorlix_shipped INTERFACE
+  -Wmissing-declarations
+  $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics
+    -fvisibility-inlines-hidden>
+  -fvisibility=hidden -ffunction-sections -fdata-sections)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(vorlix_shipped INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wglobal-constructors -Wexit-time-destructors>)
+endif()
+# -z now is kept out: a program that lives for milliseconds binds only what it calls.
+target_link_options(vorlix_shipped INTERFACE
+  -Wl,--gc-sections -Wl,-z,relro -Wl,--as-needed $<$<CONFIG:MinSizeRel>:-s>)
