@@ -1,0 +1,84 @@
+#pragma once
+
+/// Owners of what the kernel hands out: one owner each, released at the end of its scope. Where the
+/// order of a release can be seen from outside, it stands in the code as a call.
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <unistd.h>
+
+namespace vorlix {
+
+/// A descriptor. Closing keeps `errno`, so that a later message still tells the reason.
+class Fd {
+public:
+    explicit Fd(int fd) : fd_(fd) {}
+    ~Fd() { Close(); }
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+
+    bool Ok() const { return fd_ >= 0; }
+    int Get() const { return fd_; }
+
+    /// Gives the descriptor away: it outlives this owner.
+    int Take()
+    {
+        const int fd = fd_;
+        fd_ = -1;
+        return fd;
+    }
+
+    void Close()
+    {
+        if (fd_ < 0) return;
+
+        const int savedErrno = errno;
+        close(Take());
+        errno = savedErrno;
+    }
+
+private:
+    int fd_;
+};
+
+struct CloseStream {
+    void operator()(FILE* stream) const { fclose(stream); }
+};
+using Stream = std::unique_ptr<FILE, CloseStream>;
+
+struct CloseDirectory {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+using Directory = std::unique_ptr<DIR, CloseDirectory>;
+
+/// A mutex held from here to the end of the scope, or to `Release`.
+class MutexGuard {
+public:
+    explicit MutexGuard(pthread_mutex_t& mutex) : mutex_(&mutex) { pthread_mutex_lock(mutex_); }
+    ~MutexGuard() { Release(); }
+    MutexGuard(const MutexGuard&) = delete;
+    MutexGuard& operator=(const MutexGuard&) = delete;
+
+    void Release()
+    {
+        if (mutex_ != nullptr) pthread_mutex_unlock(mutex_);
+        mutex_ = nullptr;
+    }
+
+private:
+    pthread_mutex_t* mutex_;
+};
+
+/// Keeps a descriptor that stays open for the life of the process from being inherited by the tools
+/// that the shell starts. A call of its own, because the flags of the open are documented.
+inline void KeepFromChildren(int fd)
+{
+    (void)fcntl(fd, F_SETFD, FD_CLOEXEC);
+}
+
+}  // namespace vorlix

@@ -1,0 +1,32 @@
+#pragma once
+
+/// The log: every line goes to standard output, whole and at once, in one frame:
+///
+///     ESC[1;<colour>;40m<HH:MM:SS>|Vorlix-111860|<level>|<thread
+///     id>|<message>|<file>:<line>|<operation>() ESC[0m
+///
+/// There is no level filter and no log file. The line carries the name of the documented operation;
+/// bodies that twins share get that name handed in and use the _AS forms.
+///
+/// The message is formed before the clock is read, and `errno` is the same afterwards as before, so
+/// `strerror(errno)` may stand in the arguments and the next line may read `errno` again.
+
+namespace vorlix {
+
+enum class LogLevel : unsigned char { Info, Warn, Error };
+
+__attribute__((format(printf, 5, 6))) void LogWrite(LogLevel level, const char* file, int line,
+                                                    const char* operation, const char* format, ...);
+
+}  // namespace vorlix
+
+#define LOG_AT(level, operation, ...)                                                              \
+    ::vorlix::LogWrite(::vorlix::LogLevel::level, __FILE__, __LINE__, operation, __VA_ARGS__)
+
+#define LOG_INFO_AS(operation, ...) LOG_AT(Info, operation, __VA_ARGS__)
+#define LOG_WARN_AS(operation, ...) LOG_AT(Warn, operation, __VA_ARGS__)
+#define LOG_ERROR_AS(operation, ...) LOG_AT(Error, operation, __VA_ARGS__)
+
+#define LOG_INFO(...) LOG_INFO_AS(__func__, __VA_ARGS__)
+#define LOG_WARN(...) LOG_WARN_AS(__func__, __VA_ARGS__)
+#define LOG_ERROR(...) LOG_ERROR_AS(__func__, __VA_ARGS__)

@@ -1,0 +1,67 @@
+#include "Support/Text.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+
+#include <arpa/inet.h>
+
+namespace vorlix {
+
+void CopyText(char* dest, size_t size, const char* src)
+{
+    if (size == 0) return;
+
+    const size_t length = strnlen(src, size - 1);
+    memcpy(dest, src, length);
+    memset(dest + length, 0, size - length);
+}
+
+int FormatText(char* dest, size_t size, const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = vsnprintf(dest, size, format, arguments);
+    va_end(arguments);
+    return length;
+}
+
+bool ParseIPv4(const char* text, uint32_t* value)
+{
+    in_addr address{};
+    if (inet_pton(AF_INET, text, &address) != 1) return false;
+
+    *value = address.s_addr;
+    return true;
+}
+
+bool ParseIPv6(const char* text, in6_addr* value)
+{
+    in6_addr address{};
+    if (inet_pton(AF_INET6, text, &address) != 1) return false;
+
+    *value = address;
+    return true;
+}
+
+bool PrintIPv4(uint32_t value, char* text)
+{
+    in_addr address{};
+    address.s_addr = value;
+    return inet_ntop(AF_INET, &address, text, kIPv4TextSize) != nullptr;
+}
+
+}  // namespace vorlix
+
+char* Strcat(char* dest, size_t destSize, const char* src, size_t* copiedLen)
+{
+    const size_t length = strlen(dest);
+    size_t copied = 0;
+    if (length + 1 < destSize) {
+        copied = std::min(destSize - 1 - length, strlen(src));
+        memcpy(dest + length, src, copied);
+        dest[length + copied] = '\0';
+    }
+    if (copiedLen != nullptr) *copiedLen = copied;
+    return dest;
+}

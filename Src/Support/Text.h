@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Types.h"
+
+#include <netinet/in.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// Appends `src` to `dest`, as far as it fits.
+///
+/// With `len` the present length of `dest`: when `len` + 1 is below `destSize`, at most
+/// `destSize` - 1 - `len` characters are appended and terminated; otherwise nothing is.
+///
+/// @param destSize   bytes of `dest`
+/// @param copiedLen  NULL, or where the number of characters appended goes
+/// @return `dest`
+VORLIX_API char* Strcat(char* dest, size_t destSize, const char* src, size_t* copiedLen);
+
+#ifdef __cplusplus
+}  // extern "C"
+
+#include <cstring>
+
+namespace vorlix {
+
+/// True when `part` stands anywhere in `text`. Interface kinds are told this way; the loose match
+/// is the behaviour.
+inline bool Contains(const char* text, const char* part)
+{
+    return strstr(text, part) != nullptr;
+}
+
+inline bool Equal(const char* left, const char* right)
+{
+    return strcmp(left, right) == 0;
+}
+
+inline bool StartsWith(const char* text, const char* start)
+{
+    return strncmp(text, start, strlen(start)) == 0;
+}
+
+inline bool IsDigit(char character)
+{
+    return character >= '0' && character <= '9';
+}
+
+/// Copies at most `size` - 1 characters of `src` and zeroes the rest of `dest`. A size below 1
+/// copies nothing.
+void CopyText(char* dest, size_t size, const char* src);
+
+template <size_t size>
+void CopyText(char (&dest)[size], const char* src)
+{
+    CopyText(dest, size, src);
+}
+
+/// `snprintf` for texts that may be cut: the result of a bounded print is not an error here.
+///
+/// @return what `snprintf` returns: the length that the whole text would have
+__attribute__((format(printf, 3, 4))) int FormatText(char* dest, size_t size, const char* format,
+                                                     ...);
+
+/// Dotted text of an IPv4 address, or of a mask, with its terminator.
+constexpr int kIPv4TextSize = INET_ADDRSTRLEN;
+
+/// Parses dotted text in its strict form, four decimal parts (`inet_pton`). `value` is in network
+/// byte order and is written only on success.
+bool ParseIPv4(const char* text, uint32_t* value);
+
+/// Parses the strict form of an IPv6 address. `value` is written only on success.
+bool ParseIPv6(const char* text, in6_addr* value);
+
+/// Writes `value`, network byte order, as dotted text of at most 15 characters.
+/// @return false when the text could not be formed, with `text` unchanged
+bool PrintIPv4(uint32_t value, char* text);
+
+}  // namespace vorlix
+#endif
