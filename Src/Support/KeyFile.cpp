@@ -1,0 +1,405 @@
+#include "Support/KeyFile.h"
+
+#include "Support/Handles.h"
+#include "Support/Log.h"
+#include "Support/Text.h"
+
+#include <array>
+#include <cctype>
+#include <cstdlib>
+
+#include <sys/stat.h>
+
+namespace vorlix {
+
+namespace {
+
+// ---- texts and limits
+
+constexpr char kIPv4Base[] = "/mnt/mtd/Config/network";
+constexpr char kIPv6Base[] = "/mnt/mtd/Config/networkip6";
+constexpr char kSwitchModeFile[] = "/mnt/mtd/Config/poeMode.conf";
+
+constexpr int kLinesLookedAt = 32;
+constexpr int kLinesKept = 16;
+constexpr int kFileNameSize = 64;
+constexpr unsigned kLongestEntry = 62;  // of the directory record, not of the name alone
+constexpr int kModeTextSize = 31;
+constexpr unsigned kModes = 3;
+constexpr mode_t kNewFileMode = 0644;
+
+const char keys[HOST_NET_END][16] = {
+    "HOSTIP",      "SUBMASK",    "GATEWAYIP",  "PRIO",          "WORKMODE",     "BONDED",
+    "BONDNAME",    "BONDMODE",   "ROUTE",      "BONDPRIMARY",   "MTU",          "ACTIVE_ETH",
+    "DEFAULT_ETH", "BRIDGEEDED", "BRIDGENAME", "BONDMEMBERS",   "bridgeprefix", "stp_state",
+    "BRIDGES",     "SSIF",       "SSIF_EDGE",  "BRIDGEMEMBERS", "LACP"};
+
+// ---- state
+
+pthread_mutex_t net_config_Lock = PTHREAD_MUTEX_INITIALIZER;
+int fd = -1;  // the file locked now; guarded by net_config_Lock
+
+// ---- paths
+
+bool FormPath(const char* base, const char* name, char* file, int len)
+{
+    if (name == nullptr || file == nullptr || len <= 0) return false;
+
+    const auto size = static_cast<size_t>(len);
+    if (Equal(name, "eth0")) {
+        FormatText(file, size, "%s", base);
+    } else if (Equal(name, "eth1")) {
+        FormatText(file, size, "%s1", base);
+    } else {
+        FormatText(file, size, "%s%s", base, name);
+    }
+    return true;
+}
+
+// ---- locking
+
+bool ControlFile(short type, int control)
+{
+    struct flock range {};
+    range.l_type = type;
+    range.l_whence = SEEK_SET;
+    range.l_start = 0;
+    range.l_len = 0;  // the whole file, however it grows
+    range.l_pid = getpid();
+    return fcntl(fd, control, &range) == 0;
+}
+
+void LockFile(const char* filename)
+{
+    pthread_mutex_lock(&net_config_Lock);
+    fd = open(filename, O_WRONLY | O_APPEND);
+    if (fd < 0 || ControlFile(F_WRLCK, F_SETLKW)) return;
+
+    LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:%d, [%s]", getpid(),
+                 strerror(errno));
+}
+
+void UnlockFile()
+{
+    if (fd >= 0) {
+        if (!ControlFile(F_UNLCK, F_SETLKW)) {
+            LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_UNLCK) failed, pid:%d, [%s]", getpid(),
+                         strerror(errno));
+        }
+        close(fd);
+        fd = -1;
+    }
+    pthread_mutex_unlock(&net_config_Lock);
+}
+
+// ---- reading
+
+bool IsPadding(char character)
+{
+    return character == ' ' || character == '\t' || character == '\n';
+}
+
+/// Finds the first line with `key` among the first 32. The lock is released before the file is
+/// closed.
+bool FindLine(const char* filename, const char* key, char (&line)[kLineSize])
+{
+    ConfigLock lock(filename);
+    const Fd file(open(filename, O_RDONLY));
+    bool found = false;
+    if (file.Ok()) {
+        LineReader reader(file.Get());
+        for (int i = 0; i < kLinesLookedAt && !found && reader.Next(line); ++i) {
+            found = Contains(line, key);
+        }
+    }
+    lock.Release();
+    return found;
+}
+
+/// Cuts the value out of its line and copies it out.
+bool TakeValue(char* line, const char* filename, const char* key, char* value, int len)
+{
+    char* text = strchr(line, '=');
+    if (text == nullptr) {
+        LOG_ERROR_AS("GetValueByKey", "file formate error![file:%s,context:%s]", filename, line);
+        return false;
+    }
+    do {
+        ++text;
+    } while (IsPadding(*text));
+    size_t length = strlen(text);
+    while (length > 0 && IsPadding(text[length - 1])) --length;
+    text[length] = '\0';
+
+    if (length == 0) {
+        LOG_WARN_AS("GetValueByKey", "the %s from %s is empty.", key, filename);
+        return false;
+    }
+    if (static_cast<int>(length) > len - 1) {
+        LOG_ERROR_AS("GetValueByKey", "value len is too small.[len:%d,value:%s]",
+                     static_cast<int>(length), text);
+        return false;
+    }
+    CopyText(value, static_cast<size_t>(len), text);
+    return true;
+}
+
+// ---- writing
+
+struct Lines {
+    int count = 0;
+    char text[kLinesKept][kLineSize] = {};
+};
+
+bool HoldsKnownKey(const char* line)
+{
+    for (const auto& key : keys) {
+        if (Contains(line, key)) return true;
+    }
+    return false;
+}
+
+/// A kept line that ends without newline (the end of a hand-edited file, a NUL byte) gets one, or
+/// the line behind it would join it and two settings were lost.
+void CloseLine(char (&line)[kLineSize])
+{
+    const size_t length = strlen(line);
+    if (length < sizeof(line) - 1 && line[length - 1] != '\n') CopyText(line + length, 2, "\n");
+}
+
+void KeepKnownLines(FILE* scan, Lines* kept)
+{
+    char line[kLineSize];
+    for (int i = 0; i < kLinesLookedAt && kept->count < kLinesKept; ++i) {
+        if (fgets(line, sizeof(line), scan) == nullptr) return;
+        if (!HoldsKnownKey(line)) continue;
+
+        CloseLine(line);
+        CopyText(kept->text[kept->count], line);
+        ++kept->count;
+    }
+}
+
+int PlaceOf(const char* key, const Lines& kept)
+{
+    for (int place = 0; place < kept.count; ++place) {
+        if (Contains(kept.text[place], key)) return place;
+    }
+    return kept.count;
+}
+
+bool WriteLines(const char* filename, const Lines& lines)
+{
+    const Stream file(fopen(filename, "w+"));
+    if (file == nullptr) {
+        LOG_ERROR_AS("SetValueByKey", "cannot fopen [%s]", strerror(errno));
+        return false;
+    }
+    for (int place = 0; place < lines.count; ++place) (void)fputs(lines.text[place], file.get());
+
+    (void)fflush(file.get());
+    const int descriptor = fileno(file.get());
+    if (descriptor < 0) {
+        LOG_WARN_AS("SetValueByKey", "fileno:%s\n", strerror(errno));
+    } else if (fsync(descriptor) != 0) {
+        LOG_WARN_AS("SetValueByKey", "fsync:%s\n", strerror(errno));
+    }
+    return true;
+}
+
+// ---- switch modes
+
+int32_t SwitchModeFromText(const char* text, int32_t* mode)
+{
+    const int value = atoi(text);
+    if (static_cast<unsigned>(value) < kModes) {
+        *mode = value;
+        return 0;
+    }
+    LOG_ERROR_AS("NetSwitch_GetNetCardMode", "mode error %s %d", text, value);
+    *mode = 0;
+    return -1;
+}
+
+}  // namespace
+
+const char* KeyText(KEYENUM key)
+{
+    return keys[key];
+}
+
+SwitchModes::SwitchModes()
+{
+    ConfigLock lock(kSwitchModeFile);
+    const Fd file(open(kSwitchModeFile, O_RDONLY));
+    if (file.Ok()) {
+        LineReader reader(file.Get());
+        while (count_ < kCapacity && reader.Next(lines_[count_])) ++count_;
+    }
+    lock.Release();
+}
+
+int32_t SwitchModes::Get(const char* name, int32_t* mode) const
+{
+    for (int i = 0; i < count_; ++i) {
+        if (!Contains(lines_[i], name)) continue;
+
+        char line[kLineSize];
+        char text[kModeTextSize + 1] = {};
+        CopyText(line, lines_[i]);
+        if (!TakeValue(line, kSwitchModeFile, name, text, kModeTextSize)) return -1;
+        return SwitchModeFromText(text, mode);
+    }
+    return -1;
+}
+
+}  // namespace vorlix
+
+using namespace vorlix;
+
+bool GetFileByName(const char* name, char* file, int len)
+{
+    return FormPath(kIPv4Base, name, file, len);
+}
+
+bool GetFileByName6(const char* name, char* file, int len)
+{
+    return FormPath(kIPv6Base, name, file, len);
+}
+
+bool checkIsRegFile(const char* fileName)
+{
+    if (fileName[0] == '\0') return false;
+
+    char path[256];
+    const int length = FormatText(path, sizeof(path), "%s/%s", kConfigFolder, fileName);
+    if (length < 1 || length >= static_cast<int>(sizeof(path))) {
+        LOG_ERROR("the file:%s is too long", fileName);
+        return false;
+    }
+    struct stat status {};
+    return stat(path, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool FileLock(bool lockORunlock, const char* filename)
+{
+    if (lockORunlock) {
+        LockFile(filename);
+    } else {
+        UnlockFile();
+    }
+    return true;
+}
+
+bool GetValueByKey(const char* filename, const char* key, char* value, int len)
+{
+    if (filename == nullptr || key == nullptr || value == nullptr) return false;
+
+    char line[kLineSize] = {};
+    return FindLine(filename, key, line) && TakeValue(line, filename, key, value, len);
+}
+
+bool SetValueByKey(const char* filename, const char* key, const char* value)
+{
+    if (filename == nullptr || key == nullptr || value == nullptr) return false;
+
+    ConfigLock lock(filename);
+    // The stream of the scan is closed last: a process loses its lock on a file as soon as it
+    // closes any descriptor of that file.
+    const Stream scan(fopen(filename, "r+"));
+    Lines lines;
+    if (scan == nullptr) {
+        LOG_ERROR("cannot fopen for read.[%s]", strerror(errno));
+    } else {
+        KeepKnownLines(scan.get(), &lines);
+    }
+
+    const int place = PlaceOf(key, lines);
+    if (place >= kLinesKept) {
+        LOG_ERROR("can not set %s = %s, too many lines [%d] max line num is %d", key, value, place,
+                  kLinesKept);
+        return false;
+    }
+    FormatText(lines.text[place], sizeof(lines.text[place]), "%s = %s\n", key, value);
+    if (place == lines.count) ++lines.count;
+    return WriteLines(filename, lines);
+}
+
+bool CheckConfigFile(const char* ethName)
+{
+    char path[kPathSize] = {};
+    return GetFileByName(ethName, path, sizeof(path)) && access(path, F_OK) == 0;
+}
+
+bool CreateConfigFile(const char* ethName)
+{
+    char path[kPathSize] = {};
+    if (!GetFileByName(ethName, path, sizeof(path))) return false;
+
+    const Fd file(open(path, O_RDWR | O_CREAT, kNewFileMode));
+    return file.Ok();
+}
+
+bool DelConfigFile(const char* ethName)
+{
+    char path[kPathSize] = {};
+    (void)GetFileByName(ethName, path,
+                        sizeof(path));  // NULL leaves an empty path, which fails below
+    if (remove(path) != 0) LOG_WARN("remove file %s failed,[%s]", path, strerror(errno));
+    return true;
+}
+
+bool GetAllNetworkFile(char (*files)[64], int* num)
+{
+    if (files == nullptr || num == nullptr) {
+        LOG_ERROR("params is null");
+        return false;
+    }
+    const Directory folder(opendir(kConfigFolder));
+    if (folder == nullptr) {
+        *num = 0;
+        LOG_ERROR("can not open %s", kConfigFolder);
+        return false;
+    }
+    int count = 0;
+    while (count < *num) {
+        const dirent* entry = readdir(folder.get());
+        if (entry == nullptr) break;
+        const char* name = entry->d_name;
+        if (Equal(name, ".") || Equal(name, "..") || !checkIsRegFile(name)) continue;
+        if (!Contains(name, "network") || Contains(name, "networkip6")) continue;
+
+        if (entry->d_reclen > kLongestEntry) {
+            LOG_WARN("filename too long[%s].max length is %d", name, kFileNameSize - 1);
+            continue;
+        }
+        CopyText(files[count], name);
+        ++count;
+    }
+    *num = count;
+    return true;
+}
+
+int32_t NetSwitch_SetNetCardMode(const char* name, int32_t mode)
+{
+    if (name == nullptr || name[0] == '\0') {
+        LOG_ERROR("eth name  is null");
+        return -1;
+    }
+    char text[kModeTextSize + 1] = {};
+    FormatText(text, kModeTextSize, "%d", mode);
+    return SetValueByKey(kSwitchModeFile, name, text) ? 0 : -1;
+}
+
+int32_t NetSwitch_GetNetCardMode(const char* name, int32_t* mode)
+{
+    if (name == nullptr) {
+        LOG_ERROR("eth name  is null");
+        return -1;
+    }
+    if (mode == nullptr) return -1;
+
+    char text[kModeTextSize + 1] = {};
+    if (!GetValueByKey(kSwitchModeFile, name, text, kModeTextSize)) return -1;
+    return SwitchModeFromText(text, mode);
+}
