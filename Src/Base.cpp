@@ -1,0 +1,798 @@
+#include "Base.h"
+
+#include "Support/Handles.h"
+#include "Support/KeyFile.h"
+#include "Support/Log.h"
+#include "Support/Text.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <csignal>
+#include <cstdlib>
+
+#include <linux/ethtool.h>
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+
+namespace vorlix {
+
+pthread_mutex_t upDownLock = PTHREAD_MUTEX_INITIALIZER;
+
+ifreq RequestFor(const char* name)
+{
+    ifreq request{};
+    CopyText(request.ifr_name, name);
+    return request;
+}
+
+namespace {
+
+// ---- texts and limits
+
+constexpr char kInterfaceTable[] = "/proc/net/dev";
+constexpr char kWirelessTable[] = "/proc/net/wireless";
+constexpr char kPoeMark[] = ":poe";
+
+constexpr const char* kRefusedKinds[] = {"veth", "br-", "docker"};
+constexpr const char* kAcceptedKinds[] = {"eth", "wlan", "bond", "br", "ppp", "lte", "apra", "usb"};
+constexpr const char* kNeverSwitches[] = {"ppp", "lte", "bond", "wlan"};
+
+constexpr int kJoinedSize = 255;
+constexpr int kJoinedFull = 254;
+constexpr int kCounterTokens = 17;
+constexpr int kTokenSize = 32;
+constexpr int kCommandNotFound = 127;
+constexpr unsigned kAllFlags = 0xffff;
+constexpr unsigned kAllButUp = 0xfffe;
+
+using Name = char[kNameSize];
+using Names = char (*)[kNameSize];
+
+constexpr size_t kNamesSize = sizeof(Name) * kMaxInterfaces;
+
+// ---- state
+
+// Opened on first use and never closed. Threads may race for the first use: at worst one socket too
+// many stays open.
+std::atomic<int> commonSocketfd{-1};
+std::atomic<int> commonSocketfdv6{-1};
+
+/// A name found once and kept. Filled and compared under its own lock, which is held over no call.
+class NameCache {
+public:
+    bool Empty()
+    {
+        const MutexGuard guard(lock_);
+        return name_[0] == '\0';
+    }
+
+    bool Holds(const char* name)
+    {
+        const MutexGuard guard(lock_);
+        return name_[0] != '\0' && strncmp(name_, name, sizeof(name_)) == 0;
+    }
+
+    void Keep(const char* name)
+    {
+        const MutexGuard guard(lock_);
+        CopyText(name_, name);
+    }
+
+    void CopyTo(char* name, size_t size)
+    {
+        const MutexGuard guard(lock_);
+        CopyText(name, size, name_);
+    }
+
+private:
+    pthread_mutex_t lock_ = PTHREAD_MUTEX_INITIALIZER;
+    Name name_ = {};
+};
+
+// ---- names
+
+template <size_t count>
+bool ContainsAny(const char* text, const char* const (&parts)[count])
+{
+    for (const char* part : parts) {
+        if (Contains(text, part)) return true;
+    }
+    return false;
+}
+
+bool IsDeviceKind(const char* name)
+{
+    return !ContainsAny(name, kRefusedKinds) && ContainsAny(name, kAcceptedKinds);
+}
+
+bool HoldsColon(const char* line)
+{
+    return strchr(line, ':') != nullptr;
+}
+
+// ---- control sockets
+
+/// The shared socket of a family, opened when it is not yet. A failed open is tried again by the
+/// next request.
+int ControlSocket(std::atomic<int>& shared, int family, const char* operation)
+{
+    int control = shared.load(std::memory_order_relaxed);
+    if (control >= 0) return control;
+
+    control = socket(family, SOCK_DGRAM, 0);
+    if (control < 0) {
+        LOG_ERROR_AS(operation, "open commonSocketfd error.[%s]", strerror(errno));
+        return control;
+    }
+    KeepFromChildren(control);
+    shared.store(control, std::memory_order_relaxed);
+    return control;
+}
+
+bool Request(int control, int cmd, void* record)
+{
+    return ioctl(control, static_cast<unsigned long>(static_cast<unsigned>(cmd)), record) >= 0;
+}
+
+/// Points a request at a record of the ethtool interface.
+void PointAt(ifreq* request, void* record)
+{
+    request->ifr_data = static_cast<char*>(record);
+}
+
+// ---- wireless cards
+
+/// /proc/net/wireless, opened when the first name needs it and read afresh for each.
+class WirelessTable {
+public:
+    /// Stores the line of `name`: the first one in which the character behind the name's first
+    /// occurrence is no digit, so that wlan1 is not found in the line of wlan10.
+    bool FindLine(const char* name, char (&line)[kLineSize])
+    {
+        if (!opened_) {
+            table_ = open(kWirelessTable, O_RDONLY);
+            opened_ = true;
+        }
+        if (table_ < 0) return false;
+
+        LineReader reader(table_);
+        while (reader.Next(line)) {
+            const char* found = strstr(line, name);
+            if (found != nullptr && !IsDigit(found[strlen(name)])) return true;
+        }
+        return false;
+    }
+
+    WirelessTable() = default;
+    ~WirelessTable() { const Fd closing(table_); }
+    WirelessTable(const WirelessTable&) = delete;
+    WirelessTable& operator=(const WirelessTable&) = delete;
+
+private:
+    bool opened_ = false;
+    int table_ = -1;
+};
+
+/// The status behind the line's first colon: 1 says connected.
+bool StatusIsConnected(const char* line)
+{
+    const char* colon = strchr(line, ':');
+    if (colon == nullptr) {
+        LOG_ERROR_AS("NetCardIsWifi", "can not find ':' in %s", line);
+        return false;
+    }
+    int status = 0;
+    (void)sscanf(colon + 1, "%d", &status);  // what cannot be read is 0
+    return status == 1;
+}
+
+bool IsWifi(const char* name, bool* isConnect, WirelessTable& table)
+{
+    static NameCache wifiname;
+
+    if (isConnect == nullptr && wifiname.Holds(name)) return true;
+
+    char line[kLineSize];
+    if (!table.FindLine(name, line)) {
+        if (!StartsWith(name, "wlan")) return false;
+        if (isConnect != nullptr) *isConnect = false;
+        return true;
+    }
+    wifiname.Keep(name);
+    if (isConnect != nullptr) *isConnect = StatusIsConnected(line);
+    return true;
+}
+
+// ---- switch interfaces
+
+/// A saved mode (`saved` is 0 then) goes before what the driver says.
+int32_t SavedOrDriverMode(const char* name, int32_t saved, int32_t mode)
+{
+    if (saved == 0) return mode;
+    if (!IsSwitch(name)) return 0;
+    return Equal(name, "eth0") ? 2 : 1;
+}
+
+/// `isSwitchByName` from modes that were read before.
+int32_t SwitchModeOf(const char* name, const SwitchModes& modes)
+{
+    if (Contains(name, kPoeMark)) return 1;
+
+    int32_t mode = 0;
+    const int32_t saved = modes.Get(name, &mode);
+    return SavedOrDriverMode(name, saved, mode);
+}
+
+void JoinPoeName(Name& entry, const char* card)
+{
+    entry[0] = '\0';
+    Strcat(entry, sizeof(entry), card, nullptr);
+    Strcat(entry, sizeof(entry), kPoeMark, nullptr);
+}
+
+// ---- listings
+
+bool WantsNone(const int* maxNum)
+{
+    return maxNum == nullptr || *maxNum == 0;
+}
+
+/// Capacity of a listing: the arrays have 32 entries, whatever their caller says.
+int CapacityOf(int maxNum)
+{
+    return maxNum > kMaxInterfaces ? kMaxInterfaces : maxNum;
+}
+
+bool ListKind(const char* operation, const char* part, Names names, int* maxNum)
+{
+    if (names == nullptr || WantsNone(maxNum)) {
+        LOG_ERROR_AS(operation, "params error!");
+        return false;
+    }
+    char kind[kNameSize];
+    CopyText(kind, part);
+    return GetSpecifiedInterfaceInfo(kind, names, maxNum);
+}
+
+// ---- counters
+
+void StoreCounter(NetDataStat* stat, int token, uint64_t value)
+{
+    const auto low = static_cast<uint32_t>(value);
+    switch (token) {
+    case 1: stat->receivedBytes = value; break;
+    case 2: stat->receivedPackets = value; break;
+    case 3: stat->receivedErrors = low; break;
+    case 4: stat->receivedDroped = low; break;
+    case 5: stat->receivedOverruns = low; break;
+    case 6: stat->receivedFrame = low; break;
+    case 9: stat->transmittedBytes = value; break;
+    case 10: stat->transmittedPackets = value; break;
+    case 11: stat->transmittedErrors = low; break;
+    case 12: stat->transmittedDroped = low; break;
+    case 13: stat->transmittedOverruns = low; break;
+    case 14: stat->transmittedCollisions = low; break;
+    case 15: stat->transmittedCarrier = low; break;
+    default: break;  // the name, and the columns that nobody asks for
+    }
+}
+
+bool IsSpace(char character)
+{
+    return isspace(static_cast<unsigned char>(character)) != 0;
+}
+
+void StoreCounters(NetDataStat* stat, const char* line)
+{
+    for (int token = 0; token < kCounterTokens; ++token) {
+        while (IsSpace(*line)) ++line;
+        if (*line == '\0') break;
+
+        char text[kTokenSize] = {};
+        size_t length = 0;
+        for (; *line != '\0' && !IsSpace(*line); ++line) {
+            if (length < sizeof(text) - 1) text[length++] = *line;
+        }
+        StoreCounter(stat, token, strtoull(text, nullptr, 10));
+    }
+    stat->transmittedTxqueuelens = 0;
+    stat->interfaceSpeed = 0;
+}
+
+// ---- presence
+
+void JoinNames(Names names, int count, char (&joined)[kJoinedSize])
+{
+    joined[0] = '\0';
+    int length = 0;
+    for (int i = 0; i < count && length < kJoinedFull; ++i) {
+        length +=
+            FormatText(joined + length, static_cast<size_t>(kJoinedSize - length), "%s,", names[i]);
+    }
+}
+
+/// The part of an entry before its colon. False when it is too long for an interface.
+bool BaseNameOf(const char* entry, Name& name)
+{
+    const char* colon = strchr(entry, ':');
+    if (colon == nullptr) {
+        CopyText(name, entry);
+        return true;
+    }
+    const auto length = static_cast<size_t>(colon - entry);
+    if (length > sizeof(name) - 1) return false;
+
+    CopyText(name, length + 1, entry);
+    return true;
+}
+
+// ---- link flags
+
+bool ChangeFlags(const char* operation, const char* name, const char* verb, unsigned set,
+                 unsigned keep)
+{
+    if (name == nullptr) return false;
+
+    ifreq request = RequestFor(name);
+    if (!NetIOCtrl(SIOCGIFFLAGS, &request)) {
+        LOG_ERROR_AS(operation, "%s %s failed,getflags error.", verb, name);
+        return false;
+    }
+    const auto flags = static_cast<unsigned short>(request.ifr_flags);
+    request.ifr_flags = static_cast<short>((flags & keep) | set);
+    if (NetIOCtrl(SIOCSIFFLAGS, &request)) return true;
+
+    LOG_ERROR_AS(operation, "%s %s failed,setflags error.", verb, name);
+    return false;
+}
+
+// ---- shell
+
+/// The signal state that a run changes.
+struct SavedSignals {
+    struct sigaction interrupt;
+    struct sigaction quit;
+    sigset_t mask;
+};
+
+bool QuietSignals(SavedSignals* saved)
+{
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    sigemptyset(&ignore.sa_mask);
+    ignore.sa_flags = 0;
+    // A failure leaves what was changed before it: nothing is restored here.
+    if (sigaction(SIGINT, &ignore, &saved->interrupt) < 0) {
+        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGINT, &ignore, &saveintr) failed.\n");
+        return false;
+    }
+    if (sigaction(SIGQUIT, &ignore, &saved->quit) < 0) {
+        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGQUIT, &ignore, &saveintr) failed.\n");
+        return false;
+    }
+    sigset_t child;
+    sigemptyset(&child);
+    sigaddset(&child, SIGCHLD);
+    if (sigprocmask(SIG_BLOCK, &child, &saved->mask) < 0) {
+        LOG_ERROR_AS("VorlixRunCmd", "sigprocmask(SIG_BLOCK, &ignore, &saveintr) failed.\n");
+        return false;
+    }
+    return true;
+}
+
+bool RestoreSignals(const SavedSignals& saved)
+{
+    if (sigaction(SIGINT, &saved.interrupt, nullptr) < 0) {
+        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGINT, &ignore, &saveintr) failed.\n");
+        return false;
+    }
+    if (sigaction(SIGQUIT, &saved.quit, nullptr) < 0) {
+        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGQUIT, &ignore, &saveintr) failed.\n");
+        return false;
+    }
+    if (sigprocmask(SIG_SETMASK, &saved.mask, nullptr) < 0) {
+        LOG_ERROR_AS("VorlixRunCmd", "sigprocmask  failed.\n");
+        return false;
+    }
+    return true;
+}
+
+/// Waits for the shell. The status is -1 when it cannot be waited for.
+int StatusOf(pid_t shell)
+{
+    int status = -1;
+    while (waitpid(shell, &status, 0) < 0) {
+        if (errno == EINTR) continue;
+
+        const int reason = errno;
+        LOG_ERROR_AS("VorlixRunCmd", "waitpid failed, errno: %d, %s\n", reason, strerror(reason));
+        return -1;
+    }
+    return status;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+using namespace vorlix;
+
+bool getNetIfNameNoFilter(const char* line, char* name, int len)
+{
+    if (line == nullptr || name == nullptr || len <= 0) return false;
+
+    const char* from = line;
+    while (*from == ' ' || *from == '\t') ++from;
+    int length = 0;
+    for (; *from != ':' && *from != ' '; ++from) {
+        // A NUL can only come when the caller has not looked for the colon.
+        if (length == len || *from == '\t' || *from == '\0') return false;
+        name[length++] = *from;
+    }
+    if (*from != ':') return false;
+    if (length == len) {
+        LOG_ERROR("eth name too long. %s", line);
+        return false;
+    }
+    name[length] = '\0';
+    return true;
+}
+
+bool getNetIfName(const char* line, char* name, int len)
+{
+    return getNetIfNameNoFilter(line, name, len) && IsDeviceKind(name);
+}
+
+char* FindWordInLine(char* line, const char* word, const char ts)
+{
+    if (line == nullptr || word == nullptr || word[0] == '\0') return nullptr;
+
+    const size_t length = strlen(word);
+    for (char* found = strstr(line, word); found != nullptr; found = strstr(found + length, word)) {
+        const char behind = found[length];
+        const bool begins = found == line || found[-1] == ts;
+        if (begins && (behind == '\0' || behind == ts || behind == '\n')) return found;
+    }
+    LOG_INFO("can not find %s in %s", word, line);
+    return nullptr;
+}
+
+bool NetIOCtrl(int cmd, void* ifr)
+{
+    if (ifr == nullptr) return false;
+
+    const int control = ControlSocket(commonSocketfd, AF_INET, __func__);
+    if (control < 0) return false;
+    if (Request(control, cmd, ifr)) return true;
+
+    LOG_ERROR("cmd %d error.[%s] %.16s ", cmd, strerror(errno), static_cast<const char*>(ifr));
+    return false;
+}
+
+bool NetIOCtrlv6(int cmd, void* ifr)
+{
+    if (ifr == nullptr) return false;
+
+    const int control = ControlSocket(commonSocketfdv6, AF_INET6, __func__);
+    if (control < 0) return false;
+    if (Request(control, cmd, ifr)) return true;
+
+    LOG_ERROR("cmd %d error.[%s]", cmd, strerror(errno));
+    return false;
+}
+
+bool CheckNetCardByDrvName(const char* name, const char* drvname)
+{
+    ethtool_drvinfo driver{};
+    driver.cmd = ETHTOOL_GDRVINFO;
+    MutexGuard guard(upDownLock);
+    ifreq request = RequestFor(name);
+    PointAt(&request, &driver);
+    const bool answered = NetIOCtrl(SIOCETHTOOL, &request);
+    guard.Release();
+    driver.driver[sizeof(driver.driver) - 1] = '\0';
+    return answered && Contains(driver.driver, drvname);
+}
+
+bool InterfaceIpIsExist(const char* name)
+{
+    if (name == nullptr) return false;
+
+    const Fd control(socket(AF_INET, SOCK_DGRAM, 0));
+    if (!control.Ok()) {
+        perror("socket failed");
+        return false;
+    }
+    ifreq request = RequestFor(name);
+    return ioctl(control.Get(), SIOCGIFADDR, &request) >= 0;
+}
+
+bool IsVirtPcie(const char* name)
+{
+    static std::atomic<bool> doit{false};
+    static std::atomic<bool> result{false};
+
+    if (name == nullptr || !Contains(name, "vnic")) return false;
+    if (doit.load(std::memory_order_acquire)) return result.load(std::memory_order_relaxed);
+
+    const bool answer = CheckNetCardByDrvName(name, "pcit virt nic");
+    result.store(answer, std::memory_order_relaxed);
+    doit.store(true, std::memory_order_release);
+    return answer;
+}
+
+bool IsSwitch(const char* name)
+{
+    static NameCache switchName;
+
+    if (name == nullptr || ContainsAny(name, kNeverSwitches)) return false;
+    if (Equal(name, "eth0:poe")) return true;
+    if (!switchName.Empty()) return switchName.Holds(name);
+    if (!CheckNetCardByDrvName(name, "Switch")) return false;
+
+    switchName.Keep(name);
+    return true;
+}
+
+int32_t isSwitchByName(const char* name)
+{
+    if (name == nullptr) return -1;
+    if (Contains(name, kPoeMark)) return 1;
+
+    int32_t mode = 0;
+    const int32_t saved = NetSwitch_GetNetCardMode(name, &mode);
+    return SavedOrDriverMode(name, saved, mode);
+}
+
+bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum)
+{
+    if (specName == nullptr || names == nullptr || WantsNone(maxNum)) {
+        LOG_ERROR("params error!");
+        return false;
+    }
+    memset(names, 0, kNamesSize);
+    const Fd table(open(kInterfaceTable, O_RDONLY));
+    if (!table.Ok()) {
+        LOG_ERROR("Open file %s failed!", kInterfaceTable);
+        return false;
+    }
+    const int capacity = CapacityOf(*maxNum);
+    LineReader reader(table.Get());
+    char line[kLineSize];
+    int count = 0;
+    while (reader.Next(line) && count < capacity) {
+        if (!HoldsColon(line)) continue;
+        if (getNetIfNameNoFilter(line, names[count], kNameSize) &&
+            Contains(names[count], specName)) {
+            ++count;
+        }
+    }
+    if (count < 1) return false;
+
+    *maxNum = count;
+    return true;
+}
+
+bool GetBridgeInterfaceInfo(char (*names)[16], int* maxNum)
+{
+    return ListKind(__func__, "br", names, maxNum);
+}
+
+bool GetNbpInterfaceInfo(char (*names)[16], int* maxNum)
+{
+    return ListKind(__func__, "nbp", names, maxNum);
+}
+
+bool GetVnicInterfaceInfo(char (*names)[16], int* maxNum)
+{
+    return ListKind(__func__, "vnic", names, maxNum);
+}
+
+bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
+{
+    if (WantsNone(maxNum)) {
+        LOG_ERROR("params error!");
+        return false;
+    }
+    if (interfaceInfo == nullptr) return false;
+
+    const Fd table(open(kInterfaceTable, O_RDONLY));
+    if (!table.Ok()) {
+        LOG_ERROR("Open file %s failed!\n", kInterfaceTable);
+        return false;
+    }
+    LineReader reader(table.Get());
+    char line[kLineSize];
+    int count = 0;
+    while (reader.Next(line)) {
+        if (count >= *maxNum) return true;
+        if (!HoldsColon(line)) continue;
+
+        InterfaceInfo& entry = interfaceInfo[count];
+        if (!getNetIfName(line, entry.name, sizeof(entry.name))) continue;
+        StoreCounters(&entry.netDatastat, line);
+        ++count;
+    }
+    if (count < *maxNum) *maxNum = count;
+    return true;
+}
+
+bool GetAllInterfaceInfo(char (*names)[16], int* maxNum)
+{
+    if (names == nullptr || WantsNone(maxNum)) {
+        LOG_ERROR("params error!");
+        return false;
+    }
+    memset(names, 0, kNamesSize);
+    Fd table(open(kInterfaceTable, O_RDONLY));
+    if (!table.Ok()) {
+        LOG_ERROR("Open file %s failed!\n", kInterfaceTable);
+        return false;
+    }
+    const int capacity = CapacityOf(*maxNum);
+    // The wireless table and the saved switch modes are asked for each card and read once a
+    // listing.
+    WirelessTable wireless;
+    const SwitchModes switchModes;
+    LineReader reader(table.Get());
+    char line[kLineSize];
+    int count = 0;
+    while (reader.Next(line)) {
+        if (count >= capacity) {
+            *maxNum = capacity;
+            return true;
+        }
+        if (!HoldsColon(line) || !getNetIfName(line, names[count], kNameSize)) continue;
+
+        const char* name = names[count];
+        ++count;
+        if (IsWifi(name, nullptr, wireless) || SwitchModeOf(name, switchModes) != 2) continue;
+
+        if (count > capacity) {
+            LOG_ERROR("netdevice's count is more than gived buf");
+            (void)table.Take();  // stays open on this way out
+            return false;
+        }
+        if (count < kMaxInterfaces) JoinPoeName(names[count], name);
+        ++count;
+    }
+    *maxNum = std::min(count, capacity);
+    return true;
+}
+
+bool GetSwitchInterface(char* name, int len)
+{
+    static NameCache switchname;
+
+    if (name == nullptr || len < 1) {
+        LOG_ERROR("params error!");
+        return false;
+    }
+    if (!switchname.Empty()) {
+        switchname.CopyTo(name, static_cast<size_t>(len));
+        return true;
+    }
+    char names[kMaxInterfaces][kNameSize];
+    int count = kMaxInterfaces;
+    if (!GetAllInterfaceInfo(names, &count)) {
+        LOG_WARN("GetAllInterfaceInfo failed!");
+        return false;
+    }
+    for (int i = 0; i < count; ++i) {
+        if (isSwitchByName(names[i]) != 1) continue;
+
+        switchname.Keep(names[i]);
+        // Byte 15 of a full buffer is left to the caller, who zeroed it.
+        const auto size = static_cast<size_t>(std::min(len, kNameSize));
+        if (len >= kNameSize) {
+            memcpy(name, names[i], size - 1);
+        } else {
+            CopyText(name, size, names[i]);
+        }
+        return true;
+    }
+    LOG_INFO("can no find switch.");
+    return false;
+}
+
+bool CheckEthExist(const char** ethList, int num)
+{
+    if (ethList == nullptr || ethList[0] == nullptr) return false;
+
+    char names[kMaxInterfaces][kNameSize];
+    int count = kMaxInterfaces;
+    const bool listed = Contains(ethList[0], "nbp") ? GetNbpInterfaceInfo(names, &count)
+                                                    : GetAllInterfaceInfo(names, &count);
+    if (!listed) return false;
+
+    char joined[kJoinedSize];
+    JoinNames(names, count, joined);
+    for (int i = 0; i < num; ++i) {
+        const char* entry = ethList[i];
+        if (entry == nullptr) return false;
+
+        Name name;
+        if (!BaseNameOf(entry, name)) {
+            LOG_ERROR("eth %s name error, strlen larger than %lu!", entry,
+                      static_cast<unsigned long>(kNameSize));
+            return false;
+        }
+        if (StartsWith(name, "br")) continue;
+        if (FindWordInLine(joined, name, ',') == nullptr) {
+            LOG_ERROR("can not find %s in %s.", entry, joined);
+            return false;
+        }
+    }
+    return true;
+}
+
+bool NetCardIsWifi(const char* name, bool* isConnect)
+{
+    if (name == nullptr) return false;
+
+    WirelessTable table;
+    return IsWifi(name, isConnect, table);
+}
+
+bool InterfaceIsLink(const char* name)
+{
+    if (name == nullptr) return false;
+
+    const Fd control(socket(AF_INET, SOCK_DGRAM, 0));
+    if (!control.Ok()) {
+        LOG_ERROR("socket %s failed.", name);
+        return false;
+    }
+    ethtool_value link{ETHTOOL_GLINK, 0};
+    ifreq request = RequestFor(name);
+    PointAt(&request, &link);
+    if (ioctl(control.Get(), SIOCETHTOOL, &request) < 0) LOG_ERROR("ioctl %s failed,.", name);
+    return link.data != 0;
+}
+
+bool InterfaceUp(const char* name)
+{
+    return ChangeFlags(__func__, name, "up", IFF_UP, kAllFlags);
+}
+
+bool InterfaceDown(const char* name)
+{
+    return ChangeFlags(__func__, name, "down", 0, kAllButUp);
+}
+
+bool VorlixRunCmd(const char* command)
+{
+    if (command == nullptr) {
+        LOG_ERROR("command buffer is NULL.\n");
+        return false;
+    }
+    SavedSignals saved{};
+    if (!QuietSignals(&saved)) return false;
+
+    int status = -1;
+    // The child shares this memory until it is a shell: it makes the calls below and writes
+    // nothing.
+    const pid_t shell = vfork();  // NOLINT(clang-analyzer-security.insecureAPI.vfork)
+    if (shell == 0) {
+        // NOLINTBEGIN(clang-analyzer-unix.Vfork)
+        if (sigaction(SIGINT, &saved.interrupt, nullptr) < 0) {
+            LOG_WARN("sigaction(SIGINT, &saveintr, NULL) failed");
+        }
+        if (sigaction(SIGQUIT, &saved.quit, nullptr) < 0) {
+            LOG_WARN("sigaction(SIGQUIT, &savequit, NULL) failed");
+        }
+        sigprocmask(SIG_SETMASK, &saved.mask, nullptr);
+        execlp("sh", "sh", "-c", command, static_cast<char*>(nullptr));
+        _exit(kCommandNotFound);
+        // NOLINTEND(clang-analyzer-unix.Vfork)
+    }
+    if (shell < 0) {
+        LOG_ERROR("vfork failed, ret = %d.\n", shell);
+    } else {
+        status = StatusOf(shell);
+    }
+    return RestoreSignals(saved) && status >= 0;
+}

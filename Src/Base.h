@@ -1,0 +1,156 @@
+#pragma once
+
+/// The ground of all kernel access: which interfaces exist and what they are, the two control
+/// sockets that every interface request goes through, the link flags, and the shell runner.
+///
+/// Interface kinds are told by substrings of the name; what the whole system takes for a card, a
+/// switch port or a wireless card is decided here. The answers come from /proc/net/dev,
+/// /proc/net/wireless, the driver's name and the saved switch modes.
+
+#include "Types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// Cuts the interface name out of a line of /proc/net/dev. The line must hold a colon.
+///
+/// @param name  `len` bytes; written as far as the name was read, also on failure
+/// @return false for NULL, a `len` below 1, a line whose name does not end in a colon, and a name
+/// of
+///         `len` characters or more; exactly `len` characters log an Error
+VORLIX_API bool getNetIfNameNoFilter(const char* line, char* name, int len);
+
+/// The same, and the name must be of a kind that the device uses: it holds "eth", "wlan", "bond",
+/// "br", "ppp", "lte", "apra" or "usb", and none of "veth", "br-" and "docker".
+VORLIX_API bool getNetIfName(const char* line, char* name, int len);
+
+/// Finds a whole word in a list kept as text.
+///
+/// @param ts  the separator; it stands before the word (unless the word begins the line), and it, a
+///            newline or the end stands behind it
+/// @return the place of the word in `line`, or NULL; an Info line tells of a word that is not there
+VORLIX_API char* FindWordInLine(char* line, const char* word, const char ts);
+
+/// One request on the shared IPv4 control socket, which is opened on first use and never closed.
+///
+/// @param ifr  the request's record, which begins with the interface name; NULL gives false
+/// @return true when the kernel accepted it; a refusal is logged with the first 15 characters of
+/// the
+///         record
+VORLIX_API bool NetIOCtrl(int cmd, void* ifr);
+
+/// The same on the shared IPv6 control socket.
+VORLIX_API bool NetIOCtrlv6(int cmd, void* ifr);
+
+/// True when the kernel has an IPv4 address for the interface. Uses a socket of its own; silent.
+VORLIX_API bool InterfaceIpIsExist(const char* name);
+
+/// True for the virtual PCIe card. The driver is asked once; the answer for the first "vnic" name
+/// stands for all of them, since there is one such card.
+VORLIX_API bool IsVirtPcie(const char* name);
+
+/// True for the switch interface: "eth0:poe", or the first name whose driver calls itself a switch.
+/// Names that hold "ppp", "lte", "bond" or "wlan" never are.
+VORLIX_API bool IsSwitch(const char* name);
+
+/// The switch mode of a card: a saved mode goes before the driver's name.
+/// @return -1 for NULL, 0 an ordinary card, 1 a switch interface, 2 both
+VORLIX_API int32_t isSwitchByName(const char* name);
+
+/// Lists every interface whose name contains `specName`, without the filter of the normal lists.
+///
+/// @param names   32 entries of 16 bytes, all cleared first, whatever `*maxNum` says
+/// @param maxNum  number wanted on entry, number listed on return
+/// @return false when there is none, with `*maxNum` as it was
+/// @errors NULL or a `*maxNum` of 0, no /proc/net/dev: Error
+VORLIX_API bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum);
+
+/// `GetSpecifiedInterfaceInfo` for "br", the bridges.
+VORLIX_API bool GetBridgeInterfaceInfo(char (*names)[16], int* maxNum);
+
+/// `GetSpecifiedInterfaceInfo` for "nbp", the internal bridge.
+VORLIX_API bool GetNbpInterfaceInfo(char (*names)[16], int* maxNum);
+
+/// `GetSpecifiedInterfaceInfo` for "vnic", the internal virtual cards.
+VORLIX_API bool GetVnicInterfaceInfo(char (*names)[16], int* maxNum);
+
+/// Lists the interfaces that pass the filter, with their counters.
+///
+/// @param interfaceInfo  `*maxNum` records, zeroed by the caller: what a line does not tell is left
+/// @param maxNum         capacity on entry; number listed on return, unchanged when there are more
+/// @errors NULL or a `*maxNum` of 0, no /proc/net/dev: Error
+VORLIX_API bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum);
+
+/// Lists the interfaces that pass the filter. A card that is a switch interface as well is followed
+/// by a second entry of its name with ":poe" behind it.
+///
+/// @param names   32 entries of 16 bytes, all cleared first; the last ":poe" entry may stand at
+/// index
+///                `*maxNum`
+/// @param maxNum  capacity on entry; number listed on return, unchanged when there are more
+/// @errors NULL or a `*maxNum` of 0, no /proc/net/dev: Error
+VORLIX_API bool GetAllInterfaceInfo(char (*names)[16], int* maxNum);
+
+/// Names the switch interface. The first answer is kept for the life of the process.
+///
+/// @param name  `len` bytes, zeroed by the caller
+/// @return false when the device has none
+/// @errors NULL or a `len` below 1: Error; no listing: Warn; none: Info
+VORLIX_API bool GetSwitchInterface(char* name, int len);
+
+/// True when every listed interface exists. An alias is tested by what stands before its colon; a
+/// name that begins with "br" always passes, since a bridge may be about to be made.
+///
+/// @param ethList  `num` names; the first is read even when `num` is 0
+/// @errors a name of more than 15 characters before its colon, a name not listed: Error
+VORLIX_API bool CheckEthExist(const char** ethList, int num);
+
+/// True for a wireless card: a name in /proc/net/wireless, or else one that begins with "wlan".
+///
+/// @param isConnect  NULL, or where it goes whether the card's status is 1
+VORLIX_API bool NetCardIsWifi(const char* name, bool* isConnect);
+
+/// True when the driver of `name` reports a link. A card without ethtool reads as no link.
+VORLIX_API bool InterfaceIsLink(const char* name);
+
+/// Sets the administrative state of an interface up, and no other flag.
+/// @errors unknown name, refusal: Error
+VORLIX_API bool InterfaceUp(const char* name);
+
+/// Sets the administrative state of an interface down, and no other flag.
+VORLIX_API bool InterfaceDown(const char* name);
+
+/// Runs a command text through the shell and waits for it. SIGINT and SIGQUIT are ignored and
+/// SIGCHLD is blocked meanwhile.
+///
+/// @param command  handed to `sh -c` as it stands: the caller vouches for every text in it
+/// @return true when a shell was started and reaped, whatever the command's own exit status
+/// @threads signal dispositions are the process's: two runs at once see each other's changes
+VORLIX_API bool VorlixRunCmd(const char* command);
+
+// Not exported.
+
+/// True when the driver's name of `name` contains `drvname`.
+bool CheckNetCardByDrvName(const char* name, const char* drvname);
+
+#ifdef __cplusplus
+}  // extern "C"
+
+#include <net/if.h>
+#include <pthread.h>
+
+namespace vorlix {
+
+/// Serialises the driver query with the down-change-up step of an MTU change.
+extern pthread_mutex_t upDownLock;
+
+/// Entries of every array of interface names, and bytes of one.
+constexpr int kMaxInterfaces = 32;
+constexpr int kNameSize = IFNAMSIZ;
+
+/// A zeroed request for one interface, with at most 15 characters of its name.
+ifreq RequestFor(const char* name);
+
+}  // namespace vorlix
+#endif

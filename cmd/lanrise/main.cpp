@@ -1,0 +1,6 @@
+#include "Lanrise.h"
+
+int main(int argc, char** argv)
+{
+    return CommonMain(argc, argv) ? 0 : -1;
+}
