@@ -1,0 +1,201 @@
+#include "fake/Calls.h"
+
+#include "fake/World.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace fake {
+
+namespace {
+
+struct Failure {
+    std::string call;
+    int error;
+    int skip;
+    bool everyone;
+};
+
+struct Handle {
+    std::string call;
+    int family;
+};
+
+std::vector<std::string> trace;
+std::vector<Failure> failures;
+std::map<int, Handle> handles;
+int fallible = 0;  // calls so far that could fail
+int failAt = 0;    // the one of them that the sweep lets fail
+std::string swept;
+
+bool StartsWith(const std::string& text, const std::string& start)
+{
+    return text.compare(0, start.size(), start) == 0;
+}
+
+bool ShallFail(const std::string& call)
+{
+    if (++fallible == failAt) {
+        swept = call;
+        errno = EIO;
+        return true;
+    }
+    for (auto failure = failures.begin(); failure != failures.end(); ++failure) {
+        if (!StartsWith(call, failure->call)) continue;
+        if (failure->skip > 0) {
+            --failure->skip;
+            continue;
+        }
+        errno = failure->error;
+        if (!failure->everyone) failures.erase(failure);
+        return true;
+    }
+    return false;
+}
+
+int RunWithFailure(int number, const std::function<void()>& run,
+                   const std::function<void(const std::string&)>& check,
+                   const std::vector<std::string>& mayStayOpen)
+{
+    constexpr int kAllHadTheirTurn = 2;
+    failAt = number;
+    fallible = 0;
+    run();
+    failAt = 0;
+    if (swept.empty()) return kAllHadTheirTurn;
+
+    SCOPED_TRACE("failed: " + swept);
+    EXPECT_EQ(HeldMutexes(), 0);
+    for (const std::string& open : OpenHandles()) {
+        const bool may =
+            std::any_of(mayStayOpen.begin(), mayStayOpen.end(),
+                        [&](const std::string& start) { return StartsWith(open, start); });
+        EXPECT_TRUE(may) << "still open: " << open;
+    }
+    if (check) check(swept);
+    return testing::Test::HasFailure() ? 1 : 0;
+}
+
+}  // namespace
+
+const std::vector<std::string>& Trace()
+{
+    return trace;
+}
+
+std::vector<std::string> TraceOf(const std::vector<std::string>& starts)
+{
+    std::vector<std::string> found;
+    for (const std::string& call : trace) {
+        if (std::any_of(starts.begin(), starts.end(),
+                        [&](const std::string& start) { return StartsWith(call, start); })) {
+            found.push_back(call);
+        }
+    }
+    return found;
+}
+
+void ClearTrace()
+{
+    trace.clear();
+}
+
+void Fail(const std::string& call, int error, int nth, bool everyone)
+{
+    failures.push_back({call, error, nth - 1, everyone});
+}
+
+void FailNothing()
+{
+    failures.clear();
+}
+
+std::vector<std::string> OpenHandles()
+{
+    std::vector<std::string> open;
+    for (const auto& [fd, handle] : handles) open.push_back(handle.call);
+    return open;
+}
+
+bool Note(const std::string& call)
+{
+    trace.push_back(call);
+    return !ShallFail(call);
+}
+
+void NoteOnly(const std::string& call)
+{
+    trace.push_back(call);
+}
+
+void Opened(int fd, const std::string& call, int family)
+{
+    if (fd >= 0) handles[fd] = {call, family};
+}
+
+void Closed(int fd)
+{
+    handles.erase(fd);
+}
+
+std::string PathOf(int fd)
+{
+    const auto handle = handles.find(fd);
+    if (handle == handles.end()) return "";
+
+    const std::string& call = handle->second.call;
+    const size_t begin = call.find(' ');
+    if (begin == std::string::npos) return "";
+    return call.substr(begin + 1, call.find(' ', begin + 1) - begin - 1);
+}
+
+int FamilyOf(int fd)
+{
+    const auto handle = handles.find(fd);
+    return handle == handles.end() ? 0 : handle->second.family;
+}
+
+void ResetCalls()
+{
+    trace.clear();
+    failures.clear();
+    handles.clear();
+    fallible = 0;
+    failAt = 0;
+    swept.clear();
+}
+
+void FailEachCall(const std::function<void()>& run,
+                  const std::function<void(const std::string&)>& check,
+                  const std::vector<std::string>& mayStayOpen)
+{
+    constexpr int kMost = 5000;
+    for (int number = 1; number <= kMost; ++number) {
+        const std::string scratch = CopyScratch();
+        const pid_t child = fork();
+        if (child == 0) {
+            UseScratch(scratch);
+            const int result = RunWithFailure(number, run, check, mayStayOpen);
+            fflush(nullptr);
+            _exit(result);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        std::filesystem::remove_all(scratch);
+        if (WIFEXITED(status) && WEXITSTATUS(status) == 2) {
+            EXPECT_GT(number, 1) << "nothing that can fail was called";
+            return;
+        }
+        ASSERT_TRUE(WIFEXITED(status)) << "signal " << WTERMSIG(status) << " at call " << number;
+        ASSERT_EQ(WEXITSTATUS(status), 0) << "at call " << number;
+    }
+    FAIL() << "the sweep does not end";
+}
+
+}  // namespace fake

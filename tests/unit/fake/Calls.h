@@ -1,0 +1,64 @@
+#pragma once
+
+// Every call into libc that the product makes in a unit test: what was called, in which order, what
+// shall fail, and what is still open.
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace fake {
+
+/// One text for each call, in order: the call's name and what tells it apart, such as
+/// "fopen /mnt/mtd/Config/network1 w+", "ioctl SIOCSIFADDR eth1", "fcntl F_SETLKW F_WRLCK",
+/// "mutex lock", "fsync", "close /proc/net/dev", "vfork", "sleep 2".
+const std::vector<std::string>& Trace();
+
+/// The entries of `Trace` that begin with one of the texts.
+std::vector<std::string> TraceOf(const std::vector<std::string>& starts);
+
+void ClearTrace();
+
+/// Lets calls fail whose trace text begins with `call`: the `nth` of them from now, or with
+/// `everyone` that one and all behind it.
+void Fail(const std::string& call, int error, int nth = 1, bool everyone = false);
+
+/// The same for every such call.
+inline void FailAll(const std::string& call, int error)
+{
+    Fail(call, error, 1, true);
+}
+
+void FailNothing();
+
+/// What is open now and was opened through the product: trace text of the opening call.
+std::vector<std::string> OpenHandles();
+
+/// Mutexes held now.
+int HeldMutexes();
+
+/// The failure sweep. Runs `run` again and again, each time in a process and a scratch folder of
+/// its own, with the first, second, ... call that can fail failing, until all have had their turn.
+/// After each run `check` is called with the text of the call that failed; that no mutex is held
+/// and nothing but `mayStayOpen` (starts of trace texts) is open is checked always.
+void FailEachCall(const std::function<void()>& run,
+                  const std::function<void(const std::string& failed)>& check = nullptr,
+                  const std::vector<std::string>& mayStayOpen = {"socket"});
+
+// ---- for the parts of the fake
+
+/// Notes a call. False when it shall fail; `errno` is set then.
+bool Note(const std::string& call);
+
+/// Notes a call that never fails.
+void NoteOnly(const std::string& call);
+
+void Opened(int fd, const std::string& call, int family = 0);
+void Closed(int fd);
+std::string PathOf(int fd);
+int FamilyOf(int fd);
+
+void ResetCalls();
+
+}  // namespace fake

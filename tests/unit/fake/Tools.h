@@ -1,0 +1,28 @@
+#pragma once
+
+// The shell, the clock and the heap: commands go to a list and are never run, time stands still
+// unless it is moved.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace fake {
+
+/// The command texts handed to the shell, whole and in order. They stand in `Trace` too, as
+/// "command <text>".
+const std::vector<std::string>& Commands();
+
+/// What commands that begin with `start` do in the model, and the wait status they end with.
+void OnCommand(const std::string& start, std::function<void(const std::string& text)> action,
+               int waitStatus = 0);
+
+/// Seconds since the epoch that `time` and `gettimeofday` tell.
+void SetClock(long seconds);
+
+/// Seconds that the product has asked to sleep; no test waits for them.
+unsigned Slept();
+
+void ResetTools();
+
+}  // namespace fake

@@ -1,0 +1,116 @@
+#include "fake/World.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include <unistd.h>
+
+namespace fake {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string scratch;
+std::string startFolder;
+
+constexpr const char* kDevicePlaces[] = {"/mnt/mtd",       "/proc/net/",  "/sys/class/net/",
+                                         "/dev/pdc",       "/dev/qv_poe", "/proc/sys/",
+                                         "/proc/stp_ctrl", "/tmp/telnet"};
+
+}  // namespace
+
+std::string Mapped(const char* path)
+{
+    for (const char* place : kDevicePlaces) {
+        if (std::string(path).rfind(place, 0) == 0) return scratch + path;
+    }
+    return path;
+}
+
+void Put(const std::string& path, const std::string& text)
+{
+    const fs::path real = Mapped(path.c_str());
+    fs::create_directories(real.parent_path());
+    std::ofstream(real, std::ios::binary) << text;
+}
+
+std::string Get(const std::string& path)
+{
+    std::ifstream file(Mapped(path.c_str()), std::ios::binary);
+    if (!file) return "(no file)";
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+bool Exists(const std::string& path)
+{
+    return fs::exists(Mapped(path.c_str()));
+}
+
+void Remove(const std::string& path)
+{
+    fs::remove_all(Mapped(path.c_str()));
+}
+
+void MakeFolder(const std::string& path)
+{
+    fs::create_directories(Mapped(path.c_str()));
+}
+
+bool SameFile(const std::string& path, const std::string& other)
+{
+    return fs::equivalent(Mapped(path.c_str()), Mapped(other.c_str()));
+}
+
+std::string CardFile(const std::string& card)
+{
+    const std::string base = "/mnt/mtd/Config/network";
+    if (card == "eth0") return base;
+    if (card == "eth1") return base + "1";
+    return base + card;
+}
+
+std::string Settings(const std::vector<std::string>& lines)
+{
+    std::string text;
+    for (const std::string& line : lines) text += line + "\n";
+    return text;
+}
+
+std::string CopyScratch()
+{
+    static int number = 0;
+    const std::string copy = scratch + "." + std::to_string(++number);
+    fs::copy(scratch, copy, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
+    return copy;
+}
+
+void UseScratch(const std::string& folder)
+{
+    scratch = folder;
+}
+
+void World::SetUp()
+{
+    char folder[] = "/tmp/vorlix-unit-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    startFolder = fs::current_path();
+    UseScratch(folder);
+    ResetCalls();
+    ResetKernel();
+    ResetTools();
+    MakeFolder("/mnt/mtd/Config");
+    CatchLog();
+}
+
+void World::TearDown()
+{
+    ReleaseLog(HasFailure());
+    fs::current_path(startFolder);
+    fs::remove_all(scratch);
+}
+
+}  // namespace fake

@@ -1,0 +1,456 @@
+// The C calls as the product meets them in a unit test. The linker sends each call of the list in
+// Wraps.txt here; what is not modelled goes on to libc.
+
+#include "fake/World.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <map>
+
+#include <csignal>
+#include <dirent.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/mman.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern "C" {
+int __real_open(const char*, int, ...);
+FILE* __real_fopen(const char*, const char*);
+int __real_fclose(FILE*);
+int __real_close(int);
+ssize_t __real_pread(int, void*, size_t, off_t);
+ssize_t __real_read(int, void*, size_t);
+ssize_t __real_write(int, const void*, size_t);
+int __real_fflush(FILE*);
+int __real_fileno(FILE*);
+int __real_fcntl(int, int, ...);
+int __real_access(const char*, int);
+int __real_stat(const char*, struct stat*);
+int __real_lstat(const char*, struct stat*);
+DIR* __real_opendir(const char*);
+dirent* __real_readdir(DIR*);
+int __real_closedir(DIR*);
+int __real_rename(const char*, const char*);
+int __real_link(const char*, const char*);
+int __real_unlink(const char*);
+int __real_remove(const char*);
+int __real_sigaction(int, const struct sigaction*, struct sigaction*);
+int __real_sigprocmask(int, const sigset_t*, sigset_t*);
+pid_t __real_waitpid(pid_t, int*, int);
+void* __real_calloc(size_t, size_t);
+void* __real_malloc(size_t);
+int __real_pthread_mutex_lock(pthread_mutex_t*);
+int __real_pthread_mutex_unlock(pthread_mutex_t*);
+}
+
+namespace fake {
+
+namespace {
+
+int heldMutexes = 0;
+long clockSeconds = 1000000;
+unsigned slept = 0;
+std::vector<std::string> commands;
+
+struct CommandRule {
+    std::string start;
+    std::function<void(const std::string&)> action;
+    int waitStatus;
+};
+std::vector<CommandRule> rules;
+
+/// Where a child leaves the command it would have become.
+struct Mailbox {
+    char command[1024];
+};
+Mailbox* mailbox = nullptr;
+pid_t shell = -1;
+std::map<DIR*, int> folders;
+std::map<FILE*, int> streams;
+
+std::string Flags(int flags)
+{
+    std::string text = (flags & O_ACCMODE) == O_RDONLY   ? "O_RDONLY"
+                       : (flags & O_ACCMODE) == O_WRONLY ? "O_WRONLY"
+                                                         : "O_RDWR";
+    if ((flags & O_CREAT) != 0) text += "|O_CREAT";
+    if ((flags & O_TRUNC) != 0) text += "|O_TRUNC";
+    if ((flags & O_APPEND) != 0) text += "|O_APPEND";
+    return text;
+}
+
+/// Prints a table of the model into its file, unless a test has put one there.
+void PrintTable(const std::string& path)
+{
+    static std::map<std::string, std::string> printed;
+    const auto text = TableText(path);
+    if (!text) return;
+    if (Exists(path) && (printed.count(path) == 0 || Get(path) != printed[path])) return;
+    Put(path, *text);
+    printed[path] = *text;
+}
+
+std::string SignalText(int signal)
+{
+    return signal == SIGINT ? "SIGINT" : "SIGQUIT";
+}
+
+}  // namespace
+
+int HeldMutexes()
+{
+    return heldMutexes;
+}
+const std::vector<std::string>& Commands()
+{
+    return commands;
+}
+void SetClock(long seconds)
+{
+    clockSeconds = seconds;
+}
+unsigned Slept()
+{
+    return slept;
+}
+
+void OnCommand(const std::string& start, std::function<void(const std::string&)> action,
+               int waitStatus)
+{
+    rules.push_back({start, std::move(action), waitStatus});
+}
+
+void ResetTools()
+{
+    heldMutexes = 0;
+    slept = 0;
+    commands.clear();
+    rules.clear();
+    if (mailbox == nullptr) {
+        mailbox = static_cast<Mailbox*>(mmap(nullptr, sizeof(Mailbox), PROT_READ | PROT_WRITE,
+                                             MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    }
+}
+
+}  // namespace fake
+
+using namespace fake;
+
+extern "C" {
+
+// ---- files
+
+int __wrap_open(const char* path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    const std::string call = std::string("open ") + path + " " + Flags(flags);
+    if (!Note(call)) return -1;
+    PrintTable(path);
+    const int fd = __real_open(Mapped(path).c_str(), flags, mode);
+    Opened(fd, call);
+    return fd;
+}
+
+FILE* __wrap_fopen(const char* path, const char* mode)
+{
+    const std::string call = std::string("fopen ") + path + " " + mode;
+    if (!Note(call)) return nullptr;
+    PrintTable(path);
+    FILE* stream = __real_fopen(Mapped(path).c_str(), mode);
+    if (stream != nullptr) {
+        streams[stream] = __real_fileno(stream);
+        Opened(streams[stream], call);
+    }
+    return stream;
+}
+
+int __wrap_fclose(FILE* stream)
+{
+    const auto known = streams.find(stream);
+    if (known != streams.end()) {
+        NoteOnly("fclose " + PathOf(known->second));
+        Closed(known->second);
+        streams.erase(known);
+    }
+    return __real_fclose(stream);
+}
+
+int __wrap_close(int fd)
+{
+    NoteOnly("close " + PathOf(fd));
+    Closed(fd);
+    return __real_close(fd);
+}
+
+ssize_t __wrap_pread(int fd, void* buffer, size_t size, off_t offset)
+{
+    const std::string path = PathOf(fd);
+    if (!Note("pread " + path)) return -1;
+    if (offset == 0) PrintTable(path);
+    return __real_pread(fd, buffer, size, offset);
+}
+
+ssize_t __wrap_read(int fd, void* buffer, size_t size)
+{
+    if (!Note("read " + PathOf(fd))) return -1;
+    return __real_read(fd, buffer, size);
+}
+
+ssize_t __wrap_write(int fd, const void* buffer, size_t size)
+{
+    if (!Note("write " + PathOf(fd))) return -1;
+    return __real_write(fd, buffer, size);
+}
+
+int __wrap_fflush(FILE* stream)
+{
+    const auto known = streams.find(stream);
+    if (known != streams.end() && !Note("fflush " + PathOf(known->second))) return EOF;
+    return __real_fflush(stream);
+}
+
+int __wrap_fileno(FILE* stream)
+{
+    if (streams.count(stream) != 0 && !Note("fileno")) return -1;
+    return __real_fileno(stream);
+}
+
+int __wrap_fsync(int fd)
+{
+    return Note("fsync " + PathOf(fd)) ? 0 : -1;  // the scratch folder needs no disk
+}
+
+int __wrap_fcntl(int fd, int control, ...)
+{
+    va_list arguments;
+    va_start(arguments, control);
+    void* argument = va_arg(arguments, void*);
+    va_end(arguments);
+    if (control == F_SETLKW) {
+        const auto* range = static_cast<struct flock*>(argument);
+        const char* type = range->l_type == F_WRLCK ? "F_WRLCK" : "F_UNLCK";
+        if (!Note("fcntl F_SETLKW " + std::string(type) + " " + PathOf(fd))) return -1;
+    } else if (control == F_SETFD) {
+        if (!Note("fcntl F_SETFD")) return -1;
+    }
+    return __real_fcntl(fd, control, argument);
+}
+
+int __wrap_access(const char* path, int mode)
+{
+    if (!Note(std::string("access ") + path)) return -1;
+    return __real_access(Mapped(path).c_str(), mode);
+}
+
+int __wrap_stat(const char* path, struct stat* status)
+{
+    if (!Note(std::string("stat ") + path)) return -1;
+    return __real_stat(Mapped(path).c_str(), status);
+}
+
+int __wrap_lstat(const char* path, struct stat* status)
+{
+    if (!Note(std::string("lstat ") + path)) return -1;
+    return __real_lstat(Mapped(path).c_str(), status);
+}
+
+DIR* __wrap_opendir(const char* path)
+{
+    const std::string call = std::string("opendir ") + path;
+    if (!Note(call)) return nullptr;
+    DIR* folder = __real_opendir(Mapped(path).c_str());
+    if (folder != nullptr) {
+        folders[folder] = dirfd(folder);
+        Opened(folders[folder], call);
+    }
+    return folder;
+}
+
+dirent* __wrap_readdir(DIR* folder)
+{
+    if (folders.count(folder) != 0 && !Note("readdir")) return nullptr;
+    return __real_readdir(folder);
+}
+
+int __wrap_closedir(DIR* folder)
+{
+    const auto known = folders.find(folder);
+    if (known != folders.end()) {
+        NoteOnly("closedir " + PathOf(known->second));
+        Closed(known->second);
+        folders.erase(known);
+    }
+    return __real_closedir(folder);
+}
+
+int __wrap_rename(const char* from, const char* to)
+{
+    if (!Note(std::string("rename ") + from + " " + to)) return -1;
+    return __real_rename(Mapped(from).c_str(), Mapped(to).c_str());
+}
+
+int __wrap_link(const char* from, const char* to)
+{
+    if (!Note(std::string("link ") + from + " " + to)) return -1;
+    return __real_link(Mapped(from).c_str(), Mapped(to).c_str());
+}
+
+int __wrap_unlink(const char* path)
+{
+    if (!Note(std::string("unlink ") + path)) return -1;
+    return __real_unlink(Mapped(path).c_str());
+}
+
+int __wrap_remove(const char* path)
+{
+    if (!Note(std::string("remove ") + path)) return -1;
+    return __real_remove(Mapped(path).c_str());
+}
+
+// ---- kernel requests
+
+int __wrap_socket(int family, int type, int protocol)
+{
+    const std::string call = std::string("socket ") + (family == AF_INET6  ? "AF_INET6"
+                                                       : family == AF_INET ? "AF_INET"
+                                                                           : "other");
+    if (!Note(call)) return -1;
+    // A descriptor with nothing behind it: all requests go to the model.
+    const int fd = __real_open("/dev/null", O_RDWR);
+    Opened(fd, call + " " + std::to_string(type) + " " + std::to_string(protocol), family);
+    return fd;
+}
+
+int __wrap_ioctl(int fd, unsigned long request, ...)
+{
+    va_list arguments;
+    va_start(arguments, request);
+    void* record = va_arg(arguments, void*);
+    va_end(arguments);
+    const int family = FamilyOf(fd);
+    if (!Note("ioctl " + RequestText(request, record, family))) return -1;
+    const int error = Perform(request, record, family);
+    if (error == 0) return 0;
+    errno = error;
+    return -1;
+}
+
+// ---- processes and signals
+
+int __wrap_sigaction(int signal, const struct sigaction* action, struct sigaction* old)
+{
+    const bool ignores = action != nullptr && action->sa_handler == SIG_IGN;
+    if (!Note("sigaction " + SignalText(signal) + (ignores ? " ignore" : " restore"))) return -1;
+    return __real_sigaction(signal, action, old);
+}
+
+int __wrap_sigprocmask(int how, const sigset_t* mask, sigset_t* old)
+{
+    if (!Note(how == SIG_BLOCK ? "sigprocmask SIG_BLOCK" : "sigprocmask SIG_SETMASK")) return -1;
+    return __real_sigprocmask(how, mask, old);
+}
+
+/// A function cannot stand in for vfork, which returns twice: the child is a copy here, and leaves
+/// its command in the mailbox.
+pid_t __wrap_vfork()
+{
+    if (!Note("vfork")) return -1;
+    mailbox->command[0] = '\0';
+    fflush(stdout);
+    const pid_t child = fork();
+    if (child > 0) shell = child;
+    return child;
+}
+
+int __wrap_execlp(const char* file, const char* zero, ...)
+{
+    va_list arguments;
+    va_start(arguments, zero);
+    const char* option = va_arg(arguments, const char*);
+    const char* command = va_arg(arguments, const char*);
+    va_end(arguments);
+    if (strcmp(file, "sh") == 0 && strcmp(zero, "sh") == 0 && strcmp(option, "-c") == 0) {
+        snprintf(mailbox->command, sizeof(mailbox->command), "%s", command);
+        _exit(0);
+    }
+    return -1;
+}
+
+pid_t __wrap_waitpid(pid_t pid, int* status, int options)
+{
+    if (pid != shell) return __real_waitpid(pid, status, options);
+    if (!Note("waitpid")) return -1;
+
+    const pid_t ended = __real_waitpid(pid, status, options);
+    shell = -1;
+    const std::string command = mailbox->command;
+    NoteOnly("command " + command);
+    commands.push_back(command);
+    for (const auto& rule : rules) {
+        if (command.rfind(rule.start, 0) != 0) continue;
+        *status = rule.waitStatus;
+        if (rule.action) rule.action(command);
+        break;
+    }
+    return ended;
+}
+
+// ---- clock
+
+unsigned __wrap_sleep(unsigned seconds)
+{
+    NoteOnly("sleep " + std::to_string(seconds));
+    slept += seconds;
+    clockSeconds += seconds;
+    return 0;
+}
+
+time_t __wrap_time(time_t* now)
+{
+    if (now != nullptr) *now = clockSeconds;
+    return clockSeconds;
+}
+
+int __wrap_gettimeofday(struct timeval* now, void*)
+{
+    *now = {clockSeconds, 0};
+    return 0;
+}
+
+// ---- heap and locks
+
+void* __wrap_calloc(size_t count, size_t size)
+{
+    return Note("calloc") ? __real_calloc(count, size) : nullptr;
+}
+
+void* __wrap_malloc(size_t size)
+{
+    return Note("malloc") ? __real_malloc(size) : nullptr;
+}
+
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex)
+{
+    NoteOnly("mutex lock");
+    ++heldMutexes;
+    return __real_pthread_mutex_lock(mutex);
+}
+
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex)
+{
+    NoteOnly("mutex unlock");
+    --heldMutexes;
+    return __real_pthread_mutex_unlock(mutex);
+}
+
+}  // extern "C"
