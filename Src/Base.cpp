@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cctype>
 #include <csignal>
+#include <cstdarg>
 #include <cstdlib>
 
 #include <linux/ethtool.h>
@@ -26,6 +27,16 @@ ifreq RequestFor(const char* name)
     ifreq request{};
     CopyText(request.ifr_name, name);
     return request;
+}
+
+bool RunCommand(const char* format, ...)
+{
+    char command[256];
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(command, sizeof(command), format, arguments);
+    va_end(arguments);
+    return VorlixRunCmd(command);
 }
 
 namespace {

@@ -152,5 +152,8 @@ constexpr int kNameSize = IFNAMSIZ;
 /// A zeroed request for one interface, with at most 15 characters of its name.
 ifreq RequestFor(const char* name);
 
+/// `VorlixRunCmd` on a command formed here; what lies beyond 255 characters is cut off.
+__attribute__((format(printf, 1, 2))) bool RunCommand(const char* format, ...);
+
 }  // namespace vorlix
 #endif

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+
+namespace vorlix {
+
+/// A caller's array of names, walked in its order. A count below 1 is an empty list.
+class NameList {
+public:
+    NameList(const char* const* names, int count) : names_(names), count_(count < 0 ? 0 : count) {}
+
+    const char* const* begin() const { return names_; }
+    const char* const* end() const { return names_ + count_; }
+
+private:
+    const char* const* names_;
+    int count_;
+};
+
+/// Room for names, with the table of pointers to it that the member operations fill.
+template <int kCount, size_t kSize>
+class NameTable {
+public:
+    NameTable()
+    {
+        for (int i = 0; i < kCount; ++i) pointers_[i] = names_[i];
+    }
+    NameTable(const NameTable&) = delete;
+    NameTable& operator=(const NameTable&) = delete;
+
+    char** Pointers() { return pointers_; }
+    NameList First(int count) const { return {pointers_, count}; }
+
+private:
+    char names_[kCount][kSize] = {};
+    char* pointers_[kCount];
+};
+
+}  // namespace vorlix
