@@ -117,6 +117,13 @@ typedef struct NetRouteTableInfo {
     /* 56 */ char reserved[72];
 } NetRouteTableInfo;
 
+/** Spanning tree of a bridge; size 64, alignment 1. */
+typedef struct STPInfo {
+    /* 0 */ uint8_t enable; /**< 1 turns spanning tree on, any other value off */
+    /* 1 */ uint8_t mode; /**< 0 kernel spanning tree, 1 rapid spanning tree; others are refused */
+    /* 2 */ char reserved[62];
+} STPInfo;
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,0 +1,49 @@
+#pragma once
+
+/// Kernel bridges, driven by the tools `brctl`, `ifconfig` and `rstpctl`, a command `bridge`, and
+/// the files below /sys/class/net/<bridge>/.
+///
+/// Nothing is saved here and nothing is rolled back. A result that comes from a command says only
+/// that a shell was run. Names go into commands as they stand, so the caller vouches for them. NULL
+/// gives false, silently, everywhere.
+
+#include "Types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// Takes a bridge down, releases the given cards and deletes it. The cards stay as that leaves
+/// them.
+///
+/// @return result of the last command, which deletes the bridge
+VORLIX_API bool Bridge_UnBridge(const char* brName, char** ethList, int ethNum);
+
+/// Lists the ports of a bridge, in the directory's order.
+///
+/// @param ethList  `*ethNum` pointers to 16 bytes each
+/// @param ethNum   capacity on entry, number of ports on return
+/// @return true when the bridge could be read, also when it has no ports
+/// @errors  no such bridge: Error
+/// @source  the directory `brif`
+VORLIX_API bool Bridge_GetBridgeMembers(const char* brName, char** ethList, int* ethNum);
+
+/// True when the interface is a bridge: it has the directory `brif`, and its `carrier` opens.
+/// @errors  no bridge: Error, also where that is the normal case
+VORLIX_API bool Bridge_IsBridgeExist(const char* brName);
+
+/// Marks a port as one that leads to no other bridge.
+VORLIX_API bool Bridge_AddEdgePort(const char* brName, const char* ethName);
+
+/// Takes that mark off a port.
+VORLIX_API bool Bridge_DelEdgePort(const char* brName, const char* ethName);
+
+/// Turns spanning tree on or off: by the kernel (`mode` 0) or as rapid spanning tree (`mode` 1).
+///
+/// @return with `mode` 0 the result of the switch itself, with 1 that of the command `bridge`
+/// @errors  any other mode: Error, and nothing is run
+VORLIX_API bool Bridge_BridgeCtrl(const char* brName, const STPInfo* stp);
+
+#ifdef __cplusplus
+}
+#endif
