@@ -51,6 +51,18 @@ bool PrintIPv4(uint32_t value, char* text)
     return inet_ntop(AF_INET, &address, text, kIPv4TextSize) != nullptr;
 }
 
+bool ParseMac(const char* text, unsigned char (&mac)[kMacSize])
+{
+    return sscanf(text, "%02hhx:%02hhx:%02hhx:%02hhx:%02hhx:%02hhx", &mac[0], &mac[1], &mac[2],
+                  &mac[3], &mac[4], &mac[5]) == kMacSize;
+}
+
+void PrintMac(const unsigned char* mac, char* text)
+{
+    FormatText(text, kMacTextSize, "%02x:%02x:%02x:%02x:%02x:%02x", mac[0], mac[1], mac[2], mac[3],
+               mac[4], mac[5]);
+}
+
 }  // namespace vorlix
 
 char* Strcat(char* dest, size_t destSize, const char* src, size_t* copiedLen)

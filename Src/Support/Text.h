@@ -77,5 +77,17 @@ bool ParseIPv6(const char* text, in6_addr* value);
 /// @return false when the text could not be formed, with `text` unchanged
 bool PrintIPv4(uint32_t value, char* text);
 
+/// Bytes of a hardware address, and of its text with its terminator.
+constexpr int kMacSize = 6;
+constexpr int kMacTextSize = 18;
+
+/// Reads six hexadecimal fields with colons between them, each of one or two digits. What stands
+/// behind the sixth is not looked at.
+/// @return false when fewer than six were read; `mac` may hold the first of them then
+bool ParseMac(const char* text, unsigned char (&mac)[kMacSize]);
+
+/// Writes a hardware address of six bytes in lower case, into `kMacTextSize` bytes.
+void PrintMac(const unsigned char* mac, char* text);
+
 }  // namespace vorlix
 #endif
