@@ -1,0 +1,41 @@
+# Shared by the scripts of this folder and the top-level commands: sourced, never run.
+# shellcheck shell=sh
+
+# install_missing COMMAND=PACKAGE... FILE=PACKAGE...
+# Installs the packages whose command (or absolute path) is not there. Says so and ends when it can't.
+install_missing()
+{
+    missing=
+    for pair in "$@"; do
+        thing=${pair%%=*}
+        package=${pair#*=}
+        case $thing in
+        /*) [ -e "$thing" ] && continue ;;
+        *) command -v "$thing" >/dev/null 2>&1 && continue ;;
+        esac
+        case " $missing " in *" $package "*) ;; *) missing="$missing $package" ;; esac
+    done
+    [ -z "$missing" ] && return 0
+
+    if [ "$(id -u)" != 0 ]; then
+        echo "missing packages:$missing (run as root, or install them first)" >&2
+        exit 1
+    fi
+    echo "installing:$missing"
+    apt_log=$(mktemp)
+    # shellcheck disable=SC2086  # a list of words
+    if ! { apt-get update && DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing; } >"$apt_log" 2>&1; then
+        tail -n 20 "$apt_log" >&2
+        rm -f "$apt_log"
+        exit 1
+    fi
+    rm -f "$apt_log"
+}
+
+# configure PRESET [ARGUMENT...]: configures build/PRESET as CMakePresets.json says.
+configure()
+{
+    preset=$1
+    shift
+    cmake --preset "$preset" -G Ninja "$@"
+}
