@@ -1,0 +1,313 @@
+// How long a boot takes beside what else could bring the same cards up.
+//
+// In one set of namespaces and in the same rounds, one behind the other: lanrise with its settings
+// in memory, a shell script around `ip -batch`, one around net-tools, and a program of bare
+// requests. Between two runs all cards are taken down and lose their addresses, outside of the
+// measured time; after each run the end state is looked at, so that nobody is fast by doing less.
+//
+// usage: tests/netns/enter.sh build/release/bench/boot LANRISE BARE [ROUNDS]
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/ptrace.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+struct Contender {
+    std::string name;
+    std::vector<std::string> command;
+    std::vector<double> milliseconds;
+};
+
+int control = -1;
+
+[[noreturn]] void Give(const std::string& reason)
+{
+    fprintf(stderr, "bench/boot: %s\n", reason.c_str());
+    exit(1);
+}
+
+std::string CardName(int card)
+{
+    return "eth" + std::to_string(card);
+}
+
+std::string Net(int card, const char* host)
+{
+    return "10." + std::to_string(card) + ".0." + host;
+}
+
+void Write(const std::string& path, const std::string& text)
+{
+    std::ofstream(path) << text;
+}
+
+// ---- the device
+
+void MakeCards(int from, int count)
+{
+    std::string batch;
+    for (int card = from; card < count; ++card) {
+        const std::string peer = "p" + std::to_string(card);
+        batch += "link add " + CardName(card) + " type veth peer name " + peer + "\n";
+        batch += "link set " + peer + " up\n";
+    }
+    Write("/mnt/cards", batch);
+    if (system("ip -batch /mnt/cards") != 0) Give("no cards");
+}
+
+void WriteSettings(int count)
+{
+    if (system("rm -rf /mnt/mtd/Config && mkdir -p /mnt/mtd/Config") != 0) Give("no settings");
+    for (int card = 0; card < count; ++card) {
+        const std::string suffix = card == 0 ? "" : card == 1 ? "1" : CardName(card);
+        Write("/mnt/mtd/Config/network" + suffix,
+              "HOSTIP = " + Net(card, "2") + "\nSUBMASK = 255.255.255.0\nGATEWAYIP = " +
+                  Net(card, "1") + "\nMTU = 1500\nBONDED = 0\nBRIDGEEDED = 0\nWORKMODE = 0\n" +
+                  (card == 0 ? "DEFAULT_ETH = eth0\n" : ""));
+    }
+    const std::string resolver6 =
+        "nameserver 2001:4860:4860::8888\nnameserver 2001:4860:4860::8844\n";
+    Write("/mnt/mtd/Config/resolv.conf", "nameserver 8.8.8.8\nnameserver 8.8.4.4\n" + resolver6);
+    Write("/mnt/mtd/Config/resolvip6.conf", resolver6);
+}
+
+ifreq RequestFor(int card)
+{
+    ifreq request{};
+    snprintf(request.ifr_name, sizeof(request.ifr_name), "%s", CardName(card).c_str());
+    return request;
+}
+
+void TakeDown(int count)
+{
+    for (int card = 0; card < count; ++card) {
+        ifreq request = RequestFor(card);
+        request.ifr_addr.sa_family = AF_INET;
+        (void)ioctl(control, SIOCSIFADDR, &request);
+        request = RequestFor(card);
+        (void)ioctl(control, SIOCGIFFLAGS, &request);
+        request.ifr_flags = static_cast<short>(request.ifr_flags & ~IFF_UP);
+        (void)ioctl(control, SIOCSIFFLAGS, &request);
+    }
+}
+
+void CheckCard(const std::string& who, int card)
+{
+    ifreq request = RequestFor(card);
+    if (ioctl(control, SIOCGIFFLAGS, &request) < 0 || (request.ifr_flags & IFF_UP) == 0) {
+        Give(who + " left " + CardName(card) + " down");
+    }
+    request = RequestFor(card);
+    sockaddr_in address{};
+    if (ioctl(control, SIOCGIFADDR, &request) == 0) {
+        memcpy(&address, &request.ifr_addr, sizeof(address));
+    }
+    if (Net(card, "2") != inet_ntoa(address.sin_addr)) {
+        Give(who + " left " + CardName(card) + " without its address");
+    }
+}
+
+/// Every card up and addressed, its net routed once, one default route.
+void CheckEndState(const std::string& who, int count)
+{
+    for (int card = 0; card < count; ++card) CheckCard(who, card);
+
+    std::ifstream table("/proc/net/route");
+    std::string line;
+    int rows = -1;  // the header
+    int defaults = 0;
+    while (std::getline(table, line)) {
+        ++rows;
+        if (line.find("\t00000000\t0100000A\t") != std::string::npos) ++defaults;
+    }
+    if (rows != count + 1 || defaults != 1) Give(who + " left the routes wrong");
+}
+
+// ---- running
+
+std::vector<char*> Arguments(const std::vector<std::string>& command)
+{
+    std::vector<char*> arguments;
+    for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    return arguments;
+}
+
+[[noreturn]] void Become(const std::vector<char*>& arguments)
+{
+    const int nowhere = open("/dev/null", O_RDWR);
+    dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+double Run(const std::vector<std::string>& command)
+{
+    const std::vector<char*> arguments = Arguments(command);
+    const auto begin = std::chrono::steady_clock::now();
+    const pid_t child = vfork();
+    if (child == 0) Become(arguments);
+    int status = 0;
+    waitpid(child, &status, 0);
+    const std::chrono::duration<double, std::milli> taken =
+        std::chrono::steady_clock::now() - begin;
+    if (status != 0) Give(command[0] + " failed");
+    return taken.count();
+}
+
+double Median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    const size_t middle = values.size() / 2;
+    return values.size() % 2 != 0 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+// ---- looking inside
+
+struct Inside {
+    long peakKb = 0;
+    int children = 0;
+};
+
+long PeakOf(pid_t process)
+{
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    std::string word;
+    while (status >> word) {
+        long value = 0;
+        if (word == "VmHWM:" && status >> value) return value;
+    }
+    return 0;
+}
+
+/// One run under trace: peak memory, looked up as it ends, and how many processes it started.
+Inside LookInside(const std::vector<std::string>& command)
+{
+    const std::vector<char*> arguments = Arguments(command);
+    const pid_t child = fork();
+    if (child == 0) {
+        ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+        Become(arguments);
+    }
+    Inside inside;
+    int status = 0;
+    waitpid(child, &status, 0);
+    ptrace(PTRACE_SETOPTIONS, child, nullptr,
+           PTRACE_O_TRACEEXIT | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK | PTRACE_O_TRACECLONE);
+    for (pid_t stopped = child; stopped > 0; stopped = waitpid(-1, &status, __WALL)) {
+        if (WIFEXITED(status) || WIFSIGNALED(status)) {
+            if (stopped == child) return inside;
+            continue;
+        }
+        const int event = status >> 16;
+        if (event == PTRACE_EVENT_EXIT && stopped == child) inside.peakKb = PeakOf(child);
+        if (event == PTRACE_EVENT_FORK || event == PTRACE_EVENT_VFORK ||
+            event == PTRACE_EVENT_CLONE) {
+            ++inside.children;
+        }
+        ptrace(PTRACE_CONT, stopped, nullptr, nullptr);
+    }
+    return inside;
+}
+
+// ---- the contenders
+
+std::string IpScript(int count)
+{
+    std::string batch;
+    for (int card = 0; card < count; ++card) {
+        batch += "link set " + CardName(card) + " mtu 1500 up\n";
+        batch += "addr add " + Net(card, "2") + "/24 broadcast + dev " + CardName(card) + "\n";
+    }
+    batch += "route add default via 10.0.0.1 dev eth0\n";
+    return "#!/bin/sh\nip -batch - <<END\n" + batch + "END\n";
+}
+
+std::string NetToolsScript(int count)
+{
+    std::string script = "#!/bin/sh\n";
+    for (int card = 0; card < count; ++card) {
+        script += "ifconfig " + CardName(card) + " " + Net(card, "2") +
+                  " netmask 255.255.255.0 mtu 1500 up\n";
+    }
+    return script + "route add default gw 10.0.0.1 eth0\n";
+}
+
+void Measure(int count, int rounds, const std::string& lanrise, const std::string& bare)
+{
+    Write("/mnt/ip.sh", IpScript(count));
+    Write("/mnt/net-tools.sh", NetToolsScript(count));
+    std::vector<Contender> contenders = {
+        {"lanrise", {lanrise}, {}},
+        {"ip -batch", {"sh", "/mnt/ip.sh"}, {}},
+        {"net-tools", {"sh", "/mnt/net-tools.sh"}, {}},
+        {"bare requests", {bare, std::to_string(count)}, {}},
+    };
+    WriteSettings(count);
+    for (int round = -1; round < rounds; ++round) {  // the first is thrown away
+        for (Contender& contender : contenders) {
+            TakeDown(count);
+            const double taken = Run(contender.command);
+            CheckEndState(contender.name, count);
+            if (round >= 0) contender.milliseconds.push_back(taken);
+        }
+    }
+
+    printf("%d card%s, %d rounds\n", count, count == 1 ? "" : "s", rounds);
+    printf("  %-16s %10s %18s\n", "", "median ms", "lanrise / this");
+    const double ours = Median(contenders[0].milliseconds);
+    for (const Contender& contender : contenders) {
+        const double median = Median(contender.milliseconds);
+        printf("  %-16s %10.2f %18.2f\n", contender.name.c_str(), median, ours / median);
+    }
+    TakeDown(count);
+    const Inside inside = LookInside({lanrise});
+    printf("  lanrise: peak memory %ld kB, %d child processes\n\n", inside.peakKb, inside.children);
+}
+
+void PrintSize(const std::string& path)
+{
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) {
+        printf("%-60s %7ld bytes\n", path.c_str(), static_cast<long>(status.st_size));
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc < 3) Give("usage: boot LANRISE BARE [ROUNDS]");
+    const std::string lanrise = argv[1];
+    const std::string bare = argv[2];
+    const int rounds = argc > 3 ? atoi(argv[3]) : 31;
+    // Cards here may only be those of a namespace made for this run.
+    if (if_nametoindex("eth0") != 0) Give("run me through tests/netns/enter.sh");
+
+    control = socket(AF_INET, SOCK_DGRAM, 0);
+    int made = 0;
+    for (const int count : {1, 8, 31}) {
+        MakeCards(made, count);
+        made = count;
+        Measure(count, rounds, lanrise, bare);
+    }
+    PrintSize(lanrise);
+    return 0;
+}

@@ -1,0 +1,263 @@
+// What single operations cost beside the bare calls that nobody can do without.
+//
+// Pairs run interleaved in random order; the table at the end gives medians and ratios.
+//
+// usage: tests/netns/enter.sh build/release/bench/calls
+
+#include "Base.h"
+#include "Route.h"
+#include "Support/KeyFile.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr char kSettings[] = "/mnt/mtd/Config/network";
+
+// ---- a key
+
+void ReadKey(benchmark::State& state)
+{
+    char value[16];
+    for (auto step : state) {
+        (void)step;
+        if (!GetValueByKey(kSettings, "GATEWAYIP", value, sizeof(value)))
+            state.SkipWithError("no key");
+    }
+}
+
+void ReadKeyBare(benchmark::State& state)
+{
+    char line[256];
+    for (auto step : state) {
+        (void)step;
+        FILE* file = fopen(kSettings, "r");
+        while (fgets(line, sizeof(line), file) != nullptr && strstr(line, "GATEWAYIP") == nullptr) {
+        }
+        benchmark::DoNotOptimize(line[0]);
+        fclose(file);
+    }
+}
+
+// ---- a card
+
+void CardPresent(benchmark::State& state)
+{
+    const char* name = "eth7";
+    for (auto step : state) {
+        (void)step;
+        if (!CheckEthExist(&name, 1)) state.SkipWithError("no card");
+    }
+}
+
+void ReadTableBare(benchmark::State& state)
+{
+    static char text[65536];
+    for (auto step : state) {
+        (void)step;
+        const int table = open("/proc/net/dev", O_RDONLY);
+        ssize_t length = 0;
+        ssize_t count = 0;
+        while ((count = read(table, text + length, sizeof(text) - static_cast<size_t>(length))) >
+               0) {
+            length += count;
+        }
+        benchmark::DoNotOptimize(text[0]);
+        close(table);
+    }
+}
+
+// ---- routes
+
+void SixteenRoutes(benchmark::State& state)
+{
+    IPv4Route routes[16];
+    for (auto step : state) {
+        (void)step;
+        int count = 16;
+        if (!Route_GetIPv4Route(routes, &count)) state.SkipWithError("no table");
+        benchmark::DoNotOptimize(count);
+    }
+}
+
+// ---- a command
+
+void RunCommand(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        if (!VorlixRunCmd("true")) state.SkipWithError("no shell");
+    }
+}
+
+void SpawnBare(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        const char* arguments[] = {"sh", "-c", "true", nullptr};
+        pid_t child = -1;
+        if (posix_spawnp(&child, "sh", nullptr, nullptr, const_cast<char**>(arguments), environ) !=
+            0) {
+            state.SkipWithError("no shell");
+            break;
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+    }
+}
+
+// ---- running
+
+/// Keeps the medians by name and prints nothing.
+class Medians : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context&) override { return true; }
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) {
+            if (run.error_occurred) {
+                fprintf(stderr, "bench/calls: %s: %s\n", run.benchmark_name().c_str(),
+                        run.error_message.c_str());
+                exit(1);
+            }
+            if (run.aggregate_name == "median") {
+                nanoseconds_[run.run_name.function_name] = run.GetAdjustedRealTime();
+            }
+        }
+    }
+    double Of(const std::string& name) const { return nanoseconds_.at(name); }
+
+private:
+    std::map<std::string, double> nanoseconds_;
+};
+
+struct Named {
+    const char* name;
+    void (*body)(benchmark::State&);
+};
+
+Medians RunAll(const std::vector<Named>& bodies)
+{
+    benchmark::ClearRegisteredBenchmarks();
+    for (const Named& body : bodies) {
+        benchmark::RegisterBenchmark(body.name, body.body)->Repetitions(15)->MinTime(0.05);
+    }
+    Medians medians;
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    return medians;
+}
+
+void PrintRatio(const char* what, double ours, double peer, const char* peerName, double aim)
+{
+    printf("%-44s %9.2f us %9.2f us  %-22s %5.2f  (aim %.2f)\n", what, ours / 1000, peer / 1000,
+           peerName, ours / peer, aim);
+}
+
+void Shell(const std::string& command)
+{
+    if (system(command.c_str()) != 0) {
+        fprintf(stderr, "bench/calls: failed: %s\n", command.c_str());
+        exit(1);
+    }
+}
+
+void MakeCards(int from, int count)
+{
+    for (int card = from; card < count; ++card) {
+        const std::string number = std::to_string(card);
+        Shell("ip link add eth" + number + " type veth peer name p" + number);
+    }
+}
+
+void WriteSettings()
+{
+    Shell("mkdir -p /mnt/mtd/Config");
+    std::ofstream(kSettings) << "HOSTIP = 10.0.0.2\nSUBMASK = 255.255.255.0\nPRIO = 0\nMTU = 1500\n"
+                                "WORKMODE = 0\nBONDED = 0\nGATEWAYIP = 10.0.0.1\n";
+}
+
+void GrowRoutes(int from, int to)
+{
+    std::ofstream batch("/mnt/routes");
+    for (int route = from; route < to; ++route) {
+        batch << "route add 100." << route / 65536 << "." << route / 256 % 256 << "." << route % 256
+              << "/32 dev eth0\n";
+    }
+    batch.close();
+    Shell("ip -batch /mnt/routes");
+}
+
+void MeasureKey()
+{
+    const Medians medians = RunAll({{"key", ReadKey}, {"bare", ReadKeyBare}});
+    PrintRatio("one key of a setting file", medians.Of("key"), medians.Of("bare"), "fopen, fgets",
+               1.6);
+}
+
+void MeasureCards(int count)
+{
+    const Medians medians = RunAll({{"present", CardPresent}, {"bare", ReadTableBare}});
+    const std::string what = "card present, " + std::to_string(count) + " cards";
+    PrintRatio(what.c_str(), medians.Of("present"), medians.Of("bare"), "read /proc/net/dev", 1.5);
+}
+
+void MeasureRoutes()
+{
+    Shell("ip link set eth0 up");
+    double first = 0;
+    int made = 0;
+    for (const int count : {10, 1000, 100000}) {
+        GrowRoutes(made, count);
+        made = count;
+        const double ours = RunAll({{"routes", SixteenRoutes}}).Of("routes");
+        if (first == 0) first = ours;
+        const std::string what = "sixteen rows of " + std::to_string(count) + " routes";
+        PrintRatio(what.c_str(), ours, first, "the same of 10 routes", 1.1);
+    }
+}
+
+void MeasureCommands(size_t megabytes)
+{
+    const size_t size = megabytes << 20;
+    void* ballast = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    memset(ballast, 1, size);
+    const Medians medians = RunAll({{"command", RunCommand}, {"bare", SpawnBare}});
+    const std::string what = "shell command, parent of " + std::to_string(megabytes) + " MB";
+    PrintRatio(what.c_str(), medians.Of("command"), medians.Of("bare"), "posix_spawn", 1.05);
+    munmap(ballast, size);
+}
+
+}  // namespace
+
+int main()
+{
+    const char* flags[] = {"calls", "--benchmark_enable_random_interleaving=true", nullptr};
+    int count = 2;
+    benchmark::Initialize(&count, const_cast<char**>(flags));
+
+    WriteSettings();
+    MeasureKey();
+    MakeCards(0, 8);
+    MeasureCards(8);
+    MakeCards(8, 31);
+    MeasureCards(31);
+    MeasureRoutes();
+    MeasureCommands(10);
+    MeasureCommands(2048);
+    return 0;
+}
