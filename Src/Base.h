@@ -149,6 +149,12 @@ extern pthread_mutex_t upDownLock;
 constexpr int kMaxInterfaces = 32;
 constexpr int kNameSize = IFNAMSIZ;
 
+/// `CheckEthExist` for one name. NULL gives false, silently.
+inline bool CardExists(const char* name)
+{
+    return CheckEthExist(&name, 1);
+}
+
 /// A zeroed request for one interface, with at most 15 characters of its name.
 ifreq RequestFor(const char* name);
 
