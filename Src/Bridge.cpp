@@ -1,10 +1,13 @@
 #include "Bridge.h"
 
 #include "Base.h"
+#include "Network.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
 #include "Support/NameList.h"
 #include "Support/Text.h"
+
+#include <cstdarg>
 
 #include <sys/stat.h>
 
@@ -14,11 +17,39 @@ namespace {
 
 // ---- texts and limits
 
-constexpr size_t kTextSize = 256;  // of a path
+constexpr size_t kTextSize = 256;  // of a path and of a command
+constexpr size_t kMacTextSize = 18;
 
 constexpr uint8_t kKernelTree = 0;
 constexpr uint8_t kRapidTree = 1;
 constexpr uint8_t kMultipleTrees = 2;
+
+// ---- commands
+
+/// Logs a command of the building and runs it.
+__attribute__((format(printf, 1, 2))) bool RunLogged(const char* format, ...)
+{
+    char command[kTextSize];
+    va_list arguments;
+    va_start(arguments, format);
+    vsnprintf(command, sizeof(command), format, arguments);
+    va_end(arguments);
+    LOG_INFO_AS("Bridge_Bridge", "%s\n", command);
+    return VorlixRunCmd(command);
+}
+
+/// Gives the bridge the hardware address of a card. Without it the bridge would change its address
+/// with its ports.
+void TakeAddressOf(const char* bridge, const char* card)
+{
+    char mac[kMacTextSize] = {};
+    (void)Net_GetMacbyName(card, mac);  // the command is run without an address just the same
+
+    char command[kTextSize];
+    FormatText(command, sizeof(command), "ifconfig %s hw ether %s", bridge, mac);
+    (void)VorlixRunCmd(command);
+    LOG_INFO_AS("Bridge_Bridge", "%s\n", command);  // this one is logged behind its run
+}
 
 // ---- ports
 
@@ -67,6 +98,21 @@ bool ControlRapidTree(const char* bridge, bool enable)
 }  // namespace vorlix
 
 using namespace vorlix;
+
+bool Bridge_Bridge(const char* brName, char** ethList, int ethNum)
+{
+    if (brName == nullptr || ethList == nullptr) return false;
+
+    const NameList members(ethList, ethNum);
+    (void)RunLogged("brctl addbr %s", brName);
+    for (const char* const& member : members) {
+        (void)RunLogged("brctl addif %s %s", brName, member);
+        if (&member == members.begin()) TakeAddressOf(brName, member);
+    }
+    for (const char* member : members) (void)RunLogged("ifconfig %s down", member);
+    for (const char* member : members) (void)RunLogged("ifconfig %s 0.0.0.0 up", member);
+    return RunLogged("ifconfig %s up", brName);
+}
 
 bool Bridge_UnBridge(const char* brName, char** ethList, int ethNum)
 {

@@ -13,6 +13,15 @@
 extern "C" {
 #endif
 
+/// Builds a bridge from cards and brings it up. The bridge takes over the hardware address of the
+/// first card; the cards lose their IPv4 addresses. A bridge that exists already takes the same
+/// steps.
+///
+/// @param ethList  `ethNum` names; none are needed
+/// @return result of the last command, which brings the bridge up
+/// @errors  every command is logged at Info
+VORLIX_API bool Bridge_Bridge(const char* brName, char** ethList, int ethNum);
+
 /// Takes a bridge down, releases the given cards and deletes it. The cards stay as that leaves
 /// them.
 ///
