@@ -18,7 +18,6 @@ namespace {
 // ---- texts and limits
 
 constexpr size_t kTextSize = 256;  // of a path and of a command
-constexpr size_t kMacTextSize = 18;
 
 constexpr uint8_t kKernelTree = 0;
 constexpr uint8_t kRapidTree = 1;
