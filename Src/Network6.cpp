@@ -95,11 +95,10 @@ in6_addr AddressOf(const Entry& entry)
 }
 
 /// Writes the shortened form, or an empty text when that does not fit.
-void PrintIPv6(const in6_addr& address, char* text, int size)
+void PrintOrEmpty(const in6_addr& address, char* text, int size)
 {
     char whole[kAddressTextSize] = {};
-    const auto limit = static_cast<socklen_t>(std::min(size, kAddressTextSize));
-    if (inet_ntop(AF_INET6, &address, whole, limit) == nullptr) whole[0] = '\0';
+    (void)PrintIPv6(address, whole, std::min(size, kAddressTextSize));
     CopyText(text, static_cast<size_t>(size), whole);
 }
 
@@ -166,7 +165,7 @@ bool Net6_GetAddressInfo(const char* name, char* addr, int ipLen, char* perfix, 
     Entry entry{};
     if (!FindEntry(table.Get(), name, static_cast<unsigned>(addrType), &entry)) return false;
 
-    PrintIPv6(AddressOf(entry), addr, ipLen);
+    PrintOrEmpty(AddressOf(entry), addr, ipLen);
     FormatText(perfix, static_cast<size_t>(perFixLen), "%d", static_cast<int>(entry.prefix));
     return true;
 }

@@ -51,6 +51,11 @@ bool PrintIPv4(uint32_t value, char* text)
     return inet_ntop(AF_INET, &address, text, kIPv4TextSize) != nullptr;
 }
 
+bool PrintIPv6(const in6_addr& value, char* text, int size)
+{
+    return size > 0 && inet_ntop(AF_INET6, &value, text, static_cast<socklen_t>(size)) != nullptr;
+}
+
 bool ParseMac(const char* text, unsigned char (&mac)[kMacSize])
 {
     return sscanf(text, "%02hhx:%02hhx:%02hhx:%02hhx:%02hhx:%02hhx", &mac[0], &mac[1], &mac[2],

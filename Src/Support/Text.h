@@ -77,6 +77,10 @@ bool ParseIPv6(const char* text, in6_addr* value);
 /// @return false when the text could not be formed, with `text` unchanged
 bool PrintIPv4(uint32_t value, char* text);
 
+/// Writes `value` in its canonical form into `size` bytes.
+/// @return false when it does not fit, with `text` unchanged
+bool PrintIPv6(const in6_addr& value, char* text, int size);
+
 /// Bytes of a hardware address, and of its text with its terminator.
 constexpr int kMacSize = 6;
 constexpr int kMacTextSize = 18;
