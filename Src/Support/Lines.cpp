@@ -10,11 +10,15 @@ namespace vorlix {
 
 bool LineReader::Refill()
 {
+    if (ended_) return false;
+
     ssize_t count = -1;
     do {
         count = pread(fd_, buffer_, sizeof(buffer_), offset_);
     } while (count < 0 && errno == EINTR);
-    if (count <= 0) return false;
+    failed_ = count < 0;
+    ended_ = count <= 0;
+    if (ended_) return false;
 
     offset_ += count;
     begin_ = 0;
@@ -22,27 +26,44 @@ bool LineReader::Refill()
     return true;
 }
 
+/// Hands out what the buffer holds, as far as its first newline and at most `room` characters.
+size_t LineReader::Move(char* to, size_t room)
+{
+    const char* from = buffer_ + begin_;
+    size_t count = std::min(room, end_ - begin_);
+    const void* newline = memchr(from, '\n', count);
+    if (newline != nullptr) {
+        count = static_cast<size_t>(static_cast<const char*>(newline) - from) + 1;
+    }
+    memcpy(to, from, count);
+    begin_ += count;
+    return count;
+}
+
 bool LineReader::Next(char (&line)[kLineSize])
 {
+    constexpr size_t kMost = sizeof(line) - 1;
     size_t length = 0;
-    while (length < sizeof(line) - 1) {
-        if (begin_ == end_ && !Refill()) break;
-
-        const size_t room = std::min(sizeof(line) - 1 - length, end_ - begin_);
-        const char* from = buffer_ + begin_;
-        const void* newline = memchr(from, '\n', room);
-        const size_t count =
-            newline == nullptr ? room
-                               : static_cast<size_t>(static_cast<const char*>(newline) - from) + 1;
-        memcpy(line + length, from, count);
-        length += count;
-        begin_ += count;
-        if (newline != nullptr) break;
+    while (length < kMost && (begin_ < end_ || Refill())) {
+        length += Move(line + length, kMost - length);
+        if (line[length - 1] == '\n') break;
     }
-    if (length == 0) return false;
+    if (length == 0 || failed_) return false;
 
     line[length] = '\0';
     return true;
+}
+
+void LineReader::Rewind()
+{
+    const bool holdsStart = offset_ == static_cast<off_t>(end_);
+    if (!holdsStart || failed_) {
+        offset_ = 0;
+        end_ = 0;
+        ended_ = false;
+        failed_ = false;
+    }
+    begin_ = 0;
 }
 
 }  // namespace vorlix

@@ -9,25 +9,33 @@ namespace vorlix {
 /// Size of a line buffer: 255 characters and the terminator. A longer line is read as several.
 constexpr int kLineSize = 256;
 
-/// Reads a descriptor line by line from offset 0, as `fgets` does, but without heap and always
-/// afresh: a kept stream would go on answering from its buffer after the table behind it has
+/// Reads a descriptor line by line from offset 0, as `fgets` does, but without heap and afresh for
+/// each reader: a kept stream would go on answering from its buffer after the table behind it has
 /// changed.
 class LineReader {
 public:
     /// The descriptor stays the caller's; its own file position is not used.
     explicit LineReader(int fd) : fd_(fd) {}
 
-    /// Stores the next piece, newline included, with its terminator. False at end of file or when
-    /// the file cannot be read; `line` then keeps what it had.
+    /// Stores the next piece, newline included, with its terminator.
+    ///
+    /// @return false at the end of the file, with `line` as it was, and when the file cannot be
+    ///         read: half a line that the error cut off must not pass for a whole one
     bool Next(char (&line)[kLineSize]);
+
+    /// Goes back to the first line. What the buffer still holds of the beginning is not read again.
+    void Rewind();
 
 private:
     bool Refill();
+    size_t Move(char* to, size_t room);
 
     int fd_;
-    off_t offset_ = 0;
-    size_t begin_ = 0;
+    off_t offset_ = 0;  // in the file, of what follows the buffer
+    size_t begin_ = 0;  // of what the buffer still holds
     size_t end_ = 0;
+    bool ended_ = false;
+    bool failed_ = false;
     char buffer_[4096];  // the kernel hands out its tables in pieces of one page
 };
 
