@@ -1,9 +1,10 @@
 #pragma once
 
-/// The log: every line goes to standard output, whole and at once, in one frame:
+/// The log: every line goes to standard output, whole and at once, in one frame, broken here only
+/// for the page:
 ///
-///     ESC[1;<colour>;40m<HH:MM:SS>|Vorlix-111860|<level>|<thread
-///     id>|<message>|<file>:<line>|<operation>() ESC[0m
+///     ESC[1;<colour>;40m<HH:MM:SS>|Vorlix-111860|<level>|<thread id>|<message>
+///     |<file>:<line>|<operation>()ESC[0m
 ///
 /// There is no level filter and no log file. The line carries the name of the documented operation;
 /// bodies that twins share get that name handed in and use the _AS forms.
@@ -15,6 +16,7 @@ namespace vorlix {
 
 enum class LogLevel : unsigned char { Info, Warn, Error };
 
+/// Writes one line. The macros below fill in where it comes from.
 __attribute__((format(printf, 5, 6))) void LogWrite(LogLevel level, const char* file, int line,
                                                     const char* operation, const char* format, ...);
 
