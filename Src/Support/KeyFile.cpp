@@ -4,11 +4,16 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
-#include <array>
-#include <cctype>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace vorlix {
 
@@ -24,15 +29,17 @@ constexpr int kLinesLookedAt = 32;
 constexpr int kLinesKept = 16;
 constexpr int kFileNameSize = 64;
 constexpr unsigned kLongestEntry = 62;  // of the directory record, not of the name alone
+constexpr int kRegularPathSize = 256;
 constexpr int kModeTextSize = 31;
 constexpr unsigned kModes = 3;
 constexpr mode_t kNewFileMode = 0644;
 
-const char keys[HOST_NET_END][16] = {
+constexpr char keys[HOST_NET_END][16] = {
     "HOSTIP",      "SUBMASK",    "GATEWAYIP",  "PRIO",          "WORKMODE",     "BONDED",
     "BONDNAME",    "BONDMODE",   "ROUTE",      "BONDPRIMARY",   "MTU",          "ACTIVE_ETH",
     "DEFAULT_ETH", "BRIDGEEDED", "BRIDGENAME", "BONDMEMBERS",   "bridgeprefix", "stp_state",
     "BRIDGES",     "SSIF",       "SSIF_EDGE",  "BRIDGEMEMBERS", "LACP"};
+static_assert(keys[HOST_BONDHASH_KEY][0] != '\0', "an empty key would be found in every line");
 
 // ---- state
 
@@ -72,7 +79,7 @@ bool ControlFile(short type, int control)
 void LockFile(const char* filename)
 {
     pthread_mutex_lock(&net_config_Lock);
-    fd = open(filename, O_WRONLY | O_APPEND);
+    fd = filename == nullptr ? -1 : open(filename, O_WRONLY | O_APPEND);
     if (fd < 0 || ControlFile(F_WRLCK, F_SETLKW)) return;
 
     LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:%d, [%s]", getpid(),
@@ -99,8 +106,7 @@ bool IsPadding(char character)
     return character == ' ' || character == '\t' || character == '\n';
 }
 
-/// Finds the first line with `key` among the first 32. The lock is released before the file is
-/// closed.
+/// Finds the first line with `key` among the first 32.
 bool FindLine(const char* filename, const char* key, char (&line)[kLineSize])
 {
     ConfigLock lock(filename);
@@ -112,7 +118,7 @@ bool FindLine(const char* filename, const char* key, char (&line)[kLineSize])
             found = Contains(line, key);
         }
     }
-    lock.Release();
+    lock.Release();  // a reader unlocks first and closes then
     return found;
 }
 
@@ -135,7 +141,7 @@ bool TakeValue(char* line, const char* filename, const char* key, char* value, i
         LOG_WARN_AS("GetValueByKey", "the %s from %s is empty.", key, filename);
         return false;
     }
-    if (static_cast<int>(length) > len - 1) {
+    if (static_cast<int>(length) >= len) {
         LOG_ERROR_AS("GetValueByKey", "value len is too small.[len:%d,value:%s]",
                      static_cast<int>(length), text);
         return false;
@@ -228,8 +234,9 @@ const char* KeyText(KEYENUM key)
     return keys[key];
 }
 
-SwitchModes::SwitchModes()
+void SwitchModes::Read()
 {
+    read_ = true;
     ConfigLock lock(kSwitchModeFile);
     const Fd file(open(kSwitchModeFile, O_RDONLY));
     if (file.Ok()) {
@@ -239,8 +246,9 @@ SwitchModes::SwitchModes()
     lock.Release();
 }
 
-int32_t SwitchModes::Get(const char* name, int32_t* mode) const
+int32_t SwitchModes::Get(const char* name, int32_t* mode)
 {
+    if (!read_) Read();
     for (int i = 0; i < count_; ++i) {
         if (!Contains(lines_[i], name)) continue;
 
@@ -269,11 +277,11 @@ bool GetFileByName6(const char* name, char* file, int len)
 
 bool checkIsRegFile(const char* fileName)
 {
-    if (fileName[0] == '\0') return false;
+    if (fileName == nullptr || fileName[0] == '\0') return false;
 
-    char path[256];
+    char path[kRegularPathSize];
     const int length = FormatText(path, sizeof(path), "%s/%s", kConfigFolder, fileName);
-    if (length < 1 || length >= static_cast<int>(sizeof(path))) {
+    if (length < 1 || length >= kRegularPathSize) {
         LOG_ERROR("the file:%s is too long", fileName);
         return false;
     }
@@ -343,8 +351,7 @@ bool CreateConfigFile(const char* ethName)
 bool DelConfigFile(const char* ethName)
 {
     char path[kPathSize] = {};
-    (void)GetFileByName(ethName, path,
-                        sizeof(path));  // NULL leaves an empty path, which fails below
+    (void)GetFileByName(ethName, path, sizeof(path));  // NULL: no path, whose removal fails
     if (remove(path) != 0) LOG_WARN("remove file %s failed,[%s]", path, strerror(errno));
     return true;
 }

@@ -57,8 +57,9 @@ VORLIX_API bool GetFileByName6(const char* name, char* file, int len);
 /// and a whole-file write lock against other processes. Not recursive; calls come in pairs on one
 /// thread.
 ///
-/// A file that cannot be opened for writing is guarded by the mutex alone, silently.
+/// A file that cannot be opened for writing, and NULL, are guarded by the mutex alone, silently.
 ///
+/// @param filename  path of the file to take; not looked at by a release
 /// @return always true
 /// @errors a refused fcntl lock or unlock: an Error line, and the caller goes on
 VORLIX_API bool FileLock(bool lockORunlock, const char* filename);
@@ -68,9 +69,8 @@ VORLIX_API bool FileLock(bool lockORunlock, const char* filename);
 ///
 /// @param value  `len` bytes, written only on success and zero-filled behind the value
 /// @return true when a value that is not empty and fits was found
-/// @errors no file, no such line within 32: silent; no "=": Error; nothing behind it: Warn; too
-/// long:
-///         Error
+/// @errors NULL, no file, no such line within 32: silent; no "=" in the line: Error; nothing behind
+///         it: Warn; a value of `len` characters or more: Error
 VORLIX_API bool GetValueByKey(const char* filename, const char* key, char* value, int len);
 
 /// Rewrites a setting file with `key` set to `value`: in the place of the first kept line that
@@ -78,9 +78,8 @@ VORLIX_API bool GetValueByKey(const char* filename, const char* key, char* value
 /// is released.
 ///
 /// @return true when the file was written
-/// @errors no file yet: Error, and it is created; a 17th line: Error, file unchanged; no write
-/// access:
-///         Error; a failed sync: Warn, still true
+/// @errors NULL: silent; no file yet: Error, and it is created; a 17th line: Error, file unchanged;
+///         a file that cannot be rewritten: Error; a failed sync: Warn, still true
 VORLIX_API bool SetValueByKey(const char* filename, const char* key, const char* value);
 
 /// True when the card's IPv4 setting file exists.
@@ -92,20 +91,22 @@ VORLIX_API bool CreateConfigFile(const char* ethName);
 
 /// Removes the card's IPv4 setting file.
 /// @return always true
-/// @errors a failed removal: Warn
+/// @errors a failed removal, and NULL: Warn
 VORLIX_API bool DelConfigFile(const char* ethName);
 
 /// Lists the base names of all IPv4 setting files, in the directory's order.
 ///
 /// @param files  `*num` entries of 64 bytes
 /// @param num    capacity on entry (32 by custom), number of names on return
-/// @errors NULL: Error; directory cannot be opened: Error, `*num` is 0; entry longer than 36
-///         characters: Warn and passed over
+/// @errors NULL: Error; a directory that cannot be opened: Error, and `*num` is 0; a name of more
+///         than 36 characters (directory record above 62 bytes): Warn, and it is passed over
 VORLIX_API bool GetAllNetworkFile(char (*files)[64], int* num);
 
 /// Saves a card's switch mode (0 card, 1 switch interface, 2 both) in poeMode.conf, which keeps the
-/// last card saved and no other.
+/// last card saved and no other. Any number is taken.
+///
 /// @return 0 or -1
+/// @errors NULL or an empty name: Error
 VORLIX_API int32_t NetSwitch_SetNetCardMode(const char* name, int32_t mode);
 
 /// Reads a card's saved switch mode.
@@ -113,6 +114,7 @@ VORLIX_API int32_t NetSwitch_SetNetCardMode(const char* name, int32_t mode);
 /// @param mode  0 to 2 on success; 0 with the result -1 when the saved number is out of range; else
 ///              untouched
 /// @return 0, or -1 when none or a bad one is saved
+/// @errors a NULL name: Error; a NULL `mode`: silent; a number out of range: Error
 VORLIX_API int32_t NetSwitch_GetNetCardMode(const char* name, int32_t* mode);
 
 // Not exported.
@@ -139,31 +141,36 @@ const char* KeyText(KEYENUM key);
 /// The lock of one setting file, held to the end of the scope or to `Release`.
 class ConfigLock {
 public:
-    explicit ConfigLock(const char* filename) : filename_(filename) { FileLock(true, filename_); }
+    explicit ConfigLock(const char* filename) : filename_(filename)
+    {
+        (void)FileLock(true, filename_);
+    }
     ~ConfigLock() { Release(); }
     ConfigLock(const ConfigLock&) = delete;
     ConfigLock& operator=(const ConfigLock&) = delete;
 
     void Release()
     {
-        if (filename_ != nullptr) FileLock(false, filename_);
-        filename_ = nullptr;
+        if (held_) (void)FileLock(false, filename_);
+        held_ = false;
     }
 
 private:
     const char* filename_;
+    bool held_ = true;
 };
 
-/// The saved switch modes, read once for a walk over many cards.
+/// The saved switch modes for a walk over many cards: read when the first is asked for, and once.
 class SwitchModes {
 public:
-    SwitchModes();
-
-    /// Answers as `NetSwitch_GetNetCardMode` does, messages included, from the lines read.
-    int32_t Get(const char* name, int32_t* mode) const;
+    /// Answers as `NetSwitch_GetNetCardMode` does, messages included. Neither may be NULL.
+    int32_t Get(const char* name, int32_t* mode);
 
 private:
-    static constexpr int kCapacity = 32;
+    void Read();
+
+    static constexpr int kCapacity = 32;  // as many lines as a read looks at
+    bool read_ = false;
     int count_ = 0;
     char lines_[kCapacity][kLineSize];
 };
