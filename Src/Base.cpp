@@ -8,15 +8,21 @@
 #include <algorithm>
 #include <atomic>
 #include <cctype>
+#include <cerrno>
 #include <csignal>
 #include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <optional>
 
+#include <fcntl.h>
 #include <linux/ethtool.h>
 #include <linux/sockios.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 namespace vorlix {
 
@@ -51,6 +57,11 @@ constexpr const char* kRefusedKinds[] = {"veth", "br-", "docker"};
 constexpr const char* kAcceptedKinds[] = {"eth", "wlan", "bond", "br", "ppp", "lte", "apra", "usb"};
 constexpr const char* kNeverSwitches[] = {"ppp", "lte", "bond", "wlan"};
 
+// What a card is to the switch.
+constexpr int32_t kOrdinaryCard = 0;
+constexpr int32_t kSwitchInterface = 1;
+constexpr int32_t kCardAndSwitch = 2;
+
 constexpr int kJoinedSize = 255;
 constexpr int kJoinedFull = 254;
 constexpr int kCounterTokens = 17;
@@ -74,6 +85,8 @@ std::atomic<int> commonSocketfdv6{-1};
 /// A name found once and kept. Filled and compared under its own lock, which is held over no call.
 class NameCache {
 public:
+    constexpr NameCache() = default;
+
     bool Empty()
     {
         const MutexGuard guard(lock_);
@@ -156,35 +169,31 @@ void PointAt(ifreq* request, void* record)
 
 // ---- wireless cards
 
-/// /proc/net/wireless, opened when the first name needs it and read afresh for each.
+struct OpenTable {
+    const Fd file{open(kWirelessTable, O_RDONLY)};
+    LineReader reader{file.Get()};
+};
+
+/// /proc/net/wireless, for a walk over many cards: opened when the first name needs it.
 class WirelessTable {
 public:
     /// Stores the line of `name`: the first one in which the character behind the name's first
     /// occurrence is no digit, so that wlan1 is not found in the line of wlan10.
     bool FindLine(const char* name, char (&line)[kLineSize])
     {
-        if (!opened_) {
-            table_ = open(kWirelessTable, O_RDONLY);
-            opened_ = true;
-        }
-        if (table_ < 0) return false;
+        if (!table_) table_.emplace();
+        if (!table_->file.Ok()) return false;
 
-        LineReader reader(table_);
-        while (reader.Next(line)) {
+        table_->reader.Rewind();
+        while (table_->reader.Next(line)) {
             const char* found = strstr(line, name);
             if (found != nullptr && !IsDigit(found[strlen(name)])) return true;
         }
         return false;
     }
 
-    WirelessTable() = default;
-    ~WirelessTable() { const Fd closing(table_); }
-    WirelessTable(const WirelessTable&) = delete;
-    WirelessTable& operator=(const WirelessTable&) = delete;
-
 private:
-    bool opened_ = false;
-    int table_ = -1;
+    std::optional<OpenTable> table_;
 };
 
 /// The status behind the line's first colon: 1 says connected.
@@ -223,18 +232,31 @@ bool IsWifi(const char* name, bool* isConnect, WirelessTable& table)
 int32_t SavedOrDriverMode(const char* name, int32_t saved, int32_t mode)
 {
     if (saved == 0) return mode;
-    if (!IsSwitch(name)) return 0;
-    return Equal(name, "eth0") ? 2 : 1;
+    if (!IsSwitch(name)) return kOrdinaryCard;
+    return Equal(name, "eth0") ? kCardAndSwitch : kSwitchInterface;
 }
 
-/// `isSwitchByName` from modes that were read before.
-int32_t SwitchModeOf(const char* name, const SwitchModes& modes)
+/// `isSwitchByName`, with the saved modes of the whole walk.
+int32_t SwitchModeOf(const char* name, SwitchModes& modes)
 {
-    if (Contains(name, kPoeMark)) return 1;
+    if (Contains(name, kPoeMark)) return kSwitchInterface;
 
     int32_t mode = 0;
     const int32_t saved = modes.Get(name, &mode);
     return SavedOrDriverMode(name, saved, mode);
+}
+
+/// The first answer of `GetSwitchInterface`. Byte 15 of a full buffer is left to the caller, who
+/// has zeroed it.
+void HandOut(const char* found, char* name, int len)
+{
+    Name text;
+    CopyText(text, found);
+    if (len < kNameSize) {
+        CopyText(name, static_cast<size_t>(len), text);
+    } else {
+        memcpy(name, text, sizeof(text) - 1);
+    }
 }
 
 void JoinPoeName(Name& entry, const char* card)
@@ -254,7 +276,7 @@ bool WantsNone(const int* maxNum)
 /// Capacity of a listing: the arrays have 32 entries, whatever their caller says.
 int CapacityOf(int maxNum)
 {
-    return maxNum > kMaxInterfaces ? kMaxInterfaces : maxNum;
+    return std::min(maxNum, kMaxInterfaces);
 }
 
 bool ListKind(const char* operation, const char* part, Names names, int* maxNum)
@@ -369,21 +391,26 @@ struct SavedSignals {
     sigset_t mask;
 };
 
+/// Setting and restoring a signal tell of a failure in the same words.
+bool SetAction(int signal, const char* signalName, const struct sigaction* action,
+               struct sigaction* old)
+{
+    if (sigaction(signal, action, old) >= 0) return true;
+
+    LOG_ERROR_AS("VorlixRunCmd", "sigaction(%s, &ignore, &saveintr) failed.\n", signalName);
+    return false;
+}
+
+/// A failure leaves what was changed before it: nothing is restored here.
 bool QuietSignals(SavedSignals* saved)
 {
     struct sigaction ignore {};
     ignore.sa_handler = SIG_IGN;
     sigemptyset(&ignore.sa_mask);
     ignore.sa_flags = 0;
-    // A failure leaves what was changed before it: nothing is restored here.
-    if (sigaction(SIGINT, &ignore, &saved->interrupt) < 0) {
-        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGINT, &ignore, &saveintr) failed.\n");
-        return false;
-    }
-    if (sigaction(SIGQUIT, &ignore, &saved->quit) < 0) {
-        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGQUIT, &ignore, &saveintr) failed.\n");
-        return false;
-    }
+    if (!SetAction(SIGINT, "SIGINT", &ignore, &saved->interrupt)) return false;
+    if (!SetAction(SIGQUIT, "SIGQUIT", &ignore, &saved->quit)) return false;
+
     sigset_t child;
     sigemptyset(&child);
     sigaddset(&child, SIGCHLD);
@@ -396,19 +423,28 @@ bool QuietSignals(SavedSignals* saved)
 
 bool RestoreSignals(const SavedSignals& saved)
 {
-    if (sigaction(SIGINT, &saved.interrupt, nullptr) < 0) {
-        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGINT, &ignore, &saveintr) failed.\n");
-        return false;
-    }
-    if (sigaction(SIGQUIT, &saved.quit, nullptr) < 0) {
-        LOG_ERROR_AS("VorlixRunCmd", "sigaction(SIGQUIT, &ignore, &saveintr) failed.\n");
-        return false;
-    }
+    if (!SetAction(SIGINT, "SIGINT", &saved.interrupt, nullptr)) return false;
+    if (!SetAction(SIGQUIT, "SIGQUIT", &saved.quit, nullptr)) return false;
     if (sigprocmask(SIG_SETMASK, &saved.mask, nullptr) < 0) {
         LOG_ERROR_AS("VorlixRunCmd", "sigprocmask  failed.\n");
         return false;
     }
     return true;
+}
+
+/// The way of the child to the shell. It runs in its parent's memory: it makes these calls, writes
+/// nothing and does not return.
+[[noreturn]] void BecomeShell(const SavedSignals& saved, const char* command)
+{
+    if (sigaction(SIGINT, &saved.interrupt, nullptr) < 0) {
+        LOG_WARN_AS("VorlixRunCmd", "sigaction(SIGINT, &saveintr, NULL) failed");
+    }
+    if (sigaction(SIGQUIT, &saved.quit, nullptr) < 0) {
+        LOG_WARN_AS("VorlixRunCmd", "sigaction(SIGQUIT, &savequit, NULL) failed");
+    }
+    (void)sigprocmask(SIG_SETMASK, &saved.mask, nullptr);
+    execlp("sh", "sh", "-c", command, static_cast<char*>(nullptr));
+    _exit(kCommandNotFound);
 }
 
 /// Waits for the shell. The status is -1 when it cannot be waited for.
@@ -551,7 +587,7 @@ bool IsSwitch(const char* name)
 int32_t isSwitchByName(const char* name)
 {
     if (name == nullptr) return -1;
-    if (Contains(name, kPoeMark)) return 1;
+    if (Contains(name, kPoeMark)) return kSwitchInterface;
 
     int32_t mode = 0;
     const int32_t saved = NetSwitch_GetNetCardMode(name, &mode);
@@ -608,8 +644,6 @@ bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
         LOG_ERROR("params error!");
         return false;
     }
-    if (interfaceInfo == nullptr) return false;
-
     const Fd table(open(kInterfaceTable, O_RDONLY));
     if (!table.Ok()) {
         LOG_ERROR("Open file %s failed!\n", kInterfaceTable);
@@ -622,6 +656,7 @@ bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
         if (count >= *maxNum) return true;
         if (!HoldsColon(line)) continue;
 
+        if (interfaceInfo == nullptr) return false;
         InterfaceInfo& entry = interfaceInfo[count];
         if (!getNetIfName(line, entry.name, sizeof(entry.name))) continue;
         StoreCounters(&entry.netDatastat, line);
@@ -644,10 +679,8 @@ bool GetAllInterfaceInfo(char (*names)[16], int* maxNum)
         return false;
     }
     const int capacity = CapacityOf(*maxNum);
-    // The wireless table and the saved switch modes are asked for each card and read once a
-    // listing.
-    WirelessTable wireless;
-    const SwitchModes switchModes;
+    WirelessTable wireless;  // asked for each card, read once a listing
+    SwitchModes modes;       // the same; the driver is asked each time, since a refusal is logged
     LineReader reader(table.Get());
     char line[kLineSize];
     int count = 0;
@@ -660,8 +693,9 @@ bool GetAllInterfaceInfo(char (*names)[16], int* maxNum)
 
         const char* name = names[count];
         ++count;
-        if (IsWifi(name, nullptr, wireless) || SwitchModeOf(name, switchModes) != 2) continue;
-
+        if (IsWifi(name, nullptr, wireless) || SwitchModeOf(name, modes) != kCardAndSwitch) {
+            continue;
+        }
         if (count > capacity) {
             LOG_ERROR("netdevice's count is more than gived buf");
             (void)table.Take();  // stays open on this way out
@@ -693,16 +727,10 @@ bool GetSwitchInterface(char* name, int len)
         return false;
     }
     for (int i = 0; i < count; ++i) {
-        if (isSwitchByName(names[i]) != 1) continue;
+        if (isSwitchByName(names[i]) != kSwitchInterface) continue;
 
         switchname.Keep(names[i]);
-        // Byte 15 of a full buffer is left to the caller, who zeroed it.
-        const auto size = static_cast<size_t>(std::min(len, kNameSize));
-        if (len >= kNameSize) {
-            memcpy(name, names[i], size - 1);
-        } else {
-            CopyText(name, size, names[i]);
-        }
+        HandOut(names[i], name, len);
         return true;
     }
     LOG_INFO("can no find switch.");
@@ -784,22 +812,8 @@ bool VorlixRunCmd(const char* command)
     if (!QuietSignals(&saved)) return false;
 
     int status = -1;
-    // The child shares this memory until it is a shell: it makes the calls below and writes
-    // nothing.
     const pid_t shell = vfork();  // NOLINT(clang-analyzer-security.insecureAPI.vfork)
-    if (shell == 0) {
-        // NOLINTBEGIN(clang-analyzer-unix.Vfork)
-        if (sigaction(SIGINT, &saved.interrupt, nullptr) < 0) {
-            LOG_WARN("sigaction(SIGINT, &saveintr, NULL) failed");
-        }
-        if (sigaction(SIGQUIT, &saved.quit, nullptr) < 0) {
-            LOG_WARN("sigaction(SIGQUIT, &savequit, NULL) failed");
-        }
-        sigprocmask(SIG_SETMASK, &saved.mask, nullptr);
-        execlp("sh", "sh", "-c", command, static_cast<char*>(nullptr));
-        _exit(kCommandNotFound);
-        // NOLINTEND(clang-analyzer-unix.Vfork)
-    }
+    if (shell == 0) BecomeShell(saved, command);  // NOLINT(clang-analyzer-unix.Vfork)
     if (shell < 0) {
         LOG_ERROR("vfork failed, ret = %d.\n", shell);
     } else {

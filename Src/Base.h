@@ -15,10 +15,10 @@ extern "C" {
 
 /// Cuts the interface name out of a line of /proc/net/dev. The line must hold a colon.
 ///
-/// @param name  `len` bytes; written as far as the name was read, also on failure
-/// @return false for NULL, a `len` below 1, a line whose name does not end in a colon, and a name
-/// of
-///         `len` characters or more; exactly `len` characters log an Error
+/// @param name  `len` bytes; holds what was read so far after a failure, then without terminator
+/// @return false for NULL, a `len` below 1, a name that does not end in a colon, and a name of
+///         `len` characters or more
+/// @errors a name of exactly `len` characters: Error; all others: silent
 VORLIX_API bool getNetIfNameNoFilter(const char* line, char* name, int len);
 
 /// The same, and the name must be of a kind that the device uses: it holds "eth", "wlan", "bond",
@@ -27,20 +27,23 @@ VORLIX_API bool getNetIfName(const char* line, char* name, int len);
 
 /// Finds a whole word in a list kept as text.
 ///
-/// @param ts  the separator; it stands before the word (unless the word begins the line), and it, a
-///            newline or the end stands behind it
-/// @return the place of the word in `line`, or NULL; an Info line tells of a word that is not there
+/// @param line  not written; not `const` only so that the place found can be
+/// @param ts    the separator: it stands before the word, unless the word begins the line, and
+///              behind it, unless a newline or the end does
+/// @return the place of the word in `line`, or NULL
+/// @errors NULL, an empty word: silent; a word that is not there: Info
 VORLIX_API char* FindWordInLine(char* line, const char* word, const char ts);
 
 /// One request on the shared IPv4 control socket, which is opened on first use and never closed.
 ///
-/// @param ifr  the request's record, which begins with the interface name; NULL gives false
-/// @return true when the kernel accepted it; a refusal is logged with the first 15 characters of
-/// the
-///         record
+/// @param ifr  the request's record, at least 16 bytes, which begins with the interface name
+/// @return true when the kernel accepted it
+/// @errors NULL: silent; no socket: Error, and the next call tries again; a refusal: Error with the
+///         text at the head of the record
 VORLIX_API bool NetIOCtrl(int cmd, void* ifr);
 
-/// The same on the shared IPv6 control socket.
+/// The same on the shared IPv6 control socket, whose records do not begin with a name: the Error of
+/// a refusal tells the request alone.
 VORLIX_API bool NetIOCtrlv6(int cmd, void* ifr);
 
 /// True when the kernel has an IPv4 address for the interface. Uses a socket of its own; silent.
@@ -63,7 +66,7 @@ VORLIX_API int32_t isSwitchByName(const char* name);
 /// @param names   32 entries of 16 bytes, all cleared first, whatever `*maxNum` says
 /// @param maxNum  number wanted on entry, number listed on return
 /// @return false when there is none, with `*maxNum` as it was
-/// @errors NULL or a `*maxNum` of 0, no /proc/net/dev: Error
+/// @errors NULL, a `*maxNum` of 0, no /proc/net/dev: Error; no such interface: silent
 VORLIX_API bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum);
 
 /// `GetSpecifiedInterfaceInfo` for "br", the bridges.
@@ -77,24 +80,24 @@ VORLIX_API bool GetVnicInterfaceInfo(char (*names)[16], int* maxNum);
 
 /// Lists the interfaces that pass the filter, with their counters.
 ///
-/// @param interfaceInfo  `*maxNum` records, zeroed by the caller: what a line does not tell is left
+/// @param interfaceInfo  `*maxNum` records, zeroed by the caller: what a line does not tell stays;
+///                       `transmittedTxqueuelens` and `interfaceSpeed` are set to 0
 /// @param maxNum         capacity on entry; number listed on return, unchanged when there are more
-/// @errors NULL or a `*maxNum` of 0, no /proc/net/dev: Error
+/// @errors NULL in `maxNum`, a `*maxNum` of 0, no /proc/net/dev: Error; no records: silent
 VORLIX_API bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum);
 
 /// Lists the interfaces that pass the filter. A card that is a switch interface as well is followed
 /// by a second entry of its name with ":poe" behind it.
 ///
-/// @param names   32 entries of 16 bytes, all cleared first; the last ":poe" entry may stand at
-/// index
-///                `*maxNum`
+/// @param names   32 entries of 16 bytes, all cleared first; the ":poe" entry of the last card
+///                wanted stands behind the `*maxNum` entries asked for
 /// @param maxNum  capacity on entry; number listed on return, unchanged when there are more
-/// @errors NULL or a `*maxNum` of 0, no /proc/net/dev: Error
+/// @errors NULL, a `*maxNum` of 0, no /proc/net/dev: Error
 VORLIX_API bool GetAllInterfaceInfo(char (*names)[16], int* maxNum);
 
 /// Names the switch interface. The first answer is kept for the life of the process.
 ///
-/// @param name  `len` bytes, zeroed by the caller
+/// @param name  `len` bytes, zeroed by the caller: with 16 and more, byte 15 may be left as it was
 /// @return false when the device has none
 /// @errors NULL or a `len` below 1: Error; no listing: Warn; none: Info
 VORLIX_API bool GetSwitchInterface(char* name, int len);
@@ -102,23 +105,32 @@ VORLIX_API bool GetSwitchInterface(char* name, int len);
 /// True when every listed interface exists. An alias is tested by what stands before its colon; a
 /// name that begins with "br" always passes, since a bridge may be about to be made.
 ///
-/// @param ethList  `num` names; the first is read even when `num` is 0
-/// @errors a name of more than 15 characters before its colon, a name not listed: Error
+/// @param ethList  `num` names; the first is read even when `num` is 0, and when it holds "nbp" all
+///                 are looked for among the internal bridges
+/// @errors NULL, no listing: silent here; a name of more than 15 characters before its colon, a
+///         name that is not listed: Error
 VORLIX_API bool CheckEthExist(const char** ethList, int num);
 
 /// True for a wireless card: a name in /proc/net/wireless, or else one that begins with "wlan".
 ///
-/// @param isConnect  NULL, or where it goes whether the card's status is 1
+/// The last name found in the table is kept: when only the kind is asked, it is not read again.
+///
+/// @param isConnect  NULL, or where it goes whether the card's status is 1; written only for a
+///                   wireless card
+/// @errors NULL: silent; a line without colon: Error, and not connected
 VORLIX_API bool NetCardIsWifi(const char* name, bool* isConnect);
 
-/// True when the driver of `name` reports a link. A card without ethtool reads as no link.
+/// True when the driver of `name` reports a link. A card without ethtool reads as no link. Uses a
+/// socket of its own.
+/// @errors NULL: silent; no socket, a refusal: Error
 VORLIX_API bool InterfaceIsLink(const char* name);
 
-/// Sets the administrative state of an interface up, and no other flag.
-/// @errors unknown name, refusal: Error
+/// Sets the administrative state of an interface up, and no other flag. Not atomic: a caller that
+/// needs the read and the write of the flags as a pair holds `upDownLock`.
+/// @errors NULL: silent; an unknown name, a refusal: Error
 VORLIX_API bool InterfaceUp(const char* name);
 
-/// Sets the administrative state of an interface down, and no other flag.
+/// Sets the administrative state of an interface down, and no other flag. As `InterfaceUp`.
 VORLIX_API bool InterfaceDown(const char* name);
 
 /// Runs a command text through the shell and waits for it. SIGINT and SIGQUIT are ignored and
@@ -126,6 +138,8 @@ VORLIX_API bool InterfaceDown(const char* name);
 ///
 /// @param command  handed to `sh -c` as it stands: the caller vouches for every text in it
 /// @return true when a shell was started and reaped, whatever the command's own exit status
+/// @errors NULL, a failed signal step, no child, no wait: Error. A failed first step leaves the
+///         signals as the steps before it have set them
 /// @threads signal dispositions are the process's: two runs at once see each other's changes
 VORLIX_API bool VorlixRunCmd(const char* command);
 
@@ -143,7 +157,7 @@ bool CheckNetCardByDrvName(const char* name, const char* drvname);
 namespace vorlix {
 
 /// Serialises the driver query with the down-change-up step of an MTU change.
-extern pthread_mutex_t upDownLock;
+extern pthread_mutex_t upDownLock;  // NOLINT(bugprone-dynamic-static-initializers): constant
 
 /// Entries of every array of interface names, and bytes of one.
 constexpr int kMaxInterfaces = 32;
