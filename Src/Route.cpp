@@ -1,0 +1,373 @@
+#include "Route.h"
+
+#include "Network6.h"
+#include "Support/Handles.h"
+#include "Support/Lines.h"
+#include "Support/Log.h"
+#include "Support/Text.h"
+
+#include <atomic>
+#include <cctype>
+#include <cstdlib>
+
+#include <arpa/inet.h>
+#include <linux/sockios.h>
+#include <net/if.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+
+namespace vorlix {
+
+namespace {
+
+// ---- texts and limits
+
+constexpr char kIPv4Table[] = "/proc/net/route";
+constexpr char kIPv6Table[] = "/proc/net/ipv6_route";
+constexpr char kFlushFile[] = "/proc/sys/net/ipv4/route/flush";
+constexpr char kFlushNow[] = {'-', '1'};
+
+constexpr char kNoIPv4[] = "0.0.0.0";
+constexpr char kNoIPv6[] = "::";
+
+constexpr int kRowsLookedAt = 16;
+constexpr int kLongestPrefix = 128;
+constexpr size_t kUnusedSize = 128;
+
+// ---- tables
+
+/// A table of the kernel, opened by its first reader and never closed.
+struct KeptTable {
+    const char* path;
+    pthread_mutex_t routeLock = PTHREAD_MUTEX_INITIALIZER;
+    int fd = -1;  // guarded by routeLock
+};
+
+/// Opens the table when it is not yet; the caller holds its lock.
+bool OpenTable(KeptTable* table)
+{
+    if (table->fd >= 0) return true;
+
+    table->fd = open(table->path, O_RDONLY);
+    if (table->fd < 0) return false;
+
+    KeepFromChildren(table->fd);
+    return true;
+}
+
+/// Lines of cards begin with a lower-case letter.
+bool IsCardLine(const char* line)
+{
+    return islower(static_cast<unsigned char>(line[0])) != 0;
+}
+
+/// Iface Destination Gateway Flags RefCnt Use Metric Mask MTU Window IRTT. A short line sets what
+/// it holds.
+void ScanIPv4Line(const char* line, IPv4Route* row)
+{
+    uint32_t unused = 0;
+    (void)sscanf(line, "%15s %8x %8x %8x %8x %8x %8x %8x %8x %8x %8x", row->viaDev, &row->dst,
+                 &row->gw, &unused, &unused, &unused, &unused, &row->mask, &unused, &unused,
+                 &unused);
+}
+
+/// The words of an address are printed as numbers, most significant digit first.
+void ToNetworkOrder(uint32_t (&words)[4])
+{
+    for (uint32_t& word : words) word = htonl(word);
+}
+
+/// Destination, its prefix, source, its prefix, next hop, metric, two counts, flags, card. A short
+/// line leaves the rest zero.
+IPv6Route ScanIPv6Line(const char* line, uint32_t* flags)
+{
+    IPv6Route row{};
+    char unused[kUnusedSize];
+    *flags = 0;
+    (void)sscanf(
+        line, "%08x%08x%08x%08x %8x %127s %127s %08x%08x%08x%08x %127s %127s %127s %08x %15s",
+        &row.dst[0], &row.dst[1], &row.dst[2], &row.dst[3], &row.perfix, unused, unused, &row.gw[0],
+        &row.gw[1], &row.gw[2], &row.gw[3], unused, unused, unused, flags, row.viaDev);
+    ToNetworkOrder(row.dst);
+    ToNetworkOrder(row.gw);
+    return row;
+}
+
+// ---- records
+
+/// Parses an address, in any form that `inet_aton` takes, into a field of the record.
+bool StoreIPv4(const char* field, const char* text, sockaddr* stored)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    if (inet_aton(text, &address.sin_addr) == 0) {
+        LOG_ERROR_AS("Route_FillRtentry", "incorrect %s.[%s]", field, text);
+        return false;
+    }
+    memcpy(stored, &address, sizeof(*stored));
+    return true;
+}
+
+bool StoreIPv6(const char* field, const char* text, in6_addr* stored)
+{
+    if (ParseIPv6(text, stored)) return true;
+
+    LOG_ERROR_AS("Route_FillIn6_rtmsg", "incorrect %s.[%s]", field, text);
+    return false;
+}
+
+bool IsHostMask(const sockaddr& mask)
+{
+    sockaddr_in address{};
+    memcpy(&address, &mask, sizeof(address));
+    return address.sin_addr.s_addr == INADDR_NONE;
+}
+
+// ---- requests
+
+/// Performs a route request on the socket of a family, which is opened when it is not yet.
+bool Perform(const char* operation, std::atomic<int>& shared, int family, int cmd, void* record)
+{
+    if ((cmd != SIOCADDRT && cmd != SIOCDELRT) || record == nullptr) return false;
+
+    int control = shared.load(std::memory_order_relaxed);
+    if (control < 0) {
+        control = socket(family, SOCK_DGRAM, 0);
+        if (control < 0) {
+            LOG_ERROR_AS(operation, "open socket error.[%s]", strerror(errno));
+            return false;
+        }
+        KeepFromChildren(control);
+        shared.store(control, std::memory_order_relaxed);
+    }
+    if (ioctl(control, static_cast<unsigned long>(cmd), record) >= 0) return true;
+
+    LOG_ERROR_AS(operation, "iotcl failed.[%s]", strerror(errno));
+    return false;
+}
+
+/// Tells which step of a change has failed. Always false.
+bool Failed(const char* operation, const char* step, const char* dst, const char* gw,
+            const char* mask, const char* viaDev)
+{
+    LOG_ERROR_AS(operation, "%s error.dst:%s gw:%s mask:%s dev:%s", step, dst, gw, mask, viaDev);
+    return false;
+}
+
+bool ChangeIPv4(const char* operation, int cmd, const char* dst, const char* gw, const char* mask,
+                const char* viaDev)
+{
+    rtentry record;
+    if (!Route_FillRtentry(dst, gw, mask, viaDev, &record)) {
+        return Failed(operation, "Route_FillRtentry", dst, gw, mask, viaDev);
+    }
+    return Route_SetIPv4Route(cmd, &record) ||
+           Failed(operation, "Route_SetIPv4Route", dst, gw, mask, viaDev);
+}
+
+/// @param refused  the word for a refusal; an addition has the one of IPv4
+bool ChangeIPv6(const char* operation, int cmd, const char* refused, const char* dst,
+                const char* gw, const char* mask, const char* viaDev)
+{
+    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+
+    in6_rtmsg record;
+    if (!Route_FillIn6_rtmsg(dst, gw, atoi(mask), viaDev, &record)) {
+        return Failed(operation, "Route_FillRtentry", dst, gw, mask, viaDev);
+    }
+    return Route_SetIPv6Route(cmd, &record) || Failed(operation, refused, dst, gw, mask, viaDev);
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+using namespace vorlix;
+
+// The two readers differ on purpose: IPv4 has a header line and is filtered by the first character,
+// IPv6 has none and is filtered by "lo" and the cache flag.
+
+bool Route_GetIPv4Route(IPv4Route* routes, int* num)
+{
+    static KeptTable table{kIPv4Table};
+
+    if (routes == nullptr || num == nullptr) return false;
+
+    MutexGuard guard(table.routeLock);
+    if (!OpenTable(&table)) {
+        guard.Release();
+        LOG_ERROR("Can not open %s", kIPv4Table);
+        return false;
+    }
+    LineReader reader(table.fd);
+    char line[kLineSize];
+    (void)reader.Next(line);  // titles of the columns
+    int count = 0;
+    while (count < *num && reader.Next(line)) {
+        if (!IsCardLine(line)) continue;
+
+        ScanIPv4Line(line, &routes[count]);
+        ++count;
+    }
+    guard.Release();
+    *num = count;
+    return true;
+}
+
+bool Route_GetIPv6Route(IPv6Route* routes, int* num)
+{
+    static KeptTable table{kIPv6Table};
+
+    if (routes == nullptr || num == nullptr) return false;
+
+    MutexGuard guard(table.routeLock);
+    if (!OpenTable(&table)) {
+        guard.Release();
+        LOG_ERROR("Can not open %s", kIPv6Table);
+        return false;
+    }
+    LineReader reader(table.fd);
+    char line[kLineSize];
+    int count = 0;
+    while (count < *num && reader.Next(line)) {
+        if (Contains(line, "lo")) continue;  // everything else in a line is hexadecimal
+
+        uint32_t flags = 0;
+        const IPv6Route row = ScanIPv6Line(line, &flags);
+        if ((flags & RTF_CACHE) != 0) continue;
+
+        routes[count] = row;
+        ++count;
+    }
+    guard.Release();
+    *num = count;
+    return true;
+}
+
+bool Route_AddIPv4Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
+{
+    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+
+    LOG_INFO("%s,%s,%s,%s##########Route_AddIPv4Route###########", dst, gw, mask, viaDev);
+    return ChangeIPv4(__func__, SIOCADDRT, dst, gw, mask, viaDev);
+}
+
+bool Route_DelIPv4Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
+{
+    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+
+    LOG_INFO("%s,%s,%s,%s###########Route_DelIPv4Route##########", dst, gw, mask, viaDev);
+    return ChangeIPv4(__func__, SIOCDELRT, dst, gw, mask, viaDev);
+}
+
+bool Route_AddIPv6Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
+{
+    return ChangeIPv6(__func__, SIOCADDRT, "Route_SetIPv4Route", dst, gw, mask, viaDev);
+}
+
+bool Route_DelIPv6Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
+{
+    return ChangeIPv6(__func__, SIOCDELRT, "Route_SetIPv6Route", dst, gw, mask, viaDev);
+}
+
+bool Route_IsExistInSys(const char* dst, const char* gw, const char* mask, const char* viaDev)
+{
+    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+
+    IPv4Route wanted{};
+    if (!ParseIPv4(dst, &wanted.dst) || !ParseIPv4(gw, &wanted.gw) ||
+        !ParseIPv4(mask, &wanted.mask)) {
+        LOG_ERROR("addr error.[%s,%s,%s]", dst, gw, mask);
+        return false;
+    }
+    wanted.dst &= wanted.mask;
+
+    IPv4Route routes[kRowsLookedAt] = {};
+    int count = kRowsLookedAt;
+    if (!Route_GetIPv4Route(routes, &count)) {
+        LOG_WARN("get route item error.");
+        return false;
+    }
+    for (int i = 0; i < count; ++i) {
+        const IPv4Route& row = routes[i];
+        if (row.dst != wanted.dst || row.gw != wanted.gw || row.mask != wanted.mask) continue;
+        if (strncmp(row.viaDev, viaDev, sizeof(row.viaDev)) != 0) continue;
+
+        LOG_INFO("this route st.[%s,%s,%s,%s]", dst, gw, mask, viaDev);
+        return true;
+    }
+    return false;
+}
+
+void Route_Flush_Cache(void)
+{
+    Fd file(open(kFlushFile, O_WRONLY));
+    if (!file.Ok()) return;
+
+    const ssize_t written = write(file.Get(), kFlushNow, sizeof(kFlushNow));
+    file.Close();
+    if (written < static_cast<ssize_t>(sizeof(kFlushNow))) {
+        LOG_ERROR("can't flush routing cache");
+    }
+}
+
+bool Route_FillRtentry(const char* dst, const char* gw, const char* mask, const char* viaDev,
+                       struct rtentry* rt)
+{
+    // One a thread: the record points at it. Its place is fixed when the process starts, so that
+    // no helper of the dynamic loader is needed to find it.
+    [[gnu::tls_model("initial-exec")]] static thread_local char dev[IFNAMSIZ];
+
+    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr || rt == nullptr) {
+        return false;
+    }
+    *rt = {};
+    rt->rt_flags = RTF_UP;
+    if (!StoreIPv4("addr", dst, &rt->rt_dst)) return false;
+
+    // "Nothing" is told by the very text: another form of zero is an address like any other.
+    if (!Equal(gw, kNoIPv4)) {
+        if (!StoreIPv4("gw", gw, &rt->rt_gateway)) return false;
+        rt->rt_flags |= RTF_GATEWAY;
+    }
+    if (!Equal(mask, kNoIPv4)) {
+        if (!StoreIPv4("mask", mask, &rt->rt_genmask)) return false;
+        if (IsHostMask(rt->rt_genmask)) rt->rt_flags |= RTF_HOST;
+    }
+    CopyText(dev, viaDev);
+    rt->rt_dev = dev;
+    return true;
+}
+
+bool Route_FillIn6_rtmsg(const char* dst, const char* gw, const int perfix, const char* viaDev,
+                         struct in6_rtmsg* rt)
+{
+    if (dst == nullptr || gw == nullptr || viaDev == nullptr || rt == nullptr) return false;
+    if (perfix < 0 || perfix > kLongestPrefix) return false;
+
+    *rt = {};
+    rt->rtmsg_dst_len = static_cast<uint16_t>(perfix);
+    rt->rtmsg_flags = perfix == kLongestPrefix ? RTF_UP | RTF_HOST : RTF_UP;
+    if (!StoreIPv6("addr", dst, &rt->rtmsg_dst)) return false;
+
+    if (!Equal(gw, kNoIPv6)) {
+        if (!StoreIPv6("gw", gw, &rt->rtmsg_gateway)) return false;
+        rt->rtmsg_flags |= RTF_GATEWAY;
+    }
+    rt->rtmsg_ifindex = Net6_GetInterfaceIndex(viaDev);
+    return true;
+}
+
+bool Route_SetIPv4Route(int cmd, struct rtentry* rt)
+{
+    static std::atomic<int> fd{-1};  // never closed
+
+    return Perform(__func__, fd, AF_INET, cmd, rt);
+}
+
+bool Route_SetIPv6Route(int cmd, struct in6_rtmsg* rt)
+{
+    static std::atomic<int> fd{-1};  // never closed
+
+    return Perform(__func__, fd, AF_INET6, cmd, rt);
+}
