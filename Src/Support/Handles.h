@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 #include <dirent.h>
@@ -55,6 +56,24 @@ struct CloseDirectory {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 using Directory = std::unique_ptr<DIR, CloseDirectory>;
+
+struct FreeMemory {
+    void operator()(void* memory) const { free(memory); }
+};
+
+/// Records on the heap: `nullptr` when there is no room for them.
+template <class Record>
+using HeapArray = std::unique_ptr<Record[], FreeMemory>;
+
+/// `count` zeroed records. A negative count fails as one that is too big does.
+template <class Record>
+HeapArray<Record> ZeroedArray(int count)
+{
+    if (count < 0) return nullptr;
+
+    return HeapArray<Record>(
+        static_cast<Record*>(calloc(static_cast<size_t>(count), sizeof(Record))));
+}
 
 /// A mutex held from here to the end of the scope, or to `Release`.
 class MutexGuard {
