@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
 
@@ -27,12 +28,35 @@ struct Handle {
     int family;
 };
 
+struct Hook {
+    std::string call;
+    std::function<void()> action;
+};
+
 std::vector<std::string> trace;
 std::vector<Failure> failures;
+std::vector<Hook> hooks;
 std::map<int, Handle> handles;
 int fallible = 0;  // calls so far that could fail
 int failAt = 0;    // the one of them that the sweep lets fail
 std::string swept;
+bool inAction = false;
+std::function<void(const std::string&)> reportChild;
+
+/// Guards all of the above. Of its own make, since the calls of a mutex are part of the trace.
+std::atomic_flag busy = ATOMIC_FLAG_INIT;
+
+class Guard {
+public:
+    Guard()
+    {
+        while (busy.test_and_set(std::memory_order_acquire)) {
+        }
+    }
+    ~Guard() { busy.clear(std::memory_order_release); }
+    Guard(const Guard&) = delete;
+    Guard& operator=(const Guard&) = delete;
+};
 
 bool StartsWith(const std::string& text, const std::string& start)
 {
@@ -59,11 +83,42 @@ bool ShallFail(const std::string& call)
     return false;
 }
 
+std::string TextOf(const std::string& call)
+{
+    return reportChild ? "child " + call : call;
+}
+
+void Append(const std::string& text)
+{
+    trace.push_back(text);
+    if (reportChild) reportChild(text);
+}
+
+void RunHook(const std::string& text)
+{
+    std::function<void()> action;
+    {
+        const Guard guard;
+        const auto hook = std::find_if(hooks.begin(), hooks.end(), [&](const Hook& candidate) {
+            return StartsWith(text, candidate.call);
+        });
+        if (inAction || hook == hooks.end()) return;
+
+        action = std::move(hook->action);
+        hooks.erase(hook);
+        inAction = true;
+    }
+    action();
+    inAction = false;
+}
+
 int RunWithFailure(int number, const std::function<void()>& run,
                    const std::function<void(const std::string&)>& check,
                    const std::vector<std::string>& mayStayOpen)
 {
     constexpr int kAllHadTheirTurn = 2;
+    ClearTrace();
+    ClearLog();
     failAt = number;
     fallible = 0;
     run();
@@ -123,29 +178,61 @@ std::vector<std::string> OpenHandles()
     return open;
 }
 
+void OnCall(const std::string& call, std::function<void()> action)
+{
+    hooks.push_back({call, std::move(action)});
+}
+
 bool Note(const std::string& call)
 {
-    trace.push_back(call);
-    return !ShallFail(call);
+    const std::string text = TextOf(call);
+    RunHook(text);
+    const Guard guard;
+    if (inAction) return true;
+
+    Append(text);
+    return !ShallFail(text);
 }
 
 void NoteOnly(const std::string& call)
 {
-    trace.push_back(call);
+    const std::string text = TextOf(call);
+    RunHook(text);
+    const Guard guard;
+    if (!inAction) Append(text);
+}
+
+void BecomeChild(std::function<void(const std::string&)> report)
+{
+    reportChild = std::move(report);
+}
+
+void NoteChild(const std::vector<std::string>& calls)
+{
+    const int savedErrno = errno;
+    const Guard guard;
+    for (const std::string& call : calls) {
+        Append(call);
+        (void)ShallFail(call);
+    }
+    errno = savedErrno;
 }
 
 void Opened(int fd, const std::string& call, int family)
 {
+    const Guard guard;
     if (fd >= 0) handles[fd] = {call, family};
 }
 
 void Closed(int fd)
 {
+    const Guard guard;
     handles.erase(fd);
 }
 
 std::string PathOf(int fd)
 {
+    const Guard guard;
     const auto handle = handles.find(fd);
     if (handle == handles.end()) return "";
 
@@ -157,6 +244,7 @@ std::string PathOf(int fd)
 
 int FamilyOf(int fd)
 {
+    const Guard guard;
     const auto handle = handles.find(fd);
     return handle == handles.end() ? 0 : handle->second.family;
 }
@@ -165,6 +253,7 @@ void ResetCalls()
 {
     trace.clear();
     failures.clear();
+    hooks.clear();
     handles.clear();
     fallible = 0;
     failAt = 0;

@@ -11,8 +11,9 @@
 namespace fake {
 
 /// One text for each call, in order: the call's name and what tells it apart, such as
-/// "fopen /mnt/mtd/Config/network1 w+", "ioctl SIOCSIFADDR eth1", "fcntl F_SETLKW F_WRLCK",
-/// "mutex lock", "fsync", "close /proc/net/dev", "vfork", "sleep 2".
+/// "fopen /mnt/mtd/Config/network1 w+", "ioctl SIOCSIFADDR eth1", "fcntl F_SETLKW F_WRLCK <path>",
+/// "mutex lock", "fsync <path>", "close /proc/net/dev", "vfork", "sleep 2". Calls of a child that
+/// is to become a shell have "child " in front.
 const std::vector<std::string>& Trace();
 
 /// The entries of `Trace` that begin with one of the texts.
@@ -32,6 +33,11 @@ inline void FailAll(const std::string& call, int error)
 
 void FailNothing();
 
+/// Runs `action` just before the next call whose trace text begins with `call`: what the world
+/// looks like at that moment can be checked or changed. Calls that the action makes are not noted
+/// and do not fail.
+void OnCall(const std::string& call, std::function<void()> action);
+
 /// What is open now and was opened through the product: trace text of the opening call.
 std::vector<std::string> OpenHandles();
 
@@ -41,7 +47,8 @@ int HeldMutexes();
 /// The failure sweep. Runs `run` again and again, each time in a process and a scratch folder of
 /// its own, with the first, second, ... call that can fail failing, until all have had their turn.
 /// After each run `check` is called with the text of the call that failed; that no mutex is held
-/// and nothing but `mayStayOpen` (starts of trace texts) is open is checked always.
+/// and nothing but `mayStayOpen` (starts of trace texts) is open is checked always. Log and trace
+/// begin anew with each run.
 void FailEachCall(const std::function<void()>& run,
                   const std::function<void(const std::string& failed)>& check = nullptr,
                   const std::vector<std::string>& mayStayOpen = {"socket"});
@@ -60,5 +67,11 @@ std::string PathOf(int fd);
 int FamilyOf(int fd);
 
 void ResetCalls();
+
+/// From here on this process is the child of a vfork: `report` gets the text of each call.
+void BecomeChild(std::function<void(const std::string& call)> report);
+
+/// Notes the calls of a child here as well, with the same ones failing.
+void NoteChild(const std::vector<std::string>& calls);
 
 }  // namespace fake

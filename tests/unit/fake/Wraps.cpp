@@ -3,16 +3,19 @@
 
 #include "fake/World.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <sstream>
 
 #include <csignal>
 #include <dirent.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <stdio_ext.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -54,7 +57,7 @@ namespace fake {
 
 namespace {
 
-int heldMutexes = 0;
+std::atomic<int> heldMutexes{0};
 long clockSeconds = 1000000;
 unsigned slept = 0;
 std::vector<std::string> commands;
@@ -66,9 +69,11 @@ struct CommandRule {
 };
 std::vector<CommandRule> rules;
 
-/// Where a child leaves the command it would have become.
+/// Where a child leaves the calls it made and the command it would have become.
 struct Mailbox {
-    char command[1024];
+    char calls[4096];  // one a line
+    bool started;
+    char command[4096];
 };
 Mailbox* mailbox = nullptr;
 pid_t shell = -1;
@@ -100,6 +105,20 @@ void PrintTable(const std::string& path)
 std::string SignalText(int signal)
 {
     return signal == SIGINT ? "SIGINT" : "SIGQUIT";
+}
+
+void LeaveCall(const std::string& call)
+{
+    const size_t length = strlen(mailbox->calls);
+    snprintf(mailbox->calls + length, sizeof(mailbox->calls) - length, "%s\n", call.c_str());
+}
+
+std::vector<std::string> CallsLeft()
+{
+    std::vector<std::string> calls;
+    std::istringstream lines(mailbox->calls);
+    for (std::string line; std::getline(lines, line);) calls.push_back(line);
+    return calls;
 }
 
 }  // namespace
@@ -215,7 +234,10 @@ ssize_t __wrap_write(int fd, const void* buffer, size_t size)
 int __wrap_fflush(FILE* stream)
 {
     const auto known = streams.find(stream);
-    if (known != streams.end() && !Note("fflush " + PathOf(known->second))) return EOF;
+    if (known != streams.end() && !Note("fflush " + PathOf(known->second))) {
+        __fpurge(stream);  // what a full disk did not take is gone
+        return EOF;
+    }
     return __real_fflush(stream);
 }
 
@@ -361,14 +383,24 @@ int __wrap_sigprocmask(int how, const sigset_t* mask, sigset_t* old)
 }
 
 /// A function cannot stand in for vfork, which returns twice: the child is a copy here, and leaves
-/// its command in the mailbox.
+/// its calls and its command in the mailbox. As with vfork, the parent waits until it is gone.
 pid_t __wrap_vfork()
 {
     if (!Note("vfork")) return -1;
-    mailbox->command[0] = '\0';
+    *mailbox = Mailbox();
     fflush(stdout);
     const pid_t child = fork();
-    if (child > 0) shell = child;
+    if (child == 0) {
+        BecomeChild(LeaveCall);
+        return 0;
+    }
+    if (child < 0) return child;
+
+    siginfo_t info{};
+    while (waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0) {
+    }
+    NoteChild(CallsLeft());
+    shell = child;
     return child;
 }
 
@@ -379,11 +411,12 @@ int __wrap_execlp(const char* file, const char* zero, ...)
     const char* option = va_arg(arguments, const char*);
     const char* command = va_arg(arguments, const char*);
     va_end(arguments);
-    if (strcmp(file, "sh") == 0 && strcmp(zero, "sh") == 0 && strcmp(option, "-c") == 0) {
-        snprintf(mailbox->command, sizeof(mailbox->command), "%s", command);
-        _exit(0);
-    }
-    return -1;
+    if (!Note(std::string("execlp ") + file + " " + zero + " " + option + " " + command)) return -1;
+
+    mailbox->started = true;
+    snprintf(mailbox->command, sizeof(mailbox->command), "%s", command);
+    fflush(stdout);
+    _exit(0);
 }
 
 pid_t __wrap_waitpid(pid_t pid, int* status, int options)
@@ -393,6 +426,8 @@ pid_t __wrap_waitpid(pid_t pid, int* status, int options)
 
     const pid_t ended = __real_waitpid(pid, status, options);
     shell = -1;
+    if (!mailbox->started) return ended;
+
     const std::string command = mailbox->command;
     NoteOnly("command " + command);
     commands.push_back(command);
