@@ -42,6 +42,7 @@ int failAt = 0;    // the one of them that the sweep lets fail
 std::string swept;
 bool inAction = false;
 std::function<void(const std::string&)> reportChild;
+thread_local int ownCalls = 0;
 
 /// Guards all of the above. Of its own make, since the calls of a mutex are part of the trace.
 std::atomic_flag busy = ATOMIC_FLAG_INIT;
@@ -183,8 +184,19 @@ void OnCall(const std::string& call, std::function<void()> action)
     hooks.push_back({call, std::move(action)});
 }
 
+OwnCalls::OwnCalls()
+{
+    ++ownCalls;
+}
+
+OwnCalls::~OwnCalls()
+{
+    --ownCalls;
+}
+
 bool Note(const std::string& call)
 {
+    if (ownCalls > 0) return true;
     const std::string text = TextOf(call);
     RunHook(text);
     const Guard guard;
@@ -196,6 +208,7 @@ bool Note(const std::string& call)
 
 void NoteOnly(const std::string& call)
 {
+    if (ownCalls > 0) return;
     const std::string text = TextOf(call);
     RunHook(text);
     const Guard guard;

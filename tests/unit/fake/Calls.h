@@ -61,6 +61,15 @@ bool Note(const std::string& call);
 /// Notes a call that never fails.
 void NoteOnly(const std::string& call);
 
+/// While one of these lives, calls are the fake's own: they are not noted and do not fail.
+class OwnCalls {
+public:
+    OwnCalls();
+    ~OwnCalls();
+    OwnCalls(const OwnCalls&) = delete;
+    OwnCalls& operator=(const OwnCalls&) = delete;
+};
+
 void Opened(int fd, const std::string& call, int family = 0);
 void Closed(int fd);
 std::string PathOf(int fd);

@@ -1,7 +1,10 @@
 #include "fake/Log.h"
 
+#include "fake/Calls.h"
+
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <regex>
 
 #include <sys/mman.h>
@@ -22,6 +25,7 @@ struct Split {
 
 Split SplitOutput()
 {
+    const OwnCalls reading;
     static const std::regex kStart("\033\\[1;(31|32|33);40m\\d\\d:\\d\\d:\\d\\d\\|Vorlix-111860\\|("
                                    "Info |Warn |Error)\\|\\d+\\|");
     static const std::string kEnd = "()\033[0m\n";
@@ -51,6 +55,18 @@ std::ostream& operator<<(std::ostream& out, const LogLine& line)
     return out << line.level << "|" << line.operation << "|" << line.text;
 }
 
+LogLine Refused(int request, int error, const std::string& name)
+{
+    return Error("NetIOCtrl", "cmd " + std::to_string(request) + " error.[" + strerror(error) +
+                                  "] " + name + " ");
+}
+
+LogLine Refused6(int request, int error)
+{
+    return Error("NetIOCtrlv6",
+                 "cmd " + std::to_string(request) + " error.[" + strerror(error) + "]");
+}
+
 LogLines Log()
 {
     return SplitOutput().lines;
@@ -78,6 +94,7 @@ std::string PlainOutput()
 
 std::string RawOutput()
 {
+    const OwnCalls reading;
     fflush(stdout);
     std::string text;
     char buffer[4096];

@@ -36,6 +36,10 @@ inline LogLine Error(const std::string& operation, const std::string& text)
     return {"Error", operation, text};
 }
 
+/// What the control sockets log for a request that the kernel refuses with an `errno` value.
+LogLine Refused(int request, int error, const std::string& name);
+LogLine Refused6(int request, int error);
+
 /// All lines of the log since the test began or `ClearLog`.
 LogLines Log();
 
