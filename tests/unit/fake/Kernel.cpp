@@ -30,6 +30,15 @@ struct RtcRecord {
     uint8_t* bytes;
 };
 
+struct SramFile {
+    void* handle;
+    const char* name;
+    uint32_t period;
+    uint32_t mode;
+    uint32_t markLength;
+    uint32_t totalLength;
+};
+
 struct SramRecord {
     void* handle;
     uint8_t* bytes;
@@ -251,18 +260,32 @@ int Move(BackupMemory& memory, const char* verb, uint32_t offset, uint32_t lengt
     return 0;
 }
 
+int CreateSram(SramFile* file)
+{
+    if (file->handle != nullptr) return EINVAL;
+
+    kernel.sram.requests.emplace_back("CREATE");
+    kernel.sram.created = std::string(file->name) + " " + std::to_string(file->period) + " " +
+                          std::to_string(file->mode) + " " + std::to_string(file->markLength) +
+                          " " + std::to_string(file->totalLength);
+    file->handle = &kernel.sram;
+    return 0;
+}
+
+int OnSram(unsigned long request, const SramRecord& data)
+{
+    if (data.handle != &kernel.sram) return EBADF;
+    if (data.reserved[0] != 0 || data.reserved[1] != 0 || data.reserved[2] != 0) return EINVAL;
+
+    return Move(kernel.sram, request == kSramRead ? "READ" : "WRITE", data.offset, data.length,
+                data.bytes);
+}
+
 int OnBackup(unsigned long request, void* record)
 {
-    if (request == kSramCreate) {
-        kernel.sram.requests.emplace_back("CREATE");
-        void* handle = &kernel.sram;
-        memcpy(record, &handle, sizeof(handle));
-        return 0;
-    }
+    if (request == kSramCreate) return CreateSram(static_cast<SramFile*>(record));
     if (request == kSramRead || request == kSramWrite) {
-        const auto* data = static_cast<SramRecord*>(record);
-        return Move(kernel.sram, request == kSramRead ? "READ" : "WRITE", data->offset,
-                    data->length, data->bytes);
+        return OnSram(request, *static_cast<SramRecord*>(record));
     }
     const auto* data = static_cast<RtcRecord*>(record);
     return Move(kernel.rtc, request == kRtcRead ? "READ" : "WRITE", data->offset, data->length,
@@ -431,6 +454,18 @@ int Perform(unsigned long request, void* record, int family)
         return OnAddress6(request, *static_cast<Request6*>(record));
     }
     return OnCard(request, static_cast<ifreq*>(record));
+}
+
+int ResultOf(unsigned long request)
+{
+    switch (request) {
+    case kSramCreate:
+    case kSramRead:
+    case kSramWrite: return kernel.sram.result;
+    case kRtcRead:
+    case kRtcWrite: return kernel.rtc.result;
+    default: return 0;
+    }
 }
 
 }  // namespace fake

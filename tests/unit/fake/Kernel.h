@@ -65,6 +65,8 @@ struct Route6 {
 struct BackupMemory {
     uint8_t bytes[256] = {};
     std::vector<std::string> requests;  // "READ 40 16", "WRITE 40 16", "CREATE"
+    std::string created;  // what CREATE asked for: "<file> <period> <mode> <markLen> <totalLen>"
+    int result = 0;       // of a request that was carried out; 0 alone is a driver's success
 };
 
 struct Kernel {
@@ -100,5 +102,8 @@ std::string RequestText(unsigned long request, const void* record, int family);
 
 /// Performs a request on the model: 0, or an errno.
 int Perform(unsigned long request, void* record, int family);
+
+/// What a request that was performed returns.
+int ResultOf(unsigned long request);
 
 }  // namespace fake

@@ -361,8 +361,8 @@ int __wrap_ioctl(int fd, unsigned long request, ...)
     va_end(arguments);
     const int family = FamilyOf(fd);
     if (!Note("ioctl " + RequestText(request, record, family))) return -1;
-    const int error = Perform(request, record, family);
-    if (error == 0) return 0;
+    const int error = fd < 0 ? EBADF : Perform(request, record, family);
+    if (error == 0) return ResultOf(request);
     errno = error;
     return -1;
 }
