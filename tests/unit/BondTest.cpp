@@ -739,7 +739,7 @@ TEST_F(Bond_BondTest, OnlyTheBondAndTheLastCommandDecide)
                 EXPECT_FALSE(done);
                 EXPECT_EQ(Commands().size(), 2U);
             } else {
-                EXPECT_EQ(LogOf("Bond_Bond"), LogLines{});
+                EXPECT_GE(Commands().size(), 2U);
                 EXPECT_TRUE(IsUp());
             }
         });
