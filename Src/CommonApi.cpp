@@ -1,16 +1,22 @@
 // Contents:
 //   Routes: routes by text or by record, the default card and its route
+//   IPv4 operations: address, gateway, hardware address, link of one card
+//   Bonds: building and ending a bond, and putting a card's saved settings back
 //
 // Each chapter has its own helpers directly above its operations and calls only operations of the
 // chapters before it.
 
 #include "CommonApi.h"
 
+#include "Backup.h"
 #include "Base.h"
+#include "Bond.h"
 #include "Config.h"
+#include "Network.h"
 #include "Route.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
+#include "Support/NameList.h"
 #include "Support/Text.h"
 
 #include <algorithm>
@@ -448,4 +454,282 @@ bool RouteAdd(NetRouteTableInfo* cmd)
 bool RouteDel(NetRouteTableInfo* cmd)
 {
     return ChangeByRecord(__func__, *cmd, Route_DelIPv4Route, RouteDelIPv6);
+}
+
+// ==== IPv4 operations ====
+
+namespace vorlix {
+
+namespace {
+
+/// The bond or bridge that a card is saved as a member of. False for a card that stands alone.
+bool FindMaster(const char* card, char (&master)[kNameSize])
+{
+    NetWorkMode mode = netModeInvalid;
+    if (!GetWorkModeByConfig(card, &mode)) {
+        LOG_WARN_AS("NetMiiDiag", "can not know %s work mode.", card);
+        return false;
+    }
+    if (mode != netModeBond && mode != netModeBridge) return false;
+
+    const auto getMaster = mode == netModeBond ? GetEthBondNameByConfig : GetEthBridgeNameByConfig;
+    if (getMaster(card, master, sizeof(master))) return true;
+
+    LOG_WARN_AS("NetMiiDiag", "get %s bond name failed.", card);  // a bridge's name as well
+    return false;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool NetInterfaceUp(const char* name)
+{
+    return CardExists(name) && Net_InterfaceUp(name);
+}
+
+bool NetInterfaceDown(const char* name)
+{
+    return CardExists(name) && Net_InterfaceDown(name);
+}
+
+bool NetSetIPByName(const char* name, const char* addr, const char* mask)
+{
+    if (addr == nullptr || mask == nullptr || !CardExists(name)) return false;
+    if (!Net_SetIPbyName(name, addr, mask)) return false;
+
+    // The address is in force: a file or a backup that lags is repaired at boot.
+    (void)SetIPByConfig(name, addr, mask);
+    (void)BackupIP(name, addr);
+    (void)BackupMask(name, mask);
+    return true;
+}
+
+bool NetSetGatewaybyName(const char* name, const char* addr)
+{
+    if (addr == nullptr || !CardExists(name)) return false;
+
+    const bool saved = SetGatewayByConfig(name, addr);
+    if (!saved) LOG_ERROR("save %s,%s to config failed", name, addr);
+    if (Equal(name, "eth0")) (void)BackupGateway(name, addr);
+    return saved;
+}
+
+bool NetSetMacbyName(const char* name, const char* addr)
+{
+    if (addr == nullptr || !CardExists(name)) return false;
+
+    char defaultCard[kNameSize] = {};
+    (void)NetGetDefEth(defaultCard, sizeof(defaultCard));
+    const bool done = Net_SetMacbyName(name, addr);
+    (void)NetSetDefEth(defaultCard);  // the card's routes went with its flags
+    return done;
+}
+
+bool NetSetMediumPrefer(const char* name, NetMediumPrefer medium)
+{
+    return CardExists(name) && Net_SetMediumPrefer(name, medium);
+}
+
+bool NetGetIPbyName(const char* name, char* addr, char* mask)
+{
+    if (addr == nullptr || mask == nullptr || !CardExists(name)) return false;
+    if (GetIPByConfig(name, addr, mask)) return true;
+
+    LOG_WARN("get %s's ip mask from config failed. try sys.", name);
+    if (Net_GetIPbyName(name, addr, mask)) return true;
+
+    LOG_WARN("get %s's ip mask from sys failed. try cmos or rtc.", name);
+    if (RestoreIP(name, addr) && RestoreMask(name, mask)) {
+        LOG_WARN("restore ip mask from backup to configfile ");
+        (void)SetIPByConfig(name, addr, mask);
+        return true;
+    }
+    LOG_ERROR("get %s's ip mask from cmos or rtc failed.", name);
+    return false;
+}
+
+bool NetGetGatewaybyName(const char* name, char* addr)
+{
+    if (addr == nullptr || !CardExists(name)) return false;
+    if (GetGatewayByConfig(name, addr)) return true;
+
+    LOG_WARN("get %s's gateway from config failed. try cmos or rtc.", name);
+    if (RestoreGateway(name, addr)) {
+        (void)SetGatewayByConfig(name, addr);
+        return true;
+    }
+    LOG_ERROR("get %s's gateway from cmos or rtc failed.", name);
+    return false;
+}
+
+bool NetGetMtubyName(const char* name, int* mtu)
+{
+    if (mtu == nullptr || !CardExists(name)) return false;
+    if (Net_GetMtubyName(name, mtu)) return true;
+
+    LOG_WARN("get %s's mtu from sys failed. try config.", name);
+    if (GetMtuByConfig(name, mtu)) return true;
+
+    LOG_ERROR("get %s's mtu from config failed.", name);
+    return false;
+}
+
+bool NetGetMacbyName(const char* name, char* addr)
+{
+    return addr != nullptr && CardExists(name) && Net_GetMacbyName(name, addr);
+}
+
+bool NetGetLinkSpeed(const char* name, int* speed)
+{
+    return speed != nullptr && CardExists(name) && Net_GetLinkSpeed(name, speed);
+}
+
+bool NetGetDataStat(const char* name, NetDataStat* dataStat)
+{
+    return dataStat != nullptr && CardExists(name) && Net_GetDataStat(name, dataStat);
+}
+
+bool NetGetRealIPByName(const char* name, char* addr, char* mask)
+{
+    return Net_GetIPbyName(name, addr, mask);
+}
+
+bool NetGetEthWorkMode(const char* name, NetWorkMode* mode)
+{
+    if (name == nullptr || mode == nullptr) return false;
+    if (!Contains(name, "eth")) {
+        LOG_ERROR("GetEthWorkMode can only work with eth device.[%s]", name);
+        return false;
+    }
+    if (isSwitchByName(name) == 1) {
+        *mode = netModeSwitch;
+        return true;
+    }
+    *mode = netModeMultiple;
+    (void)GetWorkModeByConfig(name, mode);  // fails for NULL alone
+    return true;
+}
+
+bool NetMiiDiag(const char* name, bool bcheckSlaves)
+{
+    if (!CardExists(name)) return false;
+    if (Contains(name, "poe")) return true;
+
+    char master[kNameSize];
+    const bool isMember = bcheckSlaves && FindMaster(name, master);
+    return Net_MiiDiag(isMember ? master : name);
+}
+
+// ==== Bonds ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr unsigned kHighestBondMtu = 7200;
+constexpr int kFallBackMtu = 1500;
+
+using MemberTable = NameTable<kMaxInterfaces, kNameSize>;
+using AddressText = char[kIPv4TextSize];
+
+// ---- the steps of a recovery; their lines carry the name of the whole
+
+constexpr char kRecovery[] = "NetCardRecover";
+
+bool FindAddress(const char* card, AddressText& address, AddressText& mask)
+{
+    if (GetIPByConfig(card, address, mask)) return true;
+
+    LOG_WARN_AS(kRecovery, "get ip mask by config failed.[%s]", card);
+    if (RestoreIP(card, address) && RestoreMask(card, mask)) return true;
+
+    LOG_ERROR_AS(kRecovery, "get ip mask from cmos  or rtc failed.[%s]", card);
+    return false;
+}
+
+/// True when there is an address to set; that the kernel refuses it does not count.
+bool RecoverAddress(const char* card)
+{
+    AddressText address = {};
+    AddressText mask = {};
+    if (!FindAddress(card, address, mask)) return false;
+    if (!NetSetIPByName(card, address, mask)) {
+        LOG_ERROR_AS(kRecovery, "set ip[%s] mask[%s] to sys failed.[%s]", address, mask, card);
+    }
+    return true;
+}
+
+bool FindGateway(const char* card, AddressText& gateway)
+{
+    if (GetGatewayByConfig(card, gateway)) return true;
+
+    LOG_WARN_AS(kRecovery, "get getway by config failed.[%s]", card);
+    if (RestoreGateway(card, gateway)) return true;
+
+    LOG_ERROR_AS(kRecovery, "get gateway from cmos  or rtc failed.[%s]", card);
+    return false;
+}
+
+void RecoverGateway(const char* card)
+{
+    AddressText gateway = {};
+    if (FindGateway(card, gateway) && !NetSetGatewaybyName(card, gateway)) {
+        LOG_ERROR_AS(kRecovery, "set gateway[%s] to sys failed.[%s]", gateway, card);
+    }
+}
+
+void RecoverMtu(const char* card)
+{
+    int mtu = 0;
+    if (!GetMtuByConfig(card, &mtu)) {
+        LOG_ERROR_AS(kRecovery, "get mtu from config failed.[%s]", card);
+        return;
+    }
+    (void)(Contains(card, "bond") ? SetMtubyBondName(card, mtu) : Net_SetMtubyName(card, mtu));
+}
+
+bool RecoverCard(const char* card)
+{
+    (void)InterfaceUp(card);
+    const bool found = RecoverAddress(card);
+    RecoverGateway(card);
+    RecoverMtu(card);
+    return found;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool SetMtubyBondName(const char* bondName, const int mtu)
+{
+    if (bondName == nullptr) return false;
+
+    const bool allowed = static_cast<unsigned>(mtu) <= kHighestBondMtu;
+    if (!allowed) LOG_WARN("mtu can not be set to %d, will be set to 1500", mtu);
+    const int wanted = allowed ? mtu : kFallBackMtu;
+
+    MemberTable table;
+    int count = kMaxInterfaces;
+    if (!Bond_GetBondMembers(bondName, table.Pointers(), &count)) {
+        LOG_INFO("%s is not bonded, just save mtu in config.", bondName);
+        return true;
+    }
+    int present = 0;
+    (void)Net_GetMtubyName(bondName, &present);
+    if (present == wanted && allowed) return true;
+
+    const NameList members = table.First(count);
+    (void)Net_InterfaceDown(bondName);
+    for (const char* member : members) (void)Net_InterfaceDown(member);
+    const bool done = Net_SetMtubyName(bondName, wanted);  // the driver hands it to the members
+    for (const char* member : members) (void)Net_InterfaceUp(member);
+    (void)Net_InterfaceUp(bondName);
+    return done;
+}
+
+bool NetCardRecover(const char* name)
+{
+    return name != nullptr && RecoverCard(name);
 }

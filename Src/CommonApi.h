@@ -5,6 +5,8 @@
 ///
 /// Contents:
 ///   Routes: routes by text or by record, the default card and its route
+///   IPv4 operations: address, gateway, hardware address, link of one card
+///   Bonds: building and ending a bond, and putting a card's saved settings back
 
 #include "Types.h"
 
@@ -97,6 +99,116 @@ VORLIX_API bool RouteAdd(NetRouteTableInfo* cmd);
 
 /// Deletes the route of a record, not NULL, over a card that exists.
 VORLIX_API bool RouteDel(NetRouteTableInfo* cmd);
+
+// ==== IPv4 operations ====
+//
+// A card's values live in up to three stores: the kernel, its setting file, and for eth0 the backup
+// memory. Each value has its own order of stores, in writing and in asking. A card that does not
+// exist gives false, with the Error of `CheckEthExist`. Nothing is retried.
+
+/// `Net_InterfaceUp` on a card that exists.
+VORLIX_API bool NetInterfaceUp(const char* name);
+
+/// `Net_InterfaceDown` on a card that exists.
+VORLIX_API bool NetInterfaceDown(const char* name);
+
+/// Sets address and mask: in the kernel, then in the setting file, then in the backup memory.
+///
+/// @param addr  dotted text; "0.0.0.0" takes the address away and is not saved
+/// @param mask  same form
+/// @return true when the kernel took both, whatever became of the other stores; false with nothing
+///         else written
+VORLIX_API bool NetSetIPByName(const char* name, const char* addr, const char* mask);
+
+/// Saves the gateway in the setting file, and for eth0 in the backup memory. No route is changed:
+/// `NetSetDefEth` applies the gateway.
+///
+/// @param addr  dotted text; "0.0.0.0" is not saved
+/// @return result of the setting file; the backup is written also when that failed
+/// @errors a failed save: Error
+VORLIX_API bool NetSetGatewaybyName(const char* name, const char* addr);
+
+/// Sets the hardware address, which is kept nowhere. The card goes down and up for it, so the
+/// default card and its route are set again afterwards.
+///
+/// @param addr  six hexadecimal bytes with colons between them
+/// @return result of the kernel
+VORLIX_API bool NetSetMacbyName(const char* name, const char* addr);
+
+/// `Net_SetMediumPrefer` on a card that exists.
+VORLIX_API bool NetSetMediumPrefer(const char* name, NetMediumPrefer medium);
+
+/// Tells the configured address and mask: from the setting file, else from the kernel, else from
+/// the backup memory. What the backup gave is saved in the file; what the kernel gave is not.
+///
+/// @param addr  16 bytes
+/// @param mask  16 bytes
+/// @errors each source that fails: Warn; the last: Error
+VORLIX_API bool NetGetIPbyName(const char* name, char* addr, char* mask);
+
+/// Tells the gateway: from the setting file, else from the backup memory, which is then saved in
+/// the file. The kernel is not asked.
+///
+/// @param addr  16 bytes
+/// @errors each source that fails: Warn; the last: Error
+VORLIX_API bool NetGetGatewaybyName(const char* name, char* addr);
+
+/// Tells the MTU: from the kernel, else from the setting file.
+/// @errors each source that fails: Warn; the last: Error
+VORLIX_API bool NetGetMtubyName(const char* name, int* mtu);
+
+/// `Net_GetMacbyName` on a card that exists.
+///
+/// @param addr  18 bytes
+VORLIX_API bool NetGetMacbyName(const char* name, char* addr);
+
+/// `Net_GetLinkSpeed` on a card that exists.
+///
+/// @param speed  Mbit/s
+VORLIX_API bool NetGetLinkSpeed(const char* name, int* speed);
+
+/// `Net_GetDataStat` on a card that exists.
+VORLIX_API bool NetGetDataStat(const char* name, NetDataStat* dataStat);
+
+/// `Net_GetIPbyName`: what the kernel has now, with no other source and no test of the name.
+///
+/// @param addr  16 bytes
+/// @param mask  16 bytes
+VORLIX_API bool NetGetRealIPByName(const char* name, char* addr, char* mask);
+
+/// Tells what a card is for: a switch interface, or else its saved work mode. A card without a
+/// saved mode gets `netModeMultiple` saved.
+///
+/// @errors a name without "eth": Error. Whether the card exists is not tested.
+VORLIX_API bool NetGetEthWorkMode(const char* name, NetWorkMode* mode);
+
+/// True when the card has a link. A name with "poe" always has.
+///
+/// @param bcheckSlaves  judge a member of a bond or bridge by the link of its master
+/// @errors a master whose name is not saved: Warn, and the card's own link counts
+VORLIX_API bool NetMiiDiag(const char* name, bool bcheckSlaves);
+
+// ==== Bonds ====
+//
+// A bond's device has "bond" in its name. It runs when `Bond_GetBondMembers` can read its members.
+// Saved settings change only after the driver has done its part. Nothing is atomic: callers keep
+// changes of one bond apart.
+
+/// Sets the MTU of a running bond, with the bond and its members taken down for it. Nothing is
+/// saved.
+///
+/// @param mtu  up to 7200; above that, or negative, 1500 is set instead
+/// @return result of the kernel; true also for a bond that does not run, and for one that has this
+///         MTU already
+/// @errors a replaced MTU: Warn; no bond: Info
+VORLIX_API bool SetMtubyBondName(const char* bondName, const int mtu);
+
+/// Puts a card's saved settings back: brings it up and sets address, gateway and MTU from its
+/// setting file. Address and gateway may come from the backup memory instead.
+///
+/// @return whether an address and a mask were found; what the kernel said to them plays no part
+/// @errors a source that fails: Warn when another follows, else Error; a refusal: Error
+VORLIX_API bool NetCardRecover(const char* name);
 
 #ifdef __cplusplus
 }  // extern "C"
