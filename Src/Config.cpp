@@ -2,14 +2,18 @@
 
 #include "Base.h"
 #include "Support/Handles.h"
+#include "Support/Lines.h"
 #include "Support/Log.h"
 #include "Support/NameList.h"
 #include "Support/Text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 
 namespace vorlix {
 
