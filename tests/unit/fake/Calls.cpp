@@ -40,7 +40,6 @@ std::map<int, Handle> handles;
 int fallible = 0;  // calls so far that could fail
 int failAt = 0;    // the one of them that the sweep lets fail
 std::string swept;
-bool inAction = false;
 std::function<void(const std::string&)> reportChild;
 thread_local int ownCalls = 0;
 
@@ -103,14 +102,13 @@ void RunHook(const std::string& text)
         const auto hook = std::find_if(hooks.begin(), hooks.end(), [&](const Hook& candidate) {
             return StartsWith(text, candidate.call);
         });
-        if (inAction || hook == hooks.end()) return;
+        if (hook == hooks.end()) return;
 
         action = std::move(hook->action);
         hooks.erase(hook);
-        inAction = true;
     }
+    const OwnCalls looking;
     action();
-    inAction = false;
 }
 
 int RunWithFailure(int number, const std::function<void()>& run,
@@ -200,8 +198,6 @@ bool Note(const std::string& call)
     const std::string text = TextOf(call);
     RunHook(text);
     const Guard guard;
-    if (inAction) return true;
-
     Append(text);
     return !ShallFail(text);
 }
@@ -212,7 +208,7 @@ void NoteOnly(const std::string& call)
     const std::string text = TextOf(call);
     RunHook(text);
     const Guard guard;
-    if (!inAction) Append(text);
+    Append(text);
 }
 
 void BecomeChild(std::function<void(const std::string&)> report)

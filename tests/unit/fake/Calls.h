@@ -10,6 +10,9 @@
 
 namespace fake {
 
+/// Trace texts, commands, names: what tests compare whole and in order.
+using Texts = std::vector<std::string>;
+
 /// One text for each call, in order: the call's name and what tells it apart, such as
 /// "fopen /mnt/mtd/Config/network1 w+", "ioctl SIOCSIFADDR eth1", "fcntl F_SETLKW F_WRLCK <path>",
 /// "mutex lock", "fsync <path>", "close /proc/net/dev", "vfork", "sleep 2". Calls of a child that
