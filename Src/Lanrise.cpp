@@ -1,0 +1,941 @@
+// Contents:
+//   The module's state, and what all chapters ask of it
+//   Program: entries, command forms, the order of a boot
+//   PoE setting files: two names for one file
+//   Saved topology: what the cards' files say about bonds and bridges
+//   Addresses: a usable address for every card, the default card, the resolvers
+//   Bringing up: cards and routes
+//
+// Each chapter has its own helpers directly above its operations.
+
+#include "Lanrise.h"
+
+#include "Backup.h"
+#include "Base.h"
+#include "Bond.h"
+#include "Bridge.h"
+#include "CommonApi.h"
+#include "Config.h"
+#include "Dns.h"
+#include "Route.h"
+#include "Support/Handles.h"
+#include "Support/Log.h"
+#include "Support/Text.h"
+
+#include <cstdio>
+
+#include <arpa/inet.h>
+
+namespace vorlix {
+
+namespace {
+
+// ---- state: filled by the program, read by all chapters, never reset between runs; unguarded
+
+using Name = char[kNameSize];
+
+Name ethNames[kMaxInterfaces] = {};
+int32_t ethNum = kMaxInterfaces;  // capacity before a listing, number of names after it
+char eths[256] = {};              // names without the switch interface, a comma behind each
+Name switchitf = {};              // empty: the device has none
+
+Name g_bondedEthNames[kMaxInterfaces] = {};
+int32_t g_bondedListNum = kMaxInterfaces;
+Name g_bridgedEthNames[kMaxInterfaces] = {};
+int32_t g_bridgedListNum = kMaxInterfaces;
+
+// ---- what all chapters ask
+
+bool IsBond(const char* name)
+{
+    return Contains(name, "bond");
+}
+
+bool IsBridge(const char* name)
+{
+    return Contains(name, "br");
+}
+
+bool IsCard(const char* name)
+{
+    return !IsBond(name) && !IsBridge(name);
+}
+
+bool IsPresent(const char* name)
+{
+    return FindWordInLine(eths, name, ',') != nullptr;
+}
+
+/// An address, its mask and its gateway, network byte order.
+struct Triple {
+    uint32_t address = 0;
+    uint32_t mask = 0;
+    uint32_t gateway = 0;
+};
+
+struct TripleText {
+    char address[kIPv4TextSize] = {};
+    char mask[kIPv4TextSize] = {};
+    char gateway[kIPv4TextSize] = {};
+};
+
+bool ReadTriple(const char* card, TripleText* text)
+{
+    return GetIPByConfig(card, text->address, text->mask) &&
+           GetGatewayByConfig(card, text->gateway);
+}
+
+/// Stores what parses, in the order of the fields, up to the first text that does not.
+bool ParseTriple(const TripleText& text, Triple* triple)
+{
+    return ParseIPv4(text.address, &triple->address) && ParseIPv4(text.mask, &triple->mask) &&
+           ParseIPv4(text.gateway, &triple->gateway);
+}
+
+bool IsOneNet(const Triple& triple)
+{
+    return ((triple.address ^ triple.gateway) & triple.mask) == 0;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+using namespace vorlix;
+
+// ==== Program ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr char kUsage[] = "-----------------------------------------------------------------\n"
+                          "Usage:lanrise <ethname> <Ipaddress> <Netmask> <Gateway>\n"
+                          "      lanrise setdef <ethname> -- change default card\n"
+                          "Example:\n"
+                          "eg.   lanrise eth0 192.168.1.100 255.255.0.0 192.168.1.1\n"
+                          "eg.   lanrise setdef eth1 \n"
+                          "-----------------------------------------------------------------\n";
+
+// ---- common start
+
+bool FileExists(const char* path)
+{
+    return access(path, F_OK) == 0;
+}
+
+/// Gives a setting file of an old release its present name. The old name stays valid as a second
+/// name of the same file, for a release that is put back.
+void MigrateFile(const char* oldName, const char* newName)
+{
+    char oldPath[kPathSize];
+    char newPath[kPathSize];
+    FormatText(oldPath, sizeof(oldPath), "%s/%s", kConfigFolder, oldName);
+    FormatText(newPath, sizeof(newPath), "%s/%s", kConfigFolder, newName);
+    if (!FileExists(oldPath) || FileExists(newPath)) return;
+
+    if (rename(oldPath, newPath) != 0) {
+        LOG_WARN_AS("CommonMain", "rename config file failed, (%s --> %s), [%s]", oldName, newName,
+                    strerror(errno));
+    }
+    if (link(newPath, oldPath) != 0) {
+        LOG_WARN_AS("CommonMain", "link config file failed, (%s --> %s), [%s]", newName, oldName,
+                    strerror(errno));
+    }
+}
+
+bool ListInterfaces()
+{
+    if (GetAllInterfaceInfo(ethNames, &ethNum)) return true;
+
+    LOG_ERROR_AS("CommonMain", "can not get eth Names");
+    return false;
+}
+
+void FindSwitch()
+{
+    if (GetSwitchInterface(switchitf, sizeof(switchitf))) return;
+
+    LOG_INFO_AS("CommonMain", "no switch in this device");
+    memset(switchitf, 0, sizeof(switchitf));
+}
+
+/// Gives the listed interfaces from `first` on their setting files, and all but the switch
+/// interface their place in `eths`.
+/// @return the index behind the last one
+int32_t EnterInterfaces(int32_t first)
+{
+    int32_t i = first;
+    for (; i < ethNum; ++i) {
+        const char* name = ethNames[i];
+        if (!CheckConfigFile(name)) {
+            LOG_WARN_AS("CommonMain", "%s config file is not exit.", name);
+            (void)CreateConfigFile(name);  // a card without file reads as one with an empty file
+        }
+        if (strncmp(name, switchitf, sizeof(switchitf)) == 0) continue;
+
+        Strcat(eths, sizeof(eths), name, nullptr);
+        Strcat(eths, sizeof(eths), ",", nullptr);
+    }
+    return i;
+}
+
+// ---- command forms
+
+/// The phases in their order, results dropped: each repairs what it can, whatever became of the one
+/// before.
+bool Boot(int32_t firstCount)
+{
+    if (!CheckWorkmodeConfig()) (void)CheckWorkmodeConfig();
+
+    (void)CheckBackup();
+    (void)CheckEth0Config();
+    (void)CheckEthCardConfig();
+    (void)CheckBondCardConfig();
+    (void)CheckWlanCardConfig();
+    (void)CheckDefSwitchConfig();
+
+    ethNum = kMaxInterfaces;
+    (void)ListInterfaces();
+    memset(eths, 0, sizeof(eths));
+    // Only what the first listing had not: the default card is looked for among the interfaces that
+    // the boot itself has brought.
+    (void)EnterInterfaces(firstCount);
+
+    (void)RecoverOtherEth();
+    (void)CheckDefaultEthConfig();
+    (void)CheckDnsServer();
+    removeAllRoute();
+    addAllCardNetRoute();
+    (void)setCmosVerifyFlag();
+    LOG_INFO_AS("CommonMain", "lanrise is finished.");
+    return true;
+}
+
+bool CheckCard(const char* name)
+{
+    if (CheckEthExist(&name, 1)) return true;
+
+    LOG_ERROR_AS("CommonMain", "%s not exist", name);
+    return false;
+}
+
+bool SetDefaultCard(const char* word, const char* card)
+{
+    if (!Equal(word, "setdef")) {
+        LOG_ERROR_AS("CommonMain", "error command, please input again.");
+        return false;
+    }
+    if (!CheckCard(card)) return false;
+
+    if (NetSetDefEth(card)) {
+        LOG_INFO_AS("CommonMain", "set default card is %s", card);
+    } else {
+        LOG_ERROR_AS("CommonMain", "set %s default card failed!", card);
+    }
+    return true;  // also for a card that could not be set: start scripts rely on it
+}
+
+bool AreUsable(const char* address, const char* mask, const char* gateway)
+{
+    Triple triple;
+    if (!ParseIPv4(address, &triple.address)) {
+        LOG_ERROR_AS("CommonMain", "ip error %s", address);
+        return false;
+    }
+    if (!ParseIPv4(mask, &triple.mask)) {
+        LOG_ERROR_AS("CommonMain", "mask error %s", mask);
+        return false;
+    }
+    if (!ParseIPv4(gateway, &triple.gateway)) {
+        LOG_ERROR_AS("CommonMain", "gateway error %s", gateway);
+        return false;
+    }
+    if (!IsOneNet(triple)) {
+        LOG_ERROR_AS("CommonMain", "ip %s and gateway %s is not in same net", address, gateway);
+        return false;
+    }
+    return true;
+}
+
+bool SetAddress(const char* card, const char* address, const char* mask, const char* gateway)
+{
+    (void)CheckCard(card);  // said, and no more: a card that is missing stops nothing
+    if (!AreUsable(address, mask, gateway)) return false;
+
+    if (!NetSetIPByName(card, address, mask)) {
+        LOG_WARN_AS("CommonMain", "set %s's IP: %s, MASK: %s failed", card, address, mask);
+    }
+    if (!NetSetGatewaybyName(card, gateway)) {
+        LOG_WARN_AS("CommonMain", "set %s's GATEWAY: %s failed", card, gateway);
+    }
+    removeAllRoute();
+    addAllCardNetRoute();
+    (void)setCmosVerifyFlag();
+    LOG_INFO_AS("CommonMain", "lanrise for %s is finished.", card);
+    return true;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+int32_t dvr_lanrise_main(int32_t argc, char** argv)
+{
+    (void)CommonMain(argc, argv);
+    return 1;
+}
+
+int32_t PDI_lanriseMain(int32_t argc, char** argv)
+{
+    (void)CommonMain(argc, argv);
+    return 1;
+}
+
+bool CommonMain(int32_t argc, char** argv)
+{
+    MigrateFile("network2", "networketh2");
+    MigrateFile("networkip62", "networkip6eth2");
+    PrintfHelp();
+    if (!ListInterfaces()) return false;
+
+    FindSwitch();
+    const int32_t firstCount = EnterInterfaces(0);
+    switch (argc) {
+    case 1: return Boot(firstCount);
+    case 3: return SetDefaultCard(argv[1], argv[2]);
+    case 5: return SetAddress(argv[1], argv[2], argv[3], argv[4]);
+    default: LOG_WARN("Please check your command for lanrise."); return true;
+    }
+}
+
+void PrintfHelp(void)
+{
+    (void)fputs(kUsage, stdout);
+}
+
+// ==== PoE setting files ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr char kPoeMark[] = ":poe";
+constexpr char kCardStart[] = "networketh";
+constexpr char kPoeStart[] = "networkpoe";
+constexpr size_t kStartLength = sizeof(kCardStart) - 1;
+static_assert(sizeof(kCardStart) == sizeof(kPoeStart), "both names are cut behind their start");
+
+constexpr size_t kFrontSize = 64;
+constexpr size_t kTargetSize = 63;
+
+// Part of the printed lines, so fixed as these are.
+constexpr int kPoeNameExists = 1419;
+constexpr int kCardNameExists = 1441;
+
+void LinkUnlessThere(const char* name, const char* target, int mark)
+{
+    if (access(target, F_OK) == 0) {
+        printf("%s exit at[%d]!\n", target, mark);
+        return;
+    }
+    if (link(name, target) != 0) {
+        printf("link config file failed, (%s --> %s), [%s]\n", name, target, strerror(errno));
+    }
+}
+
+/// Stores what stands between the card's start and the mark of a PoE name.
+bool CardOfPoeName(const char* name, char (&card)[kFrontSize])
+{
+    const char* mark = strstr(name, kPoeMark);
+    if (mark == nullptr) return false;
+
+    char front[kFrontSize];
+    const auto length = static_cast<size_t>(mark - name);
+    CopyText(front, length < sizeof(front) ? length + 1 : sizeof(front), name);
+    if (!StartsWith(front, kCardStart)) return false;
+
+    CopyText(card, front + kStartLength);
+    return true;
+}
+
+void KeepInStep(const char* name)
+{
+    char target[kTargetSize];
+    char card[kFrontSize];
+    if (CardOfPoeName(name, card)) {
+        FormatText(target, sizeof(target), "%s%s", kPoeStart, card);
+        printf("backupName2: %s\n", target);
+        LinkUnlessThere(name, target, kPoeNameExists);
+        return;
+    }
+    if (!StartsWith(name, kPoeStart) || name[kStartLength] == '\0') return;
+
+    FormatText(target, sizeof(target), "%s%s%s", kCardStart, name + kStartLength, kPoeMark);
+    printf("backupName: %s\n", target);
+    LinkUnlessThere(name, target, kCardNameExists);
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+int BackupPoEConfig(void)
+{
+    const Directory folder(opendir("./"));
+    if (folder == nullptr) {
+        LOG_WARN("Can not opendir!");
+        return -1;
+    }
+    while (const dirent* entry = readdir(folder.get())) {
+        if (entry->d_type == DT_REG) KeepInStep(entry->d_name);
+    }
+    return 0;
+}
+
+// ==== Saved topology ====
+
+namespace vorlix {
+
+namespace {
+
+void LeaveBond(const char* card)
+{
+    (void)SetEthIsBondedByConfig(card, false);
+    (void)SetEthBondNameByConfig(card, "");
+}
+
+void LeaveBridge(const char* card)
+{
+    (void)SetEthIsBridgedByConfig(card, false);
+    (void)SetEthBridgeNameByConfig(card, "");
+}
+
+// ---- live members
+
+using MemberQuery = bool (*)(const char* master, char** members, int* count);
+
+/// Adds the live members of a bond or bridge behind the `count` names collected so far. One that
+/// cannot be asked has none.
+/// @return false when the names are more than the table holds
+bool AddMembers(MemberQuery query, const char* master, char** names, int32_t* count)
+{
+    int found = kMaxInterfaces - *count;
+    if (!query(master, names + *count, &found)) return true;
+
+    *count += found;
+    if (*count <= kMaxInterfaces) return true;
+
+    LOG_ERROR_AS("getAllBondOrBrSlave", "the bonded eth over %d", kMaxInterfaces);
+    return false;
+}
+
+// ---- work modes
+
+bool IsMarkedBonded(const char* card)
+{
+    bool marked = false;
+    if (!GetEthIsBondedByConfig(card, &marked)) {
+        LOG_WARN_AS("CheckWorkmodeConfig", "Get %s IsBondedByConfig  failed", card);
+        (void)SetEthIsBondedByConfig(card, false);
+    }
+    return marked;
+}
+
+bool IsMarkedBridged(const char* card)
+{
+    bool marked = false;
+    if (!GetEthIsBridgedByConfig(card, &marked)) {
+        LOG_WARN_AS("CheckWorkmodeConfig", "Get %s IsBridgedByConfig  failed", card);
+        (void)SetEthIsBridgedByConfig(card, false);
+    }
+    return marked;
+}
+
+NetWorkMode ModeOf(const char* card, bool bonded, bool bridged)
+{
+    if (bonded) return netModeBond;
+    if (bridged) return netModeBridge;
+    return isSwitchByName(card) == 1 ? netModeSwitch : netModeMultiple;
+}
+
+/// @return false when the card was marked both ways
+bool SettleWorkMode(const char* card)
+{
+    const bool bonded = IsMarkedBonded(card);
+    const bool bridged = IsMarkedBridged(card);
+    if (!bonded || !bridged) {
+        (void)SetWorkModeByConfig(card, ModeOf(card, bonded, bridged));
+        return true;
+    }
+    LOG_ERROR_AS("CheckWorkmodeConfig",
+                 " cannot determine %s workmode.delete from both bond and bridge.", card);
+    LeaveBridge(card);
+    LeaveBond(card);
+    (void)SetWorkModeByConfig(card, netModeMultiple);
+    return false;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool CheckWorkmodeConfig(void)
+{
+    bool clear = true;
+    for (int32_t i = 0; i < ethNum; ++i) {
+        if (IsCard(ethNames[i]) && !SettleWorkMode(ethNames[i])) clear = false;
+    }
+    return clear;
+}
+
+bool getAllBondOrBrSlave(void)
+{
+    char* bonded[kMaxInterfaces];
+    char* bridged[kMaxInterfaces];
+    for (int i = 0; i < kMaxInterfaces; ++i) {
+        bonded[i] = g_bondedEthNames[i];
+        bridged[i] = g_bridgedEthNames[i];
+    }
+    int32_t bondedCount = 0;
+    int32_t bridgedCount = 0;
+    for (int32_t i = 0; i < ethNum; ++i) {
+        const char* name = ethNames[i];
+        if (IsBond(name)) {
+            if (!AddMembers(Bond_GetBondMembers, name, bonded, &bondedCount)) return false;
+        } else if (IsBridge(name)) {
+            if (!AddMembers(Bridge_GetBridgeMembers, name, bridged, &bridgedCount)) return false;
+        }
+    }
+    g_bondedListNum = bondedCount;
+    g_bridgedListNum = bridgedCount;
+    return true;
+}
+
+// ==== Addresses ====
+
+namespace vorlix {
+
+namespace {
+
+// ---- factory values
+
+constexpr char kEth0[] = "eth0";
+constexpr char kEthBase[] = "192.168.0.108";
+constexpr char kEthGateway[] = "192.168.0.1";
+constexpr char kBondBase[] = "192.168.2.108";
+constexpr char kBondGateway[] = "192.168.2.1";
+constexpr char kWlanBase[] = "192.168.1.108";
+constexpr char kWlanGateway[] = "192.168.1.1";
+constexpr char kSwitchAddress[] = "10.1.1.1";  // its own gateway
+constexpr char kMask[] = "255.255.255.0";
+
+constexpr char kDns[] = "8.8.8.8";
+constexpr char kSecondDns[] = "8.8.4.4";
+constexpr char kDns6[] = "2001:4860:4860::8888";
+constexpr char kSecondDns6[] = "2001:4860:4860::8844";
+constexpr int kDns6Size = 64;
+
+constexpr int kDefaultMtu = 1500;
+constexpr int kEthCards = 32;
+constexpr int kNumberedCards = 8;
+
+constexpr const char* kDefaultCards[] = {kEth0, "eth1", "eth2"};
+
+// ---- triples
+
+TripleText TextOf(const Triple& triple)
+{
+    TripleText text;
+    (void)PrintIPv4(triple.address, text.address);
+    (void)PrintIPv4(triple.mask, text.mask);
+    (void)PrintIPv4(triple.gateway, text.gateway);
+    return text;
+}
+
+bool IsValid(const Triple& triple)
+{
+    return triple.address != 0 && IsOneNet(triple);
+}
+
+bool AreEqual(const Triple& left, const Triple& right)
+{
+    return left.address == right.address && left.mask == right.mask &&
+           left.gateway == right.gateway;
+}
+
+void SaveTriple(const char* card, const char* address, const char* mask, const char* gateway)
+{
+    (void)SetIPByConfig(card, address, mask);
+    (void)SetGatewayByConfig(card, gateway);
+}
+
+void EnsureMtu(const char* card)
+{
+    int mtu = 0;
+    if (!GetMtuByConfig(card, &mtu)) (void)SetMtuByConfig(card, kDefaultMtu);
+}
+
+// ---- eth0 and its backup
+
+void ParseEth0(const TripleText& text, Triple* triple)
+{
+    if (ParseTriple(text, triple)) return;
+
+    LOG_ERROR_AS("CheckEth0Config", "addr[%s] or mask[%s] or gateway[%s] invalid!", text.address,
+                 text.mask, text.gateway);
+}
+
+Triple RestoreEth0()
+{
+    TripleText text;
+    if (!RestoreIP(kEth0, text.address)) LOG_WARN_AS("CheckEth0Config", "Restore eth0's IP failed");
+    if (!RestoreMask(kEth0, text.mask)) {
+        LOG_WARN_AS("CheckEth0Config", "Restore eht0's mask failed");
+    }
+    if (!RestoreGateway(kEth0, text.gateway)) {
+        LOG_WARN_AS("CheckEth0Config", "Restore eth0's gateway failed");
+    }
+    Triple backup;
+    ParseEth0(text, &backup);
+    return backup;
+}
+
+Triple ReadEth0()
+{
+    TripleText text;
+    Triple saved;
+    if (ReadTriple(kEth0, &text)) ParseEth0(text, &saved);
+    return saved;
+}
+
+void BackupEth0(const char* address, const char* mask, const char* gateway)
+{
+    (void)BackupIP(kEth0, address);
+    (void)BackupGateway(kEth0, gateway);
+    (void)BackupMask(kEth0, mask);
+}
+
+void SaveEth0(const Triple& triple)
+{
+    const TripleText text = TextOf(triple);
+    SaveTriple(kEth0, text.address, text.mask, text.gateway);
+}
+
+void BackupEth0(const Triple& triple)
+{
+    const TripleText text = TextOf(triple);
+    BackupEth0(text.address, text.mask, text.gateway);
+}
+
+void ResetEth0()
+{
+    LOG_WARN_AS("CheckEth0Config", "eth0 in config and backup is not correct! set been reset flag, "
+                                   "will reboot with user config");
+    (void)setBeenResetFlag();
+    SaveTriple(kEth0, kEthBase, kMask, kEthGateway);
+    BackupEth0(kEthBase, kMask, kEthGateway);
+}
+
+// ---- cards without backup
+
+/// Gives a card whose file has no valid triple the factory address of its number: `base`, network
+/// byte order, plus the number.
+void RepairCard(const char* card, uint32_t base, int number, const char* gateway)
+{
+    if (CheckNetCardConfig(card)) return;
+
+    char address[kIPv4TextSize] = {};
+    (void)PrintIPv4(htonl(ntohl(base) + static_cast<uint32_t>(number)), address);
+    SaveTriple(card, address, kMask, gateway);
+}
+
+/// Bonds and wireless cards: unlike the other cards they are numbered without gaps.
+bool RepairNumberedCards(const char* operation, const char* kind, const char* baseText,
+                         const char* gateway)
+{
+    uint32_t base = 0;
+    if (!ParseIPv4(baseText, &base)) return false;
+
+    for (int number = 0; number < kNumberedCards; ++number) {
+        Name card;
+        FormatText(card, sizeof(card), "%s%d", kind, number);
+        if (!IsPresent(card)) return true;
+        RepairCard(card, base, number, gateway);
+    }
+    LOG_WARN_AS(operation, "the %s num we can handle is too small %d", kind, kNumberedCards);
+    return true;
+}
+
+// ---- default card
+
+/// Replaces a name that is not present by the first usual default card that is.
+void PreferPresent(Name& card)
+{
+    if (IsPresent(card)) return;
+
+    for (const char* usual : kDefaultCards) {
+        if (!IsPresent(usual)) continue;
+        CopyText(card, usual);
+        return;
+    }
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool CheckBackup(void)
+{
+    if (CheckCrc()) return true;
+
+    LOG_ERROR("Backup crc check error!!!");
+    (void)RestBackup();
+    return true;
+}
+
+bool CheckNetCardConfig(const char* name)
+{
+    if (name == nullptr) return false;
+
+    EnsureMtu(name);
+    TripleText text;
+    if (!ReadTriple(name, &text)) return false;
+
+    Triple triple;
+    if (!ParseTriple(text, &triple)) {
+        LOG_ERROR("inet_pton failed! add: %s, mask: %s, gateway: %s", text.address, text.mask,
+                  text.gateway);
+    }
+    return IsValid(triple);
+}
+
+bool CheckEth0Config(void)
+{
+    if (!IsPresent(kEth0)) return true;
+
+    EnsureMtu(kEth0);
+    const Triple backup = RestoreEth0();
+    const Triple saved = ReadEth0();
+    if (!IsValid(saved) && !IsValid(backup)) {
+        ResetEth0();
+        return false;
+    }
+    if (!IsValid(backup)) {
+        BackupEth0(saved);
+    } else if (!IsValid(saved) || !AreEqual(saved, backup)) {
+        SaveEth0(backup);
+    }
+    return true;
+}
+
+bool CheckEthCardConfig(void)
+{
+    uint32_t base = 0;
+    if (!ParseIPv4(kEthBase, &base)) {
+        LOG_ERROR("inet_pton failed!");
+        return false;
+    }
+    for (int number = 1; number < kEthCards; ++number) {
+        Name card;
+        FormatText(card, sizeof(card), "eth%d", number);
+        if (IsPresent(card)) RepairCard(card, base, number, kEthGateway);
+    }
+    return true;
+}
+
+bool CheckBondCardConfig(void)
+{
+    return RepairNumberedCards(__func__, "bond", kBondBase, kBondGateway);
+}
+
+bool CheckWlanCardConfig(void)
+{
+    return RepairNumberedCards(__func__, "wlan", kWlanBase, kWlanGateway);
+}
+
+bool CheckDefSwitchConfig(void)
+{
+    if (switchitf[0] == '\0' || CheckNetCardConfig(switchitf)) return true;
+
+    SaveTriple(switchitf, kSwitchAddress, kMask, kSwitchAddress);
+    return true;
+}
+
+bool CheckDefaultEthConfig(void)
+{
+    Name card = {};
+    if (!GetDefaultEthByConfig(card, sizeof(card))) {
+        LOG_WARN("get default eth failed.");
+        CopyText(card, kEth0);
+    }
+    PreferPresent(card);
+    LOG_INFO("default eth is %s.", card);
+    if (SetDefaultEthByConfig(card)) return true;
+
+    LOG_WARN("set def to config failed.");
+    return false;
+}
+
+bool CheckDnsServer(void)
+{
+    char primary[kIPv4TextSize] = {};
+    char secondary[kIPv4TextSize] = {};
+    if (!GetIPv4DnsServer(primary, secondary) && !SetIPv4DnsServer(kDns, kSecondDns)) {
+        LOG_WARN("recover IPv4 default DNS server failed");
+    }
+    char primary6[kDns6Size] = {};
+    char secondary6[kDns6Size] = {};
+    if (!GetIPv6DnsServer(primary6, secondary6, kDns6Size) &&
+        !SetIPv6DnsServer(kDns6, kSecondDns6)) {
+        LOG_WARN("recover IPv6 default DNS server failed");
+    }
+    return true;
+}
+
+// ==== Bringing up ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr char kNoAddress[] = "0.0.0.0";
+
+constexpr const char* kDeviceKinds[] = {"eth", "wlan", "bond", "br", "ppp", "lte", "apra", "usb"};
+
+constexpr int kRoutesLookedAt = 32;
+
+// ---- routes taken away
+
+bool IsOverDevice(const IPv4Route& route)
+{
+    for (const char* kind : kDeviceKinds) {
+        if (Contains(route.viaDev, kind)) return true;
+    }
+    return false;
+}
+
+bool PrintPart(const char* operation, const char* part, uint32_t value, char* text)
+{
+    if (PrintIPv4(value, text)) return true;
+
+    LOG_INFO_AS(operation, "%s inet_ntop error[%d]\n", part, static_cast<int>(value));
+    return false;
+}
+
+void RemoveRoute(const IPv4Route& route)
+{
+    constexpr char kOperation[] = "removeAllRoute";
+    if (!IsOverDevice(route)) {
+        LOG_INFO_AS(kOperation, "ignore [%s] route\n", route.viaDev);
+        return;
+    }
+    char net[kIPv4TextSize];
+    char mask[kIPv4TextSize];
+    char gateway[kIPv4TextSize];
+    if (!PrintPart(kOperation, "addr", route.dst, net)) return;
+    if (!PrintPart(kOperation, "mask", route.mask, mask)) return;
+    if (!PrintPart(kOperation, "gateway", route.gw, gateway)) return;
+
+    if (!RouteDelIPv4(net, gateway, mask, route.viaDev)) {
+        LOG_ERROR_AS(kOperation, "del %s route [%s,%s,%s] failed\n", route.viaDev, net, mask,
+                     gateway);
+    }
+}
+
+// ---- routes added
+
+bool IsListed(const char* name, const Name* names, int32_t count)
+{
+    for (int32_t i = 0; i < count; ++i) {
+        if (Equal(name, names[i])) return true;
+    }
+    return false;
+}
+
+bool IsMember(const char* name)
+{
+    return IsListed(name, g_bondedEthNames, g_bondedListNum) ||
+           IsListed(name, g_bridgedEthNames, g_bridgedListNum);
+}
+
+/// A bond that runs, a VLAN on a bond, a bridge that exists, and every card.
+bool HasNetRoute(const char* name)
+{
+    if (IsBond(name)) return Bond_GetBondMembers(name, nullptr, nullptr) || Contains(name, ".");
+    if (IsBridge(name)) return Bridge_IsBridgeExist(name);
+    return true;
+}
+
+/// The default card gets its net route here even when it is a member or has been given one before.
+void addDefRoute()
+{
+    Name card = {};
+    if (!GetDefaultEthByConfig(card, sizeof(card))) {
+        LOG_WARN("get default eth failed. will not add default route");
+        return;
+    }
+    addRouteByName(card);
+    (void)RouteAddDefIPv4(card);
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+void removeAllRoute(void)
+{
+    IPv4Route routes[kRoutesLookedAt] = {};
+    int count = kRoutesLookedAt;
+    if (!Route_GetIPv4Route(routes, &count)) {
+        LOG_INFO("Route_GetIPv4Route failed\n");
+        return;
+    }
+    for (int i = 0; i < count; ++i) RemoveRoute(routes[i]);
+}
+
+void addRouteByName(const char* ifname)
+{
+    if (ifname == nullptr || ifname[0] == '\0') return;
+
+    TripleText text;
+    Triple triple;
+    if (ReadTriple(ifname, &text) && !ParseTriple(text, &triple)) {
+        // Also for the gateway, though the route does not use it.
+        LOG_INFO("addr error [%s,%s,%s]\n", text.address, text.mask, text.gateway);
+        return;
+    }
+    // A card without address goes on with 0 and with the mask text as far as it was read.
+    if (!PrintPart(__func__, "addr", triple.address & triple.mask, text.address)) return;
+
+    (void)RouteAddIPv4(text.address, kNoAddress, text.mask, ifname);
+}
+
+void addAllCardNetRoute(void)
+{
+    if (!getAllBondOrBrSlave()) {
+        g_bondedListNum = 0;
+        g_bridgedListNum = 0;
+    }
+    for (int32_t i = 0; i < ethNum; ++i) {
+        const char* name = ethNames[i];
+        if (name[0] != '\0' && !IsMember(name) && HasNetRoute(name)) addRouteByName(name);
+    }
+    addDefRoute();
+}
+
+bool RecoverOtherEth(void)
+{
+    for (int32_t i = 0; i < ethNum; ++i) {
+        const char* name = ethNames[i];
+        if (!IsCard(name)) continue;
+
+        NetWorkMode mode = netModeInvalid;
+        (void)GetWorkModeByConfig(name, &mode);
+        if (mode == netModeInvalid) LOG_WARN("%s work mode is unknow!!!", name);
+        if (mode == netModeMultiple || mode == netModeSwitch || mode == netModeInvalid) {
+            (void)NetCardRecover(name);
+        }
+    }
+    return true;
+}
