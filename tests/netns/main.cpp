@@ -1,0 +1,43 @@
+// The tests run on the real kernel, in network and mount namespaces of their own: the program
+// starts itself again through enter.sh unless it is inside already or only lists its tests.
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+/// Returns only when there is no way in.
+void Enter(char** argv)
+{
+    char self[PATH_MAX] = {};
+    if (readlink("/proc/self/exe", self, sizeof(self) - 1) < 0) return;
+
+    char enter[] = VORLIX_ENTER;
+    std::vector<char*> arguments{enter, self};
+    for (char** argument = argv + 1; *argument != nullptr; ++argument) {
+        arguments.push_back(*argument);
+    }
+    arguments.push_back(nullptr);
+    execv(enter, arguments.data());
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    std::vector<char*> given(argv, argv + argc + 1);  // gtest takes its flags out of argv
+    testing::InitGoogleTest(&argc, argv);
+    const bool inside = getenv("VORLIX_NETNS") != nullptr;
+    if (!inside && !testing::GTEST_FLAG(list_tests)) {
+        Enter(given.data());
+        perror(VORLIX_ENTER);
+        return EXIT_FAILURE;
+    }
+    return RUN_ALL_TESTS();
+}
