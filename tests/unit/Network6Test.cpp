@@ -261,6 +261,13 @@ TEST_F(Net6_GetAddressInfoTest, MalformedLinesAreNoEntries)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(Net6_GetAddressInfoTest, NothingOfALineIsLeftForTheNext)
+{
+    Put(kTable, "fe800000000000000000000000000001 03 40 20 80 eth1\n"
+                "20010db8000000000000000000000001 03 40 00 80\n");
+    EXPECT_FALSE(Read("eth1", 0));
+}
+
 TEST_F(Net6_GetAddressInfoTest, ALastLineWithoutNewlineIsAnEntry)
 {
     Put(kTable, "20010db8000000000000000000000001 03 40 00 80 eth1");
