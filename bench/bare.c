@@ -16,47 +16,47 @@
 
 static int control;
 
-static void put(struct sockaddr* place, const char* text)
+static void Put(struct sockaddr* place, const char* text)
 {
     struct sockaddr_in address = {.sin_family = AF_INET};
     inet_pton(AF_INET, text, &address.sin_addr);
     memcpy(place, &address, sizeof(address));
 }
 
-static void request(unsigned long code, struct ifreq* record)
+static void Request(unsigned long code, struct ifreq* record)
 {
     if (ioctl(control, code, record) < 0) perror("request");
 }
 
-static void bring_up(const char* card, const char* address)
+static void BringUp(const char* card, const char* address)
 {
     struct ifreq record;
     memset(&record, 0, sizeof(record));
     snprintf(record.ifr_name, sizeof(record.ifr_name), "%s", card);
-    request(SIOCGIFFLAGS, &record);
+    Request(SIOCGIFFLAGS, &record);
     record.ifr_flags |= IFF_UP;
-    request(SIOCSIFFLAGS, &record);
-    put(&record.ifr_addr, address);
-    request(SIOCSIFADDR, &record);
-    put(&record.ifr_netmask, "255.255.255.0");
-    request(SIOCSIFNETMASK, &record);
+    Request(SIOCSIFFLAGS, &record);
+    Put(&record.ifr_addr, address);
+    Request(SIOCSIFADDR, &record);
+    Put(&record.ifr_netmask, "255.255.255.0");
+    Request(SIOCSIFNETMASK, &record);
     record.ifr_mtu = 1500;
-    request(SIOCSIFMTU, &record);
+    Request(SIOCSIFMTU, &record);
 }
 
-static void route(unsigned long code, const char* net, const char* gateway, char* card)
+static void Route(unsigned long code, const char* net, const char* gateway, char* card)
 {
     struct rtentry record;
     memset(&record, 0, sizeof(record));
-    put(&record.rt_dst, net);
+    Put(&record.rt_dst, net);
     record.rt_flags = RTF_UP;
     record.rt_dev = card;
     if (gateway != NULL) {
-        put(&record.rt_gateway, gateway);
+        Put(&record.rt_gateway, gateway);
         record.rt_flags |= RTF_GATEWAY;
-        put(&record.rt_genmask, "0.0.0.0");
+        Put(&record.rt_genmask, "0.0.0.0");
     } else {
-        put(&record.rt_genmask, "255.255.255.0");
+        Put(&record.rt_genmask, "255.255.255.0");
     }
     if (ioctl(control, code, &record) < 0) perror("route");
 }
@@ -70,16 +70,16 @@ int main(int argc, char** argv)
     for (int i = 0; i < count; ++i) {
         snprintf(card, sizeof(card), "eth%d", i);
         snprintf(text, sizeof(text), "10.%d.0.2", i);
-        bring_up(card, text);
+        BringUp(card, text);
     }
     for (int pass = 0; pass < 2; ++pass) {
         for (int i = 0; i < count; ++i) {
             snprintf(card, sizeof(card), "eth%d", i);
             snprintf(text, sizeof(text), "10.%d.0.0", i);
-            route(pass == 0 ? SIOCDELRT : SIOCADDRT, text, NULL, card);
+            Route(pass == 0 ? SIOCDELRT : SIOCADDRT, text, NULL, card);
         }
     }
     snprintf(card, sizeof(card), "eth0");
-    route(SIOCADDRT, "0.0.0.0", "10.0.0.1", card);
+    Route(SIOCADDRT, "0.0.0.0", "10.0.0.1", card);
     return 0;
 }

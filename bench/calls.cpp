@@ -178,9 +178,11 @@ void Shell(const std::string& command)
 
 void MakeCards(int from, int count)
 {
+    // The far ends are another machine's: they lie in a namespace of their own.
+    if (from == 0) Shell("ip netns add peer");
     for (int card = from; card < count; ++card) {
         const std::string number = std::to_string(card);
-        Shell("ip link add eth" + number + " type veth peer name p" + number);
+        Shell("ip link add eth" + number + " type veth peer name p" + number + " netns peer");
     }
 }
 
