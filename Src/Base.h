@@ -151,6 +151,8 @@ bool CheckNetCardByDrvName(const char* name, const char* drvname);
 #ifdef __cplusplus
 }  // extern "C"
 
+#include "Support/NameList.h"
+
 #include <net/if.h>
 #include <pthread.h>
 
@@ -162,6 +164,9 @@ extern pthread_mutex_t upDownLock;  // NOLINT(bugprone-dynamic-static-initialize
 /// Entries of every array of interface names, and bytes of one.
 constexpr int kMaxInterfaces = 32;
 constexpr int kNameSize = IFNAMSIZ;
+
+/// The members of a bond or bridge.
+using MemberTable = NameTable<kMaxInterfaces, kNameSize>;
 
 /// `CheckEthExist` for one name. NULL gives false, silently.
 inline bool CardExists(const char* name)

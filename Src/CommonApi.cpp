@@ -2,6 +2,8 @@
 //   Routes: routes by text or by record, the default card and its route
 //   IPv4 operations: address, gateway, hardware address, link of one card
 //   Bonds: building and ending a bond, and putting a card's saved settings back
+//   Bridges: building and ending a bridge, its edge ports and spanning tree
+//   Interface list and MTU: what knows cards, bonds and bridges alike
 //
 // Each chapter has its own helpers directly above its operations and calls only operations of the
 // chapters before it.
@@ -11,6 +13,7 @@
 #include "Backup.h"
 #include "Base.h"
 #include "Bond.h"
+#include "Bridge.h"
 #include "Config.h"
 #include "Network.h"
 #include "Route.h"
@@ -627,11 +630,42 @@ namespace vorlix {
 
 namespace {
 
+constexpr unsigned kHighestBondMode = nicBondBalanceALB;
+constexpr auto kNoBondMode = static_cast<NICBondMode>(-1);
 constexpr unsigned kHighestBondMtu = 7200;
 constexpr int kFallBackMtu = 1500;
 
-using MemberTable = NameTable<kMaxInterfaces, kNameSize>;
 using AddressText = char[kIPv4TextSize];
+
+bool IsBondRunning(const char* bond)
+{
+    return Bond_GetBondMembers(bond, nullptr, nullptr);
+}
+
+/// Saves a card as a member of a bond, or of none for an empty name.
+void SaveBondOf(const char* card, const char* bond)
+{
+    const bool bonded = bond[0] != '\0';
+    (void)SetEthIsBondedByConfig(card, bonded);
+    (void)SetEthBondNameByConfig(card, bond);
+    (void)SetWorkModeByConfig(card, bonded ? netModeBond : netModeMultiple);
+}
+
+/// A running bond is never rebuilt: an active-backup one changes its primary, any other refuses.
+bool ChangePrimary(const char* bond, const char* card)
+{
+    NICBondMode mode = kNoBondMode;
+    if (!GetBondMode(bond, &mode) || mode != nicBondActiveBackup) {
+        LOG_ERROR_AS("Bond", "need unbond first.[%s]", bond);
+        return false;
+    }
+    if (!Bond_SetPrimary(bond, card)) {
+        LOG_ERROR_AS("Bond", "%s change primary to %s failed.", bond, card);
+        return false;
+    }
+    (void)SetPrimaryEthByConfig(bond, card);
+    return true;
+}
 
 // ---- the steps of a recovery; their lines carry the name of the whole
 
@@ -702,6 +736,32 @@ bool RecoverCard(const char* card)
 
 }  // namespace vorlix
 
+bool GetBondMode(const char* bondName, NICBondMode* mode)
+{
+    if (bondName == nullptr || mode == nullptr || !IsBondRunning(bondName)) return false;
+    if (GetBondModeByConfig(bondName, mode)) return true;
+
+    LOG_ERROR("get %s bondmode by config failed.", bondName);
+    return false;
+}
+
+bool BondHasMember(const char* bondName, const char* ethName)
+{
+    return bondName != nullptr && ethName != nullptr && Bond_HasMember(bondName, ethName);
+}
+
+bool GetBondActiveSlave(const char* bondName, char* ethName, int len)
+{
+    return bondName != nullptr && ethName != nullptr && Bond_GetActiveSlave(bondName, ethName, len);
+}
+
+bool GetBondMembers(const char* bondName, char** ethList, int* ethNum)
+{
+    if (ethList == nullptr || ethNum == nullptr || !CardExists(bondName)) return false;
+
+    return Bond_GetBondMembers(bondName, ethList, ethNum);
+}
+
 bool SetMtubyBondName(const char* bondName, const int mtu)
 {
     if (bondName == nullptr) return false;
@@ -732,4 +792,474 @@ bool SetMtubyBondName(const char* bondName, const int mtu)
 bool NetCardRecover(const char* name)
 {
     return name != nullptr && RecoverCard(name);
+}
+
+bool Bond(const char* bondName, const char** ethList, const int ethNum, NICBondMode mode)
+{
+    if (bondName == nullptr || ethList == nullptr) return false;
+    if (static_cast<unsigned>(mode) > kHighestBondMode) {
+        LOG_ERROR("invalided param, mode: %d\n", static_cast<int>(mode));
+        return false;
+    }
+    if (!Contains(bondName, "bond")) {
+        LOG_ERROR("bond net card is not valid.[%s]", bondName);
+        return false;
+    }
+    if (Contains(bondName, ".") || !CardExists(bondName)) return false;
+    if (!CheckEthExist(ethList, ethNum)) return false;
+    if (IsBondRunning(bondName)) return ChangePrimary(bondName, ethList[0]);
+    if (!Bond_SetBondMode(bondName, mode)) return false;
+
+    const NameList members(ethList, ethNum);
+    if (!Bond_Bond(bondName, ethList, ethNum)) {
+        for (const char* member : members) {
+            (void)NetCardRecover(member);
+            LOG_ERROR("Bond [%s] failed, do recover for [%s].", bondName, member);
+        }
+        return false;
+    }
+    for (const char* member : members) SaveBondOf(member, bondName);
+    (void)SetBondModeByConfig(bondName, mode);
+    (void)SetBondMemberByConfig(bondName, ethList, ethNum);
+    (void)NetCardRecover(bondName);
+    return true;
+}
+
+bool UnBond(const char* bondName)
+{
+    if (bondName == nullptr || !Contains(bondName, "bond") || !CardExists(bondName)) return false;
+
+    MemberTable table;
+    int count = kMaxInterfaces;
+    if (!Bond_GetBondMembers(bondName, table.Pointers(), &count)) {
+        LOG_ERROR("get %s member failed.", bondName);
+        return false;
+    }
+    if (!Bond_Unbond(bondName, const_cast<const char**>(table.Pointers()), count)) {
+        LOG_ERROR("unbond failed");
+        return false;
+    }
+    const char* none = "";
+    (void)SetBondModeByConfig(bondName, kNoBondMode);
+    (void)SetBondMemberByConfig(bondName, &none, 1);
+    for (const char* member : table.First(count)) {
+        SaveBondOf(member, none);
+        (void)NetCardRecover(member);
+    }
+    return true;
+}
+
+bool SetBondHashPolicy(const char* bondName, unsigned char lacp)
+{
+    if (bondName == nullptr) return false;
+    if (!Contains(bondName, "bond")) {
+        LOG_WARN("bond net card is not valid.[%s]", bondName);
+        return false;
+    }
+    if (!CardExists(bondName)) return false;
+
+    (void)Net_InterfaceDown(bondName);  // the driver refuses a policy while the bond is up
+    const bool done = Bond_SetHashPolicy(bondName, lacp);
+    (void)Net_InterfaceUp(bondName);
+    if (done) (void)SetBondHashPolicyByConfig(bondName, lacp);
+    return done;
+}
+
+bool GetBondHashPolicy(const char* bondName, unsigned char* lacp)
+{
+    return lacp != nullptr && CardExists(bondName) && GetBondHashPolicyByConfig(bondName, lacp);
+}
+
+// ==== Bridges ====
+
+namespace vorlix {
+
+namespace {
+
+// ---- the bridge over the internal virtual cards
+
+constexpr char kInternalBridge[] = "nbp0";
+constexpr char kInternalAddress[] = "10.201.156.254";
+constexpr char kInternalMask[] = "255.255.254.0";
+constexpr int kInternalMtu = 65535;
+
+/// Lists the virtual cards. Only the first of them is looked at.
+bool Bridge_needBridgeByInterNic(MemberTable& cards, int* count)
+{
+    if (!GetVnicInterfaceInfo(cards.Names(), count)) {
+        LOG_WARN("get vnic interface failed");
+        return false;
+    }
+    if (*count < 1 || *count > kMaxInterfaces) {
+        LOG_WARN("get vnic interface num(%d) err", *count);
+        return false;
+    }
+    const char* first = cards.Names()[0];
+    if (IsVirtPcie(first) && !InterfaceIpIsExist(first)) return true;
+
+    LOG_WARN("get %s interface check err", first);
+    return false;
+}
+
+void SetInternalAddress(const char* bridge)
+{
+    (void)SetMtuByConfig(bridge, kInternalMtu);
+    (void)SetIPByConfig(bridge, kInternalAddress, kInternalMask);
+    if (NetSetIPByName(bridge, kInternalAddress, kInternalMask)) return;
+
+    LOG_WARN_AS("BridgeByInterNic", "set %s's IP: %s, MASK: %s failed", bridge, kInternalAddress,
+                kInternalMask);
+}
+
+// ---- members
+
+bool IsBridgeName(const char* name)
+{
+    return StartsWith(name, "br") && IsDigit(name[2]);
+}
+
+/// The bridge operations take names that they do not write.
+bool SaveMembers(const char* bridge, char** members, int count)
+{
+    return SetBridgeMemberByConfig(bridge, const_cast<const char**>(members), count);
+}
+
+/// Saves a card as a member of a bridge, or of none for an empty name.
+void SaveBridgeOf(const char* card, const char* bridge)
+{
+    const bool bridged = bridge[0] != '\0';
+    (void)SetEthIsBridgedByConfig(card, bridged);
+    (void)SetEthBridgeNameByConfig(card, bridge);
+    (void)SetWorkModeByConfig(card, bridged ? netModeBridge : netModeMultiple);
+}
+
+/// Ends a bridge and saves it without members. Lists those it had.
+bool EndBridge(const char* operation, const char* bridge, MemberTable& members, int* count)
+{
+    if (bridge == nullptr || !Bridge_IsBridgeExist(bridge)) return false;
+    if (!Bridge_GetBridgeMembers(bridge, members.Pointers(), count)) {
+        LOG_ERROR_AS(operation, "get %s bridge menber failed.", bridge);
+        return false;
+    }
+    if (!Bridge_UnBridge(bridge, members.Pointers(), *count)) {
+        LOG_ERROR_AS(operation, "UnBridge failed.[%s]", bridge);
+        return false;
+    }
+    const char* none = "";
+    (void)SetBridgeMemberByConfig(bridge, &none, 1);
+    return true;
+}
+
+bool IsPortOf(const char* operation, const char* bridge, const char* port)
+{
+    if (bridge == nullptr || port == nullptr || !Bridge_IsBridgeExist(bridge)) return false;
+
+    MemberTable table;
+    int count = kMaxInterfaces;
+    if (!Bridge_GetBridgeMembers(bridge, table.Pointers(), &count)) return false;
+    for (const char* member : table.First(count)) {
+        if (Equal(member, port)) return true;
+    }
+    LOG_ERROR_AS(operation, "%s is not a membe of %s.", port, bridge);
+    return false;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool BridgeCheckExist(const char* brName)
+{
+    return brName != nullptr && Bridge_IsBridgeExist(brName);
+}
+
+bool BridgeByInterNic(const char* brName)
+{
+    char bridge[kNameSize];
+    CopyText(bridge, brName == nullptr ? kInternalBridge : brName);
+    if (Bridge_IsBridgeExist(bridge)) return false;
+
+    MemberTable cards;
+    int count = kMaxInterfaces;
+    if (!Bridge_needBridgeByInterNic(cards, &count)) return false;
+    if (!Bridge_Bridge(bridge, cards.Pointers(), count)) {
+        LOG_ERROR("Bridge failed.[%s]", bridge);
+        return false;
+    }
+    (void)Net_SetMtubyName(bridge, kInternalMtu);
+    (void)SaveMembers(bridge, cards.Pointers(), count);
+    if (!RecoverCard(bridge)) SetInternalAddress(bridge);  // a saved address wins
+    return true;
+}
+
+bool Bridge(const char* brName, char** ethList, int ethNum)
+{
+    if (brName == nullptr || ethList == nullptr) return false;
+    if (!IsBridgeName(brName)) {
+        LOG_ERROR("Bridge name error.[%s]", brName);
+        return false;
+    }
+    if (!CheckEthExist(const_cast<const char**>(ethList), ethNum)) return false;
+    if (!Bridge_Bridge(brName, ethList, ethNum)) {
+        LOG_ERROR("Bridge failed.[%s]", brName);
+        return false;
+    }
+    (void)SaveMembers(brName, ethList, ethNum);
+    for (const char* member : NameList(ethList, ethNum)) SaveBridgeOf(member, brName);
+    (void)NetCardRecover(brName);
+    return true;
+}
+
+bool UnBridgeByInterNic(const char* brName)
+{
+    MemberTable cards;
+    int count = kMaxInterfaces;
+    return EndBridge(__func__, brName, cards, &count);
+}
+
+bool UnBridge(const char* brName)
+{
+    MemberTable table;
+    int count = kMaxInterfaces;
+    if (!EndBridge(__func__, brName, table, &count)) return false;
+
+    for (const char* member : table.First(count)) {
+        SaveBridgeOf(member, "");
+        (void)NetCardRecover(member);
+    }
+    return true;
+}
+
+bool GetBridgeMenbers(const char* brName, char** ethList, int* ethNum)
+{
+    if (brName == nullptr || ethList == nullptr || ethNum == nullptr) return false;
+
+    return Bridge_IsBridgeExist(brName) && Bridge_GetBridgeMembers(brName, ethList, ethNum);
+}
+
+bool BridgeAddEdgePort(const char* brName, const char* ethName)
+{
+    if (!IsPortOf(__func__, brName, ethName)) return false;
+    if (!Bridge_AddEdgePort(brName, ethName)) {
+        LOG_ERROR("can not set %s to %s's edge port.", ethName, brName);
+        return false;
+    }
+    (void)AddEdgePortByconfig(brName, ethName);
+    return true;
+}
+
+bool BridgeDelEdgePort(const char* brName, const char* ethName)
+{
+    if (!IsPortOf(__func__, brName, ethName)) return false;
+    if (!Bridge_DelEdgePort(brName, ethName)) {
+        LOG_ERROR("can not del %s from %s's edge port.", ethName, brName);
+        return false;
+    }
+    (void)DelEdgePortByconfig(brName, ethName);
+    return true;
+}
+
+bool BridgeIsEdgePort(const char* brName, const char* ethName)
+{
+    if (brName == nullptr || ethName == nullptr) return false;
+
+    return Bridge_IsBridgeExist(brName) && IsEdgePortByconfig(brName, ethName);
+}
+
+bool BridgeControl(const char* brName, const STPInfo* stp)
+{
+    if (brName == nullptr || stp == nullptr || !Bridge_IsBridgeExist(brName)) return false;
+    if (!Bridge_BridgeCtrl(brName, stp)) {
+        LOG_ERROR("%s Bridge_BridgeCtrl error.", brName);
+        return false;
+    }
+    (void)SetBridgeStpModeByConfig(brName, stp->mode);
+    return true;
+}
+
+bool BridgeGetStpInfo(const char* brName, STPInfo* stp)
+{
+    if (brName == nullptr || stp == nullptr || !Bridge_IsBridgeExist(brName)) return false;
+
+    return GetBridgeStpModeByConfig(brName, &stp->mode);
+}
+
+bool BridgeUpdatePortListByConfig(const char* brName, const char** portList, int num)
+{
+    if (portList == nullptr || num == 0 || brName == nullptr) return false;
+
+    return Bridge_IsBridgeExist(brName) && SetBridgePortListByConfig(brName, portList, num);
+}
+
+bool BridgeUpdateBrIDByConfig(const char* brName)
+{
+    return brName != nullptr && Bridge_IsBridgeExist(brName) && SetBridgeIDByConfig(brName);
+}
+
+// ==== Interface list and MTU ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr int kReplacementMtu = 1500;  // for a negative one
+constexpr int kMembersAsked = 16;
+constexpr size_t kMemberNameSize = 32;
+
+/// What an interface counts as whose name holds `part`.
+struct Kind {
+    const char* part;
+    bool valid;
+    NetInterfaceMedia media;
+    int type : 8;  // a NetWorkMode value, as wide as where it goes
+};
+
+constexpr Kind kWireless = {"wlan", false, NetInterfaceWireless, netModeMultiple};
+constexpr Kind kUnknown = {"", true, NetInterfaceWired, netModeMultiple};
+
+/// The first kind whose part the name holds counts; cards with "eth" or "poe" go before all.
+constexpr Kind kKinds[] = {
+    kWireless,
+    {"bond", true, NetInterfaceWired, netModeBond},
+    {"br", true, NetInterfaceWired, netModeBridge},
+    {"ppp", true, NetInterfaceWireless, netModeMultiple},
+    {"lte", true, NetInterfaceWireless, netModeMultiple},
+    {"usb", true, NetInterfaceWireless, netModeMultiple},
+    {"apra", false, NetInterfaceWireless, netModeMultiple},
+};
+
+bool SupportsOneOf(const ethtool_cmd& settings, uint32_t modes)
+{
+    return (settings.supported & modes) != 0;
+}
+
+bool IsFibre(const ethtool_cmd& settings)
+{
+    return settings.port == PORT_FIBRE ||
+           (settings.port == PORT_OTHER && SupportsOneOf(settings, SUPPORTED_FIBRE));
+}
+
+int TopSpeed(const ethtool_cmd& settings)
+{
+    if (SupportsOneOf(settings, SUPPORTED_10000baseT_Full)) return 10000;
+    if (SupportsOneOf(settings, SUPPORTED_1000baseT_Half | SUPPORTED_1000baseT_Full)) return 1000;
+    if (SupportsOneOf(settings, SUPPORTED_100baseT_Half | SUPPORTED_100baseT_Full)) return 100;
+    if (SupportsOneOf(settings, SUPPORTED_10baseT_Half | SUPPORTED_10baseT_Full)) return 10;
+    return 0;
+}
+
+void SetKind(NetInterfaceInfo* entry, const Kind& kind)
+{
+    entry->valid = kind.valid ? 1 : 0;
+    entry->media = kind.media;
+    entry->type = kind.type;
+}
+
+/// A card with a driver to ask. One that does not answer stays in the list with zeros.
+void DescribeCard(NetInterfaceInfo* entry)
+{
+    const char* name = entry->name;
+    ethtool_cmd settings{};
+    if (!Net_GetEthtoolInfo(name, &settings)) {
+        LOG_WARN_AS("NetGetAllInterface", "get %s ethtool info error", name);
+    }
+    entry->valid = 1;
+    entry->media = IsFibre(settings) ? NetInterfaceFiber : NetInterfaceWired;
+    entry->type = isSwitchByName(name) == 1 ? netModeSwitch : netModeMultiple;
+    entry->reserved[0] = TopSpeed(settings);
+    (void)Net_GetLinkSpeed(name, &entry->speed);
+    entry->usage = Net_GetUsage(name);
+}
+
+const Kind& KindOf(const char* name)
+{
+    for (const Kind& kind : kKinds) {
+        if (Contains(name, kind.part)) return kind;
+    }
+    LOG_ERROR_AS("NetGetAllInterface", "network card %s can not recognize", name);
+    return kUnknown;
+}
+
+bool IsWirelessCard(const char* name)
+{
+    return Equal(name, "eth2") && NetCardIsWifi(name, nullptr);
+}
+
+void Describe(NetInterfaceInfo* entry)
+{
+    const char* name = entry->name;
+    if (Contains(name, "eth") || Contains(name, "poe")) {
+        if (IsWirelessCard(name)) {
+            SetKind(entry, kWireless);
+        } else {
+            DescribeCard(entry);
+        }
+        return;
+    }
+    const Kind& kind = KindOf(name);
+    SetKind(entry, kind);
+    if (kind.type == netModeMultiple) return;
+
+    // A bond or bridge has the medium of its members.
+    const bool isBridge = kind.type == netModeBridge;
+    entry->media = static_cast<NetInterfaceMedia>(NetGetBondOrBrCardTransmedia(name, isBridge));
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool NetSetMtubyName(const char* name, const int mtu)
+{
+    if (!CardExists(name)) return false;
+
+    int wanted = mtu;
+    if (mtu < 0) {
+        LOG_WARN(" mtu can not be set to %d", mtu);
+        wanted = kReplacementMtu;
+    }
+    char defaultCard[kNameSize] = {};
+    (void)NetGetDefEth(defaultCard, sizeof(defaultCard));
+    const bool done =
+        Contains(name, "bond") ? SetMtubyBondName(name, wanted) : Net_SetMtubyName(name, wanted);
+    (void)NetSetDefEth(defaultCard);  // the card's routes went with its flags
+    if (done) (void)SetMtuByConfig(name, wanted);
+    return done;
+}
+
+bool NetGetAllInterface(NetInterfaceInfo* list, int32_t* num)
+{
+    if (list == nullptr || num == nullptr) return false;
+
+    char names[kMaxInterfaces][kNameSize];
+    int listed = kMaxInterfaces;
+    if (!GetAllInterfaceInfo(names, &listed)) return false;
+
+    const int capacity = std::max(*num, 0);
+    memset(list, 0, static_cast<size_t>(capacity) * sizeof(*list));
+    const int count = std::min(listed, capacity);
+    for (int i = 0; i < count; ++i) {
+        CopyText(list[i].name, names[i]);
+        Describe(&list[i]);
+    }
+    *num = count;
+    return true;
+}
+
+int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr)
+{
+    if (ifname == nullptr || ifname[0] == '\0') return NetInterfaceWired;
+
+    NameTable<kMembersAsked, kMemberNameSize> table;
+    int count = kMembersAsked;
+    const auto getMembers = isBr ? Bridge_GetBridgeMembers : Bond_GetBondMembers;
+    if (!getMembers(ifname, table.Pointers(), &count)) return NetInterfaceWired;
+
+    for (const char* member : table.First(count)) {
+        ethtool_cmd settings{};
+        if (Net_GetEthtoolInfo(member, &settings) && settings.port == PORT_FIBRE) {
+            return NetInterfaceFiber;
+        }
+    }
+    return NetInterfaceWired;
 }

@@ -7,6 +7,8 @@
 ///   Routes: routes by text or by record, the default card and its route
 ///   IPv4 operations: address, gateway, hardware address, link of one card
 ///   Bonds: building and ending a bond, and putting a card's saved settings back
+///   Bridges: building and ending a bridge, its edge ports and spanning tree
+///   Interface list and MTU: what knows cards, bonds and bridges alike
 
 #include "Types.h"
 
@@ -194,6 +196,24 @@ VORLIX_API bool NetMiiDiag(const char* name, bool bcheckSlaves);
 // Saved settings change only after the driver has done its part. Nothing is atomic: callers keep
 // changes of one bond apart.
 
+/// Tells the saved mode of a bond that runs. The driver's is never asked.
+/// @errors  no bond, no saved mode: Error
+VORLIX_API bool GetBondMode(const char* bondName, NICBondMode* mode);
+
+/// `Bond_HasMember`.
+VORLIX_API bool BondHasMember(const char* bondName, const char* ethName);
+
+/// `Bond_GetActiveSlave`.
+///
+/// @param ethName  `len` bytes; the name may end in a newline
+VORLIX_API bool GetBondActiveSlave(const char* bondName, char* ethName, int len);
+
+/// `Bond_GetBondMembers` of a bond whose device exists.
+///
+/// @param ethList  `*ethNum` pointers to 16 bytes each
+/// @param ethNum   capacity on entry, number of members on return
+VORLIX_API bool GetBondMembers(const char* bondName, char** ethList, int* ethNum);
+
 /// Sets the MTU of a running bond, with the bond and its members taken down for it. Nothing is
 /// saved.
 ///
@@ -209,6 +229,125 @@ VORLIX_API bool SetMtubyBondName(const char* bondName, const int mtu);
 /// @return whether an address and a mask were found; what the kernel said to them plays no part
 /// @errors a source that fails: Warn when another follows, else Error; a refusal: Error
 VORLIX_API bool NetCardRecover(const char* name);
+
+/// Builds a bond from cards and saves it; the bond takes address, gateway and MTU from its own
+/// setting file. When the bond runs already and its saved mode is active-backup, the first card
+/// becomes its primary instead, and list and `mode` play no other part.
+///
+/// @param bondName  holds "bond" and no "."
+/// @param ethList   `ethNum` cards; the first is read even when there are none
+/// @return true when the driver's part was done; false with nothing saved, and with the cards
+///         recovered when they could not be joined
+/// @errors  mode outside 0 to 6, another name, a bond that must be ended first, a primary or a
+///          joining that fails: Error
+VORLIX_API bool Bond(const char* bondName, const char** ethList, const int ethNum,
+                     NICBondMode mode);
+
+/// Ends a bond, saves that, and recovers each member it had. Its own settings stay saved.
+///
+/// @param bondName  holds "bond"
+/// @errors  members that cannot be read, a driver that cannot be asked: Error, with nothing saved
+VORLIX_API bool UnBond(const char* bondName);
+
+/// Sets the transmit hash policy, with the bond taken down for it, and saves it.
+///
+/// @param bondName  holds "bond"; another name: Warn
+/// @return result of the driver; false with nothing saved
+VORLIX_API bool SetBondHashPolicy(const char* bondName, unsigned char lacp);
+
+/// Tells the saved hash policy. The driver is never asked.
+VORLIX_API bool GetBondHashPolicy(const char* bondName, unsigned char* lacp);
+
+// ==== Bridges ====
+//
+// Saved settings change only after the tools have been run. A bridge that must exist and does not
+// gives false, with the Error of `Bridge_IsBridgeExist`.
+
+/// `Bridge_IsBridgeExist`.
+VORLIX_API bool BridgeCheckExist(const char* brName);
+
+/// Builds the bridge over the internal virtual cards, when it does not exist and is needed: when
+/// there are such cards and the first of them has no address of its own. It gets its saved address,
+/// or else a fixed one, which is then saved.
+///
+/// @param brName  at most 15 characters count; NULL means "nbp0"
+/// @return true when the bridge was built, whether its address could be set or not
+/// @errors  not needed, an address that cannot be set: Warn; a failed building: Error
+VORLIX_API bool BridgeByInterNic(const char* brName);
+
+/// Builds a bridge from cards and saves it; the bridge takes address, gateway and MTU from its own
+/// setting file. A bridge that exists already takes the same steps.
+///
+/// @param brName   "br" and a digit, and whatever follows
+/// @param ethList  `ethNum` cards, not written to
+/// @return true when the tools were run
+/// @errors  another name, a failed building: Error, with nothing saved and no card recovered
+VORLIX_API bool Bridge(const char* brName, char** ethList, int ethNum);
+
+/// Ends the bridge over the internal virtual cards. What is saved of the cards stays.
+/// @errors  as for `UnBridge`
+VORLIX_API bool UnBridgeByInterNic(const char* brName);
+
+/// Ends a bridge, saves that, and recovers each card it had.
+/// @errors  members that cannot be read, tools that cannot be run: Error, with nothing saved
+VORLIX_API bool UnBridge(const char* brName);
+
+/// `Bridge_GetBridgeMembers` of a bridge that exists.
+///
+/// @param ethList  `*ethNum` pointers to 16 bytes each
+/// @param ethNum   capacity on entry, number of members on return
+VORLIX_API bool GetBridgeMenbers(const char* brName, char** ethList, int* ethNum);
+
+/// Marks a member of a bridge as edge port and saves that.
+/// @errors  no member, a tool that cannot be run: Error, with nothing saved
+VORLIX_API bool BridgeAddEdgePort(const char* brName, const char* ethName);
+
+/// Takes the mark of an edge port off a member of a bridge and saves that.
+/// @errors  as for `BridgeAddEdgePort`
+VORLIX_API bool BridgeDelEdgePort(const char* brName, const char* ethName);
+
+/// True when a card is saved as an edge port of a bridge that exists. No tool is asked.
+VORLIX_API bool BridgeIsEdgePort(const char* brName, const char* ethName);
+
+/// Turns the spanning tree of a bridge on or off and saves its mode. That it is on or off is not
+/// saved.
+/// @errors  a mode that is not supported, a tool that cannot be run: Error
+VORLIX_API bool BridgeControl(const char* brName, const STPInfo* stp);
+
+/// Tells the saved spanning-tree mode of a bridge that exists.
+///
+/// @param stp  `mode` is written; `enable` and the rest are left as they are
+VORLIX_API bool BridgeGetStpInfo(const char* brName, STPInfo* stp);
+
+/// Saves the ports of a bridge that exists.
+/// @return false for no ports, otherwise the result of the saving
+VORLIX_API bool BridgeUpdatePortListByConfig(const char* brName, const char** portList, int num);
+
+/// Saves the identification of a bridge that exists.
+VORLIX_API bool BridgeUpdateBrIDByConfig(const char* brName);
+
+// ==== Interface list and MTU ====
+
+/// Sets the MTU of a card or bond in the kernel and then saves it. Cards go down and up for it, so
+/// the default card and its route are set again afterwards.
+///
+/// @param mtu  negative: Warn, and 1500 is set
+/// @return result of the kernel
+VORLIX_API bool NetSetMtubyName(const char* name, const int mtu);
+
+/// Lists the interfaces of the device with medium, type and speed.
+///
+/// @param list  `*num` records, all cleared first
+/// @param num   capacity on entry, below 1 counts as none; number of records on return
+/// @errors  a card whose driver cannot be asked: Warn; a kind that is not known: Error; both stay
+///          in the list
+VORLIX_API bool NetGetAllInterface(NetInterfaceInfo* list, int32_t* num);
+
+/// Tells the medium of a bond or bridge: fibre when one of its first 16 members is fibre.
+///
+/// @param isBr  a bridge, otherwise a bond
+/// @return 2 for fibre, 0 for everything else
+VORLIX_API int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr);
 
 #ifdef __cplusplus
 }  // extern "C"

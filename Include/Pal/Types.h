@@ -69,6 +69,15 @@ typedef VORLIX_ENUM(NetMediumPrefer) {
     netMediumPreferMax = 255
 } NetMediumPrefer;
 
+/** Transmission medium of an interface. */
+typedef VORLIX_ENUM(NetInterfaceMedia) {
+    NetInterfaceWired = 0,
+    NetInterfaceWireless = 1,
+    NetInterfaceFiber = 2,
+    NetInterfaceFiberRJ45 = 3,
+    NetInterfaceNr = 4
+} NetInterfaceMedia;
+
 /* clang-format on */
 /* ---- records; the comment in front of a field is its offset in bytes ---- */
 
@@ -123,6 +132,26 @@ typedef struct STPInfo {
     /* 1 */ uint8_t mode; /**< 0 kernel spanning tree, 1 rapid spanning tree; others are refused */
     /* 2 */ char reserved[62];
 } STPInfo;
+
+/**
+ * One interface as the device shows it; size 128, alignment 4. Behind a bit-field's offset stands
+ * its first bit.
+ */
+__extension__ typedef struct NetInterfaceInfo {
+    /* 0 */ char name[32];    /**< at most 31 characters */
+    /* 32.0 */ int valid : 8; /**< 1 or 0: whether it is a card of its own */
+    /* 33.0 */ NetInterfaceMedia media : 8;
+    /* 34.0 */ int type : 8;         /**< a NetWorkMode value */
+    /* 35.0 */ NICBondMode bond : 8; /**< left 0 in a list */
+    /* 36 */ int speed;              /**< now, in Mbit/s */
+    /* 40.0 */ int working : 8;      /**< left 0 in a list */
+    /* 41.0 */ int hasWps : 8;       /**< left 0 in a list */
+    /* 42.0 */ int longPOE : 8;      /**< left 0 in a list */
+    /* 43.0 */ int reserved_bits : 8;
+    /* 44 */ int stpcap;       /**< left 0 in a list */
+    /* 48 */ int usage;        /**< a NetDeviceUsage value */
+    /* 52 */ int reserved[19]; /**< [0]: top speed that the card supports, in Mbit/s */
+} NetInterfaceInfo;
 
 #ifdef __cplusplus
 }

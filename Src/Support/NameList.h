@@ -28,6 +28,7 @@ public:
     NameTable(const NameTable&) = delete;
     NameTable& operator=(const NameTable&) = delete;
 
+    auto Names() -> char (*)[kSize] { return names_; }
     char** Pointers() { return pointers_; }
     NameList First(int count) const { return {pointers_, count}; }
 
