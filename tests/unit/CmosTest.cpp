@@ -343,6 +343,62 @@ TEST_F(WriteToCmosTest, FailedWriteIsSilent)
     EXPECT_EQ(Image(), Image(kZeroRecord));
 }
 
+// ---- whoever comes first
+
+struct FirstUse {
+    const char* name;
+    void (*run)();
+};
+
+void PrintTo(const FirstUse& use, std::ostream* out)
+{
+    *out << use.name;
+}
+
+class FirstUseTest : public RecorderTest, public testing::WithParamInterface<FirstUse> {};
+
+char eth0[] = "eth0";
+char text[16];
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, FirstUseTest,
+    testing::Values(FirstUse{"BackupIP", [] { (void)BackupIP(nullptr, nullptr); }},
+                    FirstUse{"RestoreIP", [] { (void)RestoreIP("eth1", text); }},
+                    FirstUse{"BackupMask", [] { (void)BackupMask("eth0", "bad"); }},
+                    FirstUse{"RestoreMask", [] { (void)RestoreMask("eth0", nullptr); }},
+                    FirstUse{"BackupGateway", [] { (void)BackupGateway("eth0", "10.0.0.1"); }},
+                    FirstUse{"RestoreGateway", [] { (void)RestoreGateway("eth0", text); }},
+                    FirstUse{"BackupMode", [] { (void)BackupMode(eth0, 'x'); }},
+                    FirstUse{"RestoreMode", [] { (void)RestoreMode(eth0, nullptr); }},
+                    FirstUse{"BackupPrio", [] { (void)BackupPrio(nullptr, 1); }},
+                    FirstUse{"RestorePrio", [] { (void)RestorePrio(nullptr, text); }},
+                    FirstUse{"GetCmosResetMark", [] { (void)GetCmosResetMark(); }},
+                    FirstUse{"SetCmosResetMark", [] { (void)SetCmosResetMark(0); }},
+                    FirstUse{"setBeenResetFlag", [] { (void)setBeenResetFlag(); }},
+                    FirstUse{"GetSramMark", [] { (void)GetSramMark(); }},
+                    FirstUse{"GetRTCMark", [] { (void)GetRTCMark(); }},
+                    FirstUse{"SetSramMark", [] { (void)SetSramMark(0); }},
+                    FirstUse{"SetRTCMark", [] { (void)SetRTCMark(0); }},
+                    FirstUse{"CheckBeenReset", [] { (void)CheckBeenReset(); }},
+                    FirstUse{"NetCheckBeenReset", [] { (void)NetCheckBeenReset(); }},
+                    FirstUse{"CheckCrc", [] { (void)CheckCrc(); }},
+                    FirstUse{"RestBackup", [] { (void)RestBackup(); }},
+                    FirstUse{"setCmosVerifyFlag", [] { (void)setCmosVerifyFlag(); }}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_P(FirstUseTest, DecidesWhatTheDeviceIsBeforeAnythingElseAndOnce)
+{
+    const Texts decision = {"access /dev/pdcSramFile", "access /dev/pdcRtc", "CMOSGetCaps"};
+    GetParam().run();
+    const Texts trace = Trace();
+    ASSERT_GE(trace.size(), decision.size());
+    EXPECT_EQ(Texts(trace.begin(), trace.begin() + 3), decision);
+
+    ClearTrace();
+    GetParam().run();
+    EXPECT_EQ(TraceOf({"access", "CMOSGetCaps"}), Texts{});
+}
+
 // ---- for applications
 
 class CmosForwardTest : public RecorderTest {};
