@@ -202,6 +202,8 @@ bool Bond_Bond(const char* bondName, const char** ethList, int ethNum)
     if (bondName == nullptr || ethList == nullptr) return false;
 
     const NameList members(ethList, ethNum);
+    if (members.HoldsNull()) return false;
+
     for (const char* member : members) (void)RunCommand("ifconfig %s down", member);
     for (const char* member : members) (void)RunCommand("ifconfig %s 0.0.0.0 up", member);
     if (!InterfaceUp(bondName)) return false;
@@ -215,9 +217,12 @@ bool Bond_Unbond(const char* bondName, const char** ethList, int32_t ethNum)
 {
     if (bondName == nullptr || ethList == nullptr) return false;
 
+    const NameList members(ethList, ethNum);
+    if (members.HoldsNull()) return false;
+
     Command command;
     FormatText(command, sizeof(command), "ifenslave -d %s", bondName);
-    if (!AppendMembers(__func__, command, NameList(ethList, ethNum))) return false;
+    if (!AppendMembers(__func__, command, members)) return false;
 
     (void)VorlixRunCmd(command);
     (void)RunCommand("ifconfig %s 0.0.0.0 down", bondName);

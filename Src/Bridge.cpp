@@ -103,6 +103,8 @@ bool Bridge_Bridge(const char* brName, char** ethList, int ethNum)
     if (brName == nullptr || ethList == nullptr) return false;
 
     const NameList members(ethList, ethNum);
+    if (members.HoldsNull()) return false;
+
     (void)RunLogged("brctl addbr %s", brName);
     for (const char* const& member : members) {
         (void)RunLogged("brctl addif %s %s", brName, member);
@@ -117,10 +119,11 @@ bool Bridge_UnBridge(const char* brName, char** ethList, int ethNum)
 {
     if (brName == nullptr || ethList == nullptr) return false;
 
+    const NameList members(ethList, ethNum);
+    if (members.HoldsNull()) return false;
+
     (void)RunCommand("ifconfig %s down", brName);
-    for (const char* member : NameList(ethList, ethNum)) {
-        (void)RunCommand("brctl delif %s %s", brName, member);
-    }
+    for (const char* member : members) (void)RunCommand("brctl delif %s %s", brName, member);
     (void)RunCommand("brctl stp %s off", brName);
     return RunCommand("brctl delbr %s", brName);
 }

@@ -203,11 +203,6 @@ bool HoldsKey(int file, KEYENUM key)
     return false;
 }
 
-bool HoldsNull(const NameList& names)
-{
-    return std::find(names.begin(), names.end(), nullptr) != names.end();
-}
-
 bool ReadNames(const char* name, const MemberList& list, char** members, int* num)
 {
     if (members == nullptr || num == nullptr) return false;
@@ -234,7 +229,7 @@ bool ReadNames(const char* name, const MemberList& list, char** members, int* nu
 bool WriteNames(const char* operation, const char* name, const MemberList& list,
                 const char** members, int num)
 {
-    if (name == nullptr || members == nullptr || HoldsNull({members, num})) return false;
+    if (name == nullptr || members == nullptr || NameList(members, num).HoldsNull()) return false;
 
     char text[kListSize] = {};
     size_t length = 0;  // of all names, with a comma behind each
@@ -647,7 +642,7 @@ bool SetBridgeIDByConfig(const char* brName)
 bool SetBridgePortListByConfig(const char* brName, const char** slaves, int slavesNum)
 {
     if (brName == nullptr || slaves == nullptr || slavesNum == 0) return false;
-    if (HoldsNull({slaves, slavesNum})) return false;
+    if (NameList(slaves, slavesNum).HoldsNull()) return false;
 
     char text[kListSize] = {};
     for (const char* slave : NameList(slaves, slavesNum)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 namespace vorlix {
@@ -11,6 +12,7 @@ public:
 
     const char* const* begin() const { return names_; }
     const char* const* end() const { return names_ + count_; }
+    bool HoldsNull() const { return std::find(begin(), end(), nullptr) != end(); }
 
 private:
     const char* const* names_;

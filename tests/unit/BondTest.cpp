@@ -1,5 +1,6 @@
 #include "Bond.h"
 
+#include "MemberNames.h"
 #include "fake/World.h"
 
 #include <net/if.h>
@@ -7,7 +8,6 @@
 #include <cstring>
 
 using namespace fake;
-using Lines = std::vector<std::string>;
 using namespace std::string_literals;
 
 namespace {
@@ -41,21 +41,6 @@ Lines Touched()
     return TraceOf({"open", "write", "close", "socket", "ioctl", "vfork"});
 }
 
-/// Members in the form the operations take.
-class Members {
-public:
-    explicit Members(Lines names) : names_(std::move(names))
-    {
-        for (const std::string& name : names_) pointers_.push_back(name.c_str());
-    }
-    const char** Get() { return pointers_.data(); }
-    int Count() const { return static_cast<int>(names_.size()); }
-
-private:
-    Lines names_;
-    std::vector<const char*> pointers_;
-};
-
 /// 15 names of 15 characters: with the 15 characters of "ifenslave bond0" they fill a command.
 Lines LongNames()
 {
@@ -70,17 +55,6 @@ std::string Joined(const std::string& start, const Lines& names)
     for (const std::string& name : names) text += " " + name;
     return text;
 }
-
-/// Buffers for member names, and the pointers to them.
-struct Table {
-    Table()
-    {
-        memset(names, '#', sizeof(names));
-        for (int i = 0; i < 32; ++i) pointers[i] = names[i];
-    }
-    char names[32][16];
-    char* pointers[32];
-};
 
 // ---- Bond_HasMember
 
@@ -643,7 +617,7 @@ class Bond_BondTest : public BondWorld {};
 TEST_F(Bond_BondTest, PreparesEachMemberAndEnslavesThemTogether)
 {
     Members members({"eth2", "eth0"});
-    EXPECT_TRUE(Bond_Bond(kBond, members.Get(), members.Count()));
+    EXPECT_TRUE(Bond_Bond(kBond, members.Const(), members.Count()));
     EXPECT_EQ(TraceOf({"command", "ioctl"}),
               (Lines{"command ifconfig eth2 down", "command ifconfig eth0 down",
                      "command ifconfig eth2 0.0.0.0 up", "command ifconfig eth0 0.0.0.0 up",
@@ -657,7 +631,7 @@ TEST_F(Bond_BondTest, ACommandThatCannotBeRunDoesNotStopThePasses)
     Fail("vfork", EAGAIN, 1);
     Fail("vfork", EAGAIN, 2);
     Members members({"eth0", "eth1"});
-    EXPECT_TRUE(Bond_Bond(kBond, members.Get(), members.Count()));
+    EXPECT_TRUE(Bond_Bond(kBond, members.Const(), members.Count()));
     EXPECT_EQ(Commands(), (Lines{"ifconfig eth1 down", "ifconfig eth1 0.0.0.0 up",
                                  "ifenslave bond0 eth0 eth1"}));
 }
@@ -666,7 +640,7 @@ TEST_F(Bond_BondTest, ABondThatDoesNotComeUpGetsNoMembers)
 {
     Fail("ioctl SIOCSIFFLAGS bond0", EPERM);
     Members members({"eth0"});
-    EXPECT_FALSE(Bond_Bond(kBond, members.Get(), members.Count()));
+    EXPECT_FALSE(Bond_Bond(kBond, members.Const(), members.Count()));
     EXPECT_EQ(Commands(), (Lines{"ifconfig eth0 down", "ifconfig eth0 0.0.0.0 up"}));
     EXPECT_EQ(LogOf("Bond_Bond"), LogLines{});
 }
@@ -675,20 +649,20 @@ TEST_F(Bond_BondTest, AToolThatFailsCountsAsDone)
 {
     OnCommand("ifenslave", nullptr, 1 << 8);
     Members members({"eth0"});
-    EXPECT_TRUE(Bond_Bond(kBond, members.Get(), members.Count()));
+    EXPECT_TRUE(Bond_Bond(kBond, members.Const(), members.Count()));
 }
 
 TEST_F(Bond_BondTest, AShellThatDoesNotStartIsAFailure)
 {
     Fail("vfork", EAGAIN, 3);
     Members members({"eth0"});
-    EXPECT_FALSE(Bond_Bond(kBond, members.Get(), members.Count()));
+    EXPECT_FALSE(Bond_Bond(kBond, members.Const(), members.Count()));
 }
 
 TEST_F(Bond_BondTest, TheCommandHolds255Characters)
 {
     Members members(LongNames());
-    EXPECT_TRUE(Bond_Bond(kBond, members.Get(), members.Count()));
+    EXPECT_TRUE(Bond_Bond(kBond, members.Const(), members.Count()));
     EXPECT_EQ(Commands().back(), Joined("ifenslave bond0", LongNames()));
     EXPECT_EQ(Commands().back().size(), 255U);
 }
@@ -697,7 +671,7 @@ TEST_F(Bond_BondTest, OneCharacterMoreRunsNothingBehindThePasses)
 {
     kernel.Add("bond10");
     Members members(LongNames());
-    EXPECT_FALSE(Bond_Bond("bond10", members.Get(), members.Count()));
+    EXPECT_FALSE(Bond_Bond("bond10", members.Const(), members.Count()));
 
     Lines fitting = LongNames();
     fitting.pop_back();
@@ -712,7 +686,7 @@ TEST_F(Bond_BondTest, ABondOfNoMembersIsJustNamed)
 {
     for (const int count : {0, -1}) {
         Members members({"eth0"});
-        EXPECT_TRUE(Bond_Bond(kBond, members.Get(), count));
+        EXPECT_TRUE(Bond_Bond(kBond, members.Const(), count));
     }
     EXPECT_EQ(Commands(), (Lines{"ifenslave bond0", "ifenslave bond0"}));
 }
@@ -720,8 +694,10 @@ TEST_F(Bond_BondTest, ABondOfNoMembersIsJustNamed)
 TEST_F(Bond_BondTest, NullIsRefusedInSilence)
 {
     Members members({"eth0"});
-    EXPECT_FALSE(Bond_Bond(nullptr, members.Get(), 1));
+    EXPECT_FALSE(Bond_Bond(nullptr, members.Const(), 1));
     EXPECT_FALSE(Bond_Bond(kBond, nullptr, 1));
+    members.Const()[0] = nullptr;
+    EXPECT_FALSE(Bond_Bond(kBond, members.Const(), 1));
     EXPECT_EQ(Touched(), Lines{});
     EXPECT_EQ(Log(), LogLines{});
 }
@@ -732,7 +708,7 @@ TEST_F(Bond_BondTest, OnlyTheBondAndTheLastCommandDecide)
     FailEachCall(
         [] {
             Members members({"eth0"});
-            done = Bond_Bond(kBond, members.Get(), members.Count());
+            done = Bond_Bond(kBond, members.Const(), members.Count());
         },
         [](const std::string& failed) {
             const bool ofTheBond = failed.rfind("ioctl", 0) == 0 || failed.rfind("socket", 0) == 0;
@@ -753,7 +729,7 @@ class Bond_UnbondTest : public BondWorld {};
 TEST_F(Bond_UnbondTest, ReleasesTheMembersAndTakesTheBondDown)
 {
     Members members({"eth2", "eth0"});
-    EXPECT_TRUE(Bond_Unbond(kBond, members.Get(), members.Count()));
+    EXPECT_TRUE(Bond_Unbond(kBond, members.Const(), members.Count()));
     EXPECT_EQ(Commands(), (Lines{"ifenslave -d bond0 eth2 eth0", "ifconfig bond0 0.0.0.0 down"}));
     EXPECT_EQ(TraceOf({"ioctl"}), Lines{});
     EXPECT_EQ(Log(), LogLines{});
@@ -763,7 +739,7 @@ TEST_F(Bond_UnbondTest, SucceedsWhateverBecomesOfTheCommands)
 {
     FailAll("vfork", EAGAIN);
     Members members({"eth0"});
-    EXPECT_TRUE(Bond_Unbond(kBond, members.Get(), members.Count()));
+    EXPECT_TRUE(Bond_Unbond(kBond, members.Const(), members.Count()));
     EXPECT_EQ(TraceOf({"vfork"}).size(), 2U);
 }
 
@@ -771,7 +747,7 @@ TEST_F(Bond_UnbondTest, SucceedsWhenTheToolFails)
 {
     OnCommand("ifenslave", nullptr, 1 << 8);
     Members members({"eth0"});
-    EXPECT_TRUE(Bond_Unbond(kBond, members.Get(), members.Count()));
+    EXPECT_TRUE(Bond_Unbond(kBond, members.Const(), members.Count()));
     EXPECT_EQ(Commands().size(), 2U);
 }
 
@@ -782,7 +758,7 @@ TEST_F(Bond_UnbondTest, TheCommandHolds255Characters)
     Lines names = LongNames();
     names.back().resize(12);
     Members fitting(names);
-    EXPECT_TRUE(Bond_Unbond(kBond, fitting.Get(), fitting.Count()));
+    EXPECT_TRUE(Bond_Unbond(kBond, fitting.Const(), fitting.Count()));
     EXPECT_EQ(Commands().front(), Joined("ifenslave -d bond0", names));
     EXPECT_EQ(Commands().front().size(), 255U);
 }
@@ -792,7 +768,7 @@ TEST_F(Bond_UnbondTest, OneCharacterMoreRunsNothing)
     Lines names = LongNames();
     names.back().resize(13);
     Members members(names);
-    EXPECT_FALSE(Bond_Unbond(kBond, members.Get(), members.Count()));
+    EXPECT_FALSE(Bond_Unbond(kBond, members.Const(), members.Count()));
     names.pop_back();
     EXPECT_EQ(Log(),
               (LogLines{Error("Bond_Unbond",
@@ -803,8 +779,8 @@ TEST_F(Bond_UnbondTest, OneCharacterMoreRunsNothing)
 TEST_F(Bond_UnbondTest, ABondOfNoMembersIsJustNamed)
 {
     Members members({"eth0"});
-    EXPECT_TRUE(Bond_Unbond(kBond, members.Get(), 0));
-    EXPECT_TRUE(Bond_Unbond(kBond, members.Get(), -1));
+    EXPECT_TRUE(Bond_Unbond(kBond, members.Const(), 0));
+    EXPECT_TRUE(Bond_Unbond(kBond, members.Const(), -1));
     EXPECT_EQ(Commands()[0], "ifenslave -d bond0");
     EXPECT_EQ(Commands()[2], "ifenslave -d bond0");
 }
@@ -812,8 +788,10 @@ TEST_F(Bond_UnbondTest, ABondOfNoMembersIsJustNamed)
 TEST_F(Bond_UnbondTest, NullIsRefusedInSilence)
 {
     Members members({"eth0"});
-    EXPECT_FALSE(Bond_Unbond(nullptr, members.Get(), 1));
+    EXPECT_FALSE(Bond_Unbond(nullptr, members.Const(), 1));
     EXPECT_FALSE(Bond_Unbond(kBond, nullptr, 1));
+    members.Const()[0] = nullptr;
+    EXPECT_FALSE(Bond_Unbond(kBond, members.Const(), 1));
     EXPECT_EQ(Touched(), Lines{});
     EXPECT_EQ(Log(), LogLines{});
 }
@@ -824,7 +802,7 @@ TEST_F(Bond_UnbondTest, SucceedsWhateverFails)
     FailEachCall(
         [] {
             Members members({"eth0"});
-            done = Bond_Unbond(kBond, members.Get(), members.Count());
+            done = Bond_Unbond(kBond, members.Const(), members.Count());
         },
         [](const std::string&) { EXPECT_TRUE(done); });
 }

@@ -1,13 +1,12 @@
 #include "Bridge.h"
 
+#include "MemberNames.h"
 #include "fake/World.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 
 using namespace fake;
-using Lines = std::vector<std::string>;
 
 namespace {
 
@@ -17,32 +16,6 @@ std::string Path(const std::string& name, const std::string& bridge = kBridge)
 {
     return "/sys/class/net/" + bridge + "/" + name;
 }
-
-/// Member names in the form the operations take.
-class Members {
-public:
-    explicit Members(Lines names) : names_(std::move(names))
-    {
-        for (std::string& name : names_) pointers_.push_back(name.data());
-    }
-    char** Get() { return pointers_.data(); }
-    int Count() const { return static_cast<int>(names_.size()); }
-
-private:
-    Lines names_;
-    std::vector<char*> pointers_;
-};
-
-/// Buffers for port names, and the pointers to them.
-struct Table {
-    Table()
-    {
-        memset(names, '#', sizeof(names));
-        for (int i = 0; i < 32; ++i) pointers[i] = names[i];
-    }
-    char names[32][16];
-    char* pointers[32];
-};
 
 /// What the operation did outside: files, requests, commands.
 Lines Touched()
@@ -180,6 +153,8 @@ TEST_F(Bridge_BridgeTest, NullIsRefusedInSilence)
     Members members({"eth0"});
     EXPECT_FALSE(Bridge_Bridge(nullptr, members.Get(), 1));
     EXPECT_FALSE(Bridge_Bridge(kBridge, nullptr, 1));
+    members.Get()[0] = nullptr;
+    EXPECT_FALSE(Bridge_Bridge(kBridge, members.Get(), 1));
     EXPECT_EQ(Touched(), Lines{});
     EXPECT_EQ(Log(), LogLines{});
 }
@@ -231,6 +206,8 @@ TEST_F(Bridge_UnBridgeTest, NullIsRefusedInSilence)
     Members members({"eth0"});
     EXPECT_FALSE(Bridge_UnBridge(nullptr, members.Get(), 1));
     EXPECT_FALSE(Bridge_UnBridge(kBridge, nullptr, 1));
+    members.Get()[0] = nullptr;
+    EXPECT_FALSE(Bridge_UnBridge(kBridge, members.Get(), 1));
     EXPECT_EQ(Touched(), Lines{});
     EXPECT_EQ(Log(), LogLines{});
 }
@@ -249,11 +226,6 @@ TEST_F(Bridge_UnBridgeTest, NothingStopsTheSequence)
 
 class Bridge_GetBridgeMembersTest : public BridgeWorld {};
 
-Lines First(const Table& table, int count)
-{
-    return Lines(table.pointers, table.pointers + count);
-}
-
 TEST_F(Bridge_GetBridgeMembersTest, ListsThePortsInTheDirectorysOrder)
 {
     for (const char* name : {"eth2", "eth0", "wlan0", "eth1"}) AddPort(name);
@@ -266,7 +238,7 @@ TEST_F(Bridge_GetBridgeMembersTest, ListsThePortsInTheDirectorysOrder)
         expected.push_back(entry.path().filename());
     }
     EXPECT_EQ(expected.size(), 4U);
-    EXPECT_EQ(First(table, count), expected);
+    EXPECT_EQ(table.First(count), expected);
     EXPECT_EQ(table.names[4][0], '#');
     EXPECT_EQ(Log(), LogLines{});
     EXPECT_EQ(OpenHandles(), Lines{});
@@ -278,7 +250,7 @@ TEST_F(Bridge_GetBridgeMembersTest, PassesOverNamesThatBeginWithTwoPoints)
     Table table;
     int count = 32;
     EXPECT_TRUE(Bridge_GetBridgeMembers(kBridge, table.pointers, &count));
-    Lines found = First(table, count);
+    Lines found = table.First(count);
     std::sort(found.begin(), found.end());
     EXPECT_EQ(found, (Lines{".eth1", "eth2"}));
 }

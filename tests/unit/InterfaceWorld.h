@@ -4,11 +4,10 @@
 
 #include "Backup.h"
 
+#include "MemberNames.h"
 #include "fake/World.h"
 
 namespace fake {
-
-using Lines = std::vector<std::string>;
 
 constexpr char kFile0[] = "/mnt/mtd/Config/network";
 constexpr char kFile1[] = "/mnt/mtd/Config/network1";
