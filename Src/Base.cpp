@@ -726,8 +726,9 @@ bool GetSwitchInterface(char* name, int len)
         LOG_WARN("GetAllInterfaceInfo failed!");
         return false;
     }
+    SwitchModes modes;
     for (int i = 0; i < count; ++i) {
-        if (isSwitchByName(names[i]) != kSwitchInterface) continue;
+        if (SwitchModeOf(names[i], modes) != kSwitchInterface) continue;
 
         switchname.Keep(names[i]);
         HandOut(names[i], name, len);

@@ -61,6 +61,13 @@ bool ReadSetting(const char* name, KEYENUM key, char* value, int len, PathOf pat
     return pathOf(name, path, sizeof(path)) && GetValueByKey(path, KeyText(key), value, len);
 }
 
+bool ReadSettings(const char* name, const Wanted& first, const Wanted& second,
+                  PathOf pathOf = GetFileByName)
+{
+    FileName path = {};
+    return pathOf(name, path, sizeof(path)) && ReadTwoKeys(path, first, second);
+}
+
 bool WriteSetting(const char* name, KEYENUM key, const char* value, PathOf pathOf = GetFileByName)
 {
     FileName path = {};
@@ -292,8 +299,10 @@ using namespace vorlix;
 
 bool GetIPByConfig(const char* name, char* ip, char* mask)
 {
-    return ip != nullptr && mask != nullptr && ReadSetting(name, HOST_IP_KEY, ip, kIPv4TextSize) &&
-           ReadSetting(name, HOST_SUBMASK_KEY, mask, kIPv4TextSize) &&
+    if (ip == nullptr || mask == nullptr) return false;
+
+    return ReadSettings(name, {HOST_IP_KEY, ip, kIPv4TextSize},
+                        {HOST_SUBMASK_KEY, mask, kIPv4TextSize}) &&
            IsAddressPair(__func__, ip, mask);
 }
 
@@ -346,8 +355,10 @@ bool SetMtuByConfig(const char* name, int mtu)
 bool GetIPv6ByConfig(const char* name, char* ip, int ipLen, char* perFix, int perFixLen)
 {
     if (ip == nullptr || perFix == nullptr) return false;
-    if (!ReadSetting(name, HOST_IP_KEY, ip, ipLen, GetFileByName6)) return false;
-    if (!ReadSetting(name, HOST_SUBMASK_KEY, perFix, perFixLen, GetFileByName6)) return false;
+    if (!ReadSettings(name, {HOST_IP_KEY, ip, ipLen}, {HOST_SUBMASK_KEY, perFix, perFixLen},
+                      GetFileByName6)) {
+        return false;
+    }
     if (!IsIPv6Pair(__func__, ip, perFix)) return false;
 
     FormatText(perFix, static_cast<size_t>(perFixLen), "%d", atoi(perFix));

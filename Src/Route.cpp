@@ -6,6 +6,7 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cctype>
 #include <cstdlib>
@@ -31,6 +32,7 @@ constexpr char kNoIPv4[] = "0.0.0.0";
 constexpr char kNoIPv6[] = "::";
 
 constexpr int kRowsLookedAt = 16;
+constexpr size_t kIPv4RowSize = 128;  // the kernel fills its rows up with blanks
 constexpr int kLongestPrefix = 128;
 constexpr size_t kUnusedSize = 128;
 
@@ -53,6 +55,12 @@ bool OpenTable(KeptTable* table)
 
     KeepFromChildren(table->fd);
     return true;
+}
+
+/// What so many rows and the titles of their columns take.
+size_t BytesFor(int rows)
+{
+    return (static_cast<size_t>(std::max(rows, 0)) + 1) * kIPv4RowSize;
 }
 
 /// Lines of cards begin with a lower-case letter.
@@ -199,7 +207,7 @@ bool Route_GetIPv4Route(IPv4Route* routes, int* num)
         LOG_ERROR("Can not open %s", kIPv4Table);
         return false;
     }
-    LineReader reader(table.fd);
+    LineReader reader(table.fd, BytesFor(*num));
     char line[kLineSize];
     (void)reader.Next(line);  // titles of the columns
     int count = 0;

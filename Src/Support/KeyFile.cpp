@@ -44,7 +44,9 @@ static_assert(keys[HOST_BONDHASH_KEY][0] != '\0', "an empty key would be found i
 // ---- state
 
 pthread_mutex_t net_config_Lock = PTHREAD_MUTEX_INITIALIZER;
-int fd = -1;  // the file locked now; guarded by net_config_Lock
+// Both are about the file locked now, and guarded by net_config_Lock.
+int fd = -1;
+bool missing = false;
 
 // ---- paths
 
@@ -80,6 +82,7 @@ void LockFile(const char* filename)
 {
     pthread_mutex_lock(&net_config_Lock);
     fd = filename == nullptr ? -1 : open(filename, O_WRONLY | O_APPEND);
+    missing = fd < 0 && errno == ENOENT;
     if (fd < 0 || ControlFile(F_WRLCK, F_SETLKW)) return;
 
     LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:%d, [%s]", getpid(),
@@ -106,28 +109,50 @@ bool IsPadding(char character)
     return character == ' ' || character == '\t' || character == '\n';
 }
 
-/// Finds the first line with `key` among the first 32.
-bool FindLine(const char* filename, const char* key, char (&line)[kLineSize])
+/// Opens the locked file. One that was not there when it was locked is not asked for again.
+int OpenLocked(const char* filename)
+{
+    return missing ? -1 : open(filename, O_RDONLY);
+}
+
+struct KeyLine {
+    const char* key;
+    bool found;
+    char text[kLineSize];
+};
+
+/// Finds for each key the first line that holds it, among the first 32.
+template <size_t count>
+void FindLines(const char* filename, KeyLine (&wanted)[count])
 {
     ConfigLock lock(filename);
-    const Fd file(open(filename, O_RDONLY));
-    bool found = false;
+    const Fd file(OpenLocked(filename));
     if (file.Ok()) {
         LineReader reader(file.Get());
-        for (int i = 0; i < kLinesLookedAt && !found && reader.Next(line); ++i) {
-            found = Contains(line, key);
+        char line[kLineSize];
+        size_t left = count;
+        for (int i = 0; i < kLinesLookedAt && left > 0 && reader.Next(line); ++i) {
+            for (KeyLine& entry : wanted) {
+                if (entry.found || !Contains(line, entry.key)) continue;
+
+                CopyText(entry.text, line);
+                entry.found = true;
+                --left;
+            }
         }
     }
     lock.Release();  // a reader unlocks first and closes then
-    return found;
 }
 
-/// Cuts the value out of its line and copies it out.
-bool TakeValue(char* line, const char* filename, const char* key, char* value, int len)
+/// Cuts the value out of its line, when there is one, and copies it out.
+bool TakeValue(KeyLine& line, const char* filename, char* value, int len)
 {
-    char* text = strchr(line, '=');
+    if (!line.found) return false;
+
+    char* text = strchr(line.text, '=');
     if (text == nullptr) {
-        LOG_ERROR_AS("GetValueByKey", "file formate error![file:%s,context:%s]", filename, line);
+        LOG_ERROR_AS("GetValueByKey", "file formate error![file:%s,context:%s]", filename,
+                     line.text);
         return false;
     }
     do {
@@ -138,7 +163,7 @@ bool TakeValue(char* line, const char* filename, const char* key, char* value, i
     text[length] = '\0';
 
     if (length == 0) {
-        LOG_WARN_AS("GetValueByKey", "the %s from %s is empty.", key, filename);
+        LOG_WARN_AS("GetValueByKey", "the %s from %s is empty.", line.key, filename);
         return false;
     }
     if (static_cast<int>(length) >= len) {
@@ -234,11 +259,19 @@ const char* KeyText(KEYENUM key)
     return keys[key];
 }
 
+bool ReadTwoKeys(const char* filename, const Wanted& first, const Wanted& second)
+{
+    KeyLine lines[] = {{KeyText(first.key), false, {}}, {KeyText(second.key), false, {}}};
+    FindLines(filename, lines);
+    return TakeValue(lines[0], filename, first.value, first.len) &&
+           TakeValue(lines[1], filename, second.value, second.len);
+}
+
 void SwitchModes::Read()
 {
     read_ = true;
     ConfigLock lock(kSwitchModeFile);
-    const Fd file(open(kSwitchModeFile, O_RDONLY));
+    const Fd file(OpenLocked(kSwitchModeFile));
     if (file.Ok()) {
         LineReader reader(file.Get());
         while (count_ < kCapacity && reader.Next(lines_[count_])) ++count_;
@@ -252,10 +285,10 @@ int32_t SwitchModes::Get(const char* name, int32_t* mode)
     for (int i = 0; i < count_; ++i) {
         if (!Contains(lines_[i], name)) continue;
 
-        char line[kLineSize];
+        KeyLine line = {name, true, {}};
+        CopyText(line.text, lines_[i]);
         char text[kModeTextSize + 1] = {};
-        CopyText(line, lines_[i]);
-        if (!TakeValue(line, kSwitchModeFile, name, text, kModeTextSize)) return -1;
+        if (!TakeValue(line, kSwitchModeFile, text, kModeTextSize)) return -1;
         return SwitchModeFromText(text, mode);
     }
     return -1;
@@ -303,8 +336,9 @@ bool GetValueByKey(const char* filename, const char* key, char* value, int len)
 {
     if (filename == nullptr || key == nullptr || value == nullptr) return false;
 
-    char line[kLineSize] = {};
-    return FindLine(filename, key, line) && TakeValue(line, filename, key, value, len);
+    KeyLine line[] = {{key, false, {}}};
+    FindLines(filename, line);
+    return TakeValue(line[0], filename, value, len);
 }
 
 bool SetValueByKey(const char* filename, const char* key, const char* value)

@@ -160,6 +160,17 @@ private:
     bool held_ = true;
 };
 
+/// Where the value of a key goes: `len` bytes.
+struct Wanted {
+    KEYENUM key;
+    char* value;
+    int len;
+};
+
+/// Reads two values of one file in one pass: the same answers and messages as two calls of
+/// `GetValueByKey`, the second only after the first has succeeded. No pointer may be NULL.
+bool ReadTwoKeys(const char* filename, const Wanted& first, const Wanted& second);
+
 /// The saved switch modes for a walk over many cards: read when the first is asked for, and once.
 class SwitchModes {
 public:

@@ -14,7 +14,7 @@ bool LineReader::Refill()
 
     ssize_t count = -1;
     do {
-        count = pread(fd_, buffer_, sizeof(buffer_), offset_);
+        count = pread(fd_, buffer_, std::min(piece_, sizeof(buffer_)), offset_);
     } while (count < 0 && errno == EINTR);
     failed_ = count < 0;
     ended_ = count <= 0;

@@ -9,13 +9,19 @@ namespace vorlix {
 /// Size of a line buffer: 255 characters and the terminator. A longer line is read as several.
 constexpr int kLineSize = 256;
 
+/// The kernel hands out its tables in pieces of one page.
+constexpr size_t kPageSize = 4096;
+
 /// Reads a descriptor line by line from offset 0, as `fgets` does, but without heap and afresh for
 /// each reader: a kept stream would go on answering from its buffer after the table behind it has
 /// changed.
 class LineReader {
 public:
     /// The descriptor stays the caller's; its own file position is not used.
-    explicit LineReader(int fd) : fd_(fd) {}
+    ///
+    /// @param piece  most bytes asked for at a time; a table of the kernel is printed as far as it
+    ///               is asked for, so a reader of a few rows asks for no more
+    explicit LineReader(int fd, size_t piece = kPageSize) : fd_(fd), piece_(piece) {}
 
     /// Stores the next piece, newline included, with its terminator.
     ///
@@ -31,12 +37,13 @@ private:
     size_t Move(char* to, size_t room);
 
     int fd_;
+    size_t piece_;
     off_t offset_ = 0;  // in the file, of what follows the buffer
     size_t begin_ = 0;  // of what the buffer still holds
     size_t end_ = 0;
     bool ended_ = false;
     bool failed_ = false;
-    char buffer_[4096];  // the kernel hands out its tables in pieces of one page
+    char buffer_[kPageSize];
 };
 
 }  // namespace vorlix
