@@ -284,7 +284,7 @@ std::string Lines(const Texts& lines)
     return text;
 }
 
-std::map<std::string, std::string> Saved()
+std::map<std::string, std::string> SavedFiles()
 {
     std::map<std::string, std::string> files;
     for (const auto& entry : fs::directory_iterator(kConfig)) {

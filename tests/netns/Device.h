@@ -139,7 +139,7 @@ std::string Get(const std::string& path);
 std::string Lines(const Texts& lines);
 
 /// The settings folder as it lies there: every name with its content.
-std::map<std::string, std::string> Saved();
+std::map<std::string, std::string> SavedFiles();
 
 /// Puts a file system of its own over the settings folder, of that size in bytes, and empty.
 void SettingsOfSize(int bytes);
