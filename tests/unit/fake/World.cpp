@@ -4,6 +4,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <fcntl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fake {
@@ -63,6 +65,28 @@ void MakeFolder(const std::string& path)
 bool SameFile(const std::string& path, const std::string& other)
 {
     return fs::equivalent(Mapped(path.c_str()), Mapped(other.c_str()));
+}
+
+bool LockedForOthers(const std::string& path)
+{
+    const OwnCalls looking;
+    const pid_t other = fork();
+    if (other == 0) {
+        const int file = open(Mapped(path.c_str()).c_str(), O_RDWR);
+        bool locked = file >= 0;
+        for (const off_t start : {off_t{0}, off_t{1} << 30}) {  // as far as the file may grow
+            struct flock range {};
+            range.l_type = F_WRLCK;
+            range.l_whence = SEEK_SET;
+            range.l_start = start;
+            range.l_len = 1;
+            locked = locked && fcntl(file, F_GETLK, &range) == 0 && range.l_type == F_WRLCK;
+        }
+        _exit(locked ? 1 : 0);
+    }
+    int status = 0;
+    waitpid(other, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 1;
 }
 
 std::string CardFile(const std::string& card)

@@ -37,6 +37,9 @@ void MakeFolder(const std::string& path);
 /// True when both names stand for one file.
 bool SameFile(const std::string& path, const std::string& other);
 
+/// True when another process would have to wait for a write lock on the whole file.
+bool LockedForOthers(const std::string& path);
+
 /// Path of a card's setting file, and its text from `KEY = value` lines.
 std::string CardFile(const std::string& card);
 std::string Settings(const std::vector<std::string>& lines);
