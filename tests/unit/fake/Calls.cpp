@@ -8,6 +8,7 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
+#include <optional>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -124,7 +125,11 @@ int RunWithFailure(int number, const std::function<void()>& run,
     failAt = 0;
     if (swept.empty()) return kAllHadTheirTurn;
 
-    SCOPED_TRACE("failed: " + swept);
+    std::optional<testing::ScopedTrace> told;
+    {
+        const OwnCalls telling;  // the framework takes a lock of its own
+        told.emplace(__FILE__, __LINE__, "failed: " + swept);
+    }
     EXPECT_EQ(HeldMutexes(), 0);
     for (const std::string& open : OpenHandles()) {
         const bool may =
