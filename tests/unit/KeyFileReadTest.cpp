@@ -253,11 +253,23 @@ TEST_F(GetValueByKeyTest, UnlocksFirstAndClosesThen)
     }
 }
 
-TEST_F(GetValueByKeyTest, AMissingFileIsUnlockedToo)
+TEST_F(GetValueByKeyTest, AMissingFileIsAskedForOnce)
 {
     EXPECT_EQ(Read("MTU"), "(false)");
     EXPECT_EQ(Trace(), (Texts{"mutex lock", "open /mnt/mtd/Config/network1 O_WRONLY|O_APPEND",
-                              "open /mnt/mtd/Config/network1 O_RDONLY", "mutex unlock"}));
+                              "mutex unlock"}));
+    Put(kFile, "MTU = 1500\n");
+    EXPECT_EQ(Read("MTU"), "1500");
+}
+
+TEST_F(GetValueByKeyTest, AFileThatCannotBeReadIsUnlockedToo)
+{
+    Put(kFile, "MTU = 1500\n");
+    Fail("open /mnt/mtd/Config/network1 O_RDONLY", EMFILE);
+    EXPECT_EQ(Read("MTU"), "(false)");
+    EXPECT_EQ(HeldMutexes(), 0);
+    EXPECT_EQ(OpenHandles(), Texts{});
+    EXPECT_EQ(Log(), LogLines{});
 }
 
 TEST_F(GetValueByKeyTest, HoldsTheLockWhileItReads)
@@ -298,6 +310,75 @@ TEST_F(GetValueByKeyTest, GivesAWholeValueOrNoneWhateverFails)
                      EXPECT_EQ(Log().size(), failed.rfind("fcntl", 0) == 0 ? 1U : 0U);
                      EXPECT_EQ(OpenHandles(), Texts{});
                  });
+}
+
+// ---- two keys in one pass
+
+class ReadTwoKeysTest : public World {
+protected:
+    struct Answer {
+        bool done;
+        std::string ip;
+        std::string mask;
+        LogLines lines;
+    };
+
+    static Answer InOnePass(int ipLen, int maskLen)
+    {
+        char ip[64] = "as it was";
+        char mask[64] = "as it was";
+        ClearLog();
+        const bool done =
+            vorlix::ReadTwoKeys(kFile, {HOST_IP_KEY, ip, ipLen}, {HOST_SUBMASK_KEY, mask, maskLen});
+        return {done, ip, mask, Log()};
+    }
+
+    static Answer OneByOne(int ipLen, int maskLen)
+    {
+        char ip[64] = "as it was";
+        char mask[64] = "as it was";
+        ClearLog();
+        const bool done = GetValueByKey(kFile, "HOSTIP", ip, ipLen) &&
+                          GetValueByKey(kFile, "SUBMASK", mask, maskLen);
+        return {done, ip, mask, Log()};
+    }
+};
+
+TEST_F(ReadTwoKeysTest, AnswersAsTwoReadsDo)
+{
+    const std::string far(255 * 31, 'x');
+    for (const std::string& text :
+         {""s, "HOSTIP = 10.0.0.2\nSUBMASK = 255.0.0.0\n"s,
+          "SUBMASK = 255.0.0.0\nnote\nHOSTIP = 10.0.0.2"s, "HOSTIP = 10.0.0.2\n"s,
+          "SUBMASK = 255.0.0.0\n"s, "HOSTIP = SUBMASK\nSUBMASK = 255.0.0.0\n"s,
+          "HOSTIP =\nSUBMASK =\n"s, "HOSTIP\nSUBMASK\n"s, "HOSTIP = 1\nSUBMASK\n"s,
+          "HOSTIP = 1\nHOSTIP = 2\nSUBMASK = 3\nSUBMASK = 4\n"s,
+          "HOSTIP = 1\n" + far + "SUBMASK = 2\n", "SUBMASK = 1\n" + far + "HOSTIP = 2\n",
+          "HOSTIP = 1\0SUBMASK = 2\n"s}) {
+        for (const int len : {16, 9, 2, 0}) {
+            SCOPED_TRACE(text.substr(0, 40) + " in " + std::to_string(len));
+            Put(kFile, text);
+            const Answer expected = OneByOne(16, len);
+            const Answer answer = InOnePass(16, len);
+            EXPECT_EQ(answer.done, expected.done);
+            EXPECT_EQ(answer.ip, expected.ip);
+            EXPECT_EQ(answer.mask, expected.mask);
+            EXPECT_EQ(answer.lines, expected.lines);
+        }
+    }
+}
+
+TEST_F(ReadTwoKeysTest, TakesTheFileOnce)
+{
+    Put(kFile, "HOSTIP = 10.0.0.2\nSUBMASK = 255.0.0.0\n");
+    EXPECT_TRUE(InOnePass(16, 16).done);
+    EXPECT_EQ(
+        Trace(),
+        (Texts{"mutex lock", "open /mnt/mtd/Config/network1 O_WRONLY|O_APPEND",
+               "fcntl F_SETLKW F_WRLCK /mnt/mtd/Config/network1",
+               "open /mnt/mtd/Config/network1 O_RDONLY", "pread /mnt/mtd/Config/network1",
+               "fcntl F_SETLKW F_UNLCK /mnt/mtd/Config/network1", "close /mnt/mtd/Config/network1",
+               "mutex unlock", "close /mnt/mtd/Config/network1"}));
 }
 
 // ---- switch modes
@@ -440,7 +521,7 @@ TEST_F(SwitchModesTest, AMissingFileIsNotLookedForAgain)
     EXPECT_EQ(modes.Get("eth0", &mode), -1);
     EXPECT_EQ(modes.Get("eth1", &mode), -1);
     EXPECT_EQ(mode, 77);
-    EXPECT_EQ(TraceOf({"open"}).size(), 2U);
+    EXPECT_EQ(TraceOf({"open"}), (Texts{"open /mnt/mtd/Config/poeMode.conf O_WRONLY|O_APPEND"}));
 }
 
 TEST_F(SwitchModesTest, NothingIsLeftHeldWhateverFails)

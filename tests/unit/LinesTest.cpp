@@ -153,6 +153,29 @@ TEST_F(LineReaderTest, AsksForTheEndOnce)
     EXPECT_EQ(Reads(), 2U);
 }
 
+TEST_F(LineReaderTest, AsksForNoMoreAtATimeThanWanted)
+{
+    const std::string text = "one\ntwo\n" + std::string(600, 'x') + "\nlast";
+    Put(kPath, text);
+    for (const size_t piece : {1U, 7U, 8U, 128U, 5000U}) {
+        const Fd file(open(kPath, O_RDONLY));
+        LineReader reader(file.Get(), piece);
+        Texts pieces;
+        for (std::string line = Next(reader); line != "(end)"; line = Next(reader)) {
+            pieces.push_back(line);
+        }
+        EXPECT_EQ(pieces, Expected(text)) << piece;
+    }
+    ClearTrace();
+    const Fd file(open(kPath, O_RDONLY));
+    LineReader reader(file.Get(), 8);
+    EXPECT_EQ(Next(reader), "one\n");
+    EXPECT_EQ(Next(reader), "two\n");
+    EXPECT_EQ(Reads(), 1U);
+    EXPECT_EQ(Next(reader).size(), 255U);
+    EXPECT_EQ(Reads(), 33U);
+}
+
 // ---- descriptors
 
 TEST_F(LineReaderTest, ReadersOfOneDescriptorDoNotDisturbEachOther)
