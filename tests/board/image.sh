@@ -1,0 +1,74 @@
+#!/bin/sh
+# Makes the base image of a board: busybox, the real tools ahead of it, their libraries, and the modules of
+# the kernel. What a case brings is put behind it in an archive of its own.
+#
+# usage: tests/board/image.sh BOARD_FOLDER
+# Prints the image; it is made anew when this script or the list of modules has changed.
+set -eu
+
+board=$1
+here=$(cd "$(dirname "$0")" && pwd)
+version=$(cat "$board/version")
+modules="virtio_pci virtio_net bonding bridge 8021q dummy veth"
+tools="usr/bin/dash bin/dash sbin/ifconfig sbin/route sbin/brctl bin/ip sbin/ip usr/bin/ping bin/ping"
+
+sum=$(cat "$here/image.sh" "$here/init" "$here"/tools/* | cksum | cut -d' ' -f1)
+image=$board/base-$sum.cpio
+if [ -e "$image" ]; then
+    echo "$image"
+    exit 0
+fi
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+root=$work/root
+mkdir -p "$root/bin" "$root/sbin" "$root/dev" "$root/proc" "$root/sys" "$root/tmp" "$root/run" \
+    "$root/mnt/mtd/Config" "$root/case" "$root/lib" "$root/lib64" "$root/etc"
+
+# provide FILE: a program or library with the libraries that it needs, each once
+provide()
+{
+    readelf -d "$1" 2>/dev/null | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' >"$work/needed"
+    readelf -l "$1" 2>/dev/null | sed -n 's/.*interpreter: \(.*\)\]/\1/p' >>"$work/needed"
+    # shellcheck disable=SC2013  # names, one a line
+    for name in $(cat "$work/needed"); do
+        library=$(basename "$name")
+        [ -e "$root/lib/$library" ] && continue
+        found=$(find "$board/root/lib" "$board/root/usr/lib" -name "$library" 2>/dev/null | head -n 1)
+        [ -n "$found" ] || { echo "image.sh: no $library" >&2; exit 1; }
+        cp -L "$found" "$root/lib/$library"
+        provide "$found"
+    done
+}
+
+for tool in $tools; do
+    file=$board/root/$tool
+    if [ ! -f "$file" ] || [ -L "$file" ]; then continue; fi
+    cp "$file" "$root/sbin/$(basename "$tool")"
+    provide "$file"
+done
+[ -e "$root/lib/ld-linux-x86-64.so.2" ] && cp "$root/lib/ld-linux-x86-64.so.2" "$root/lib64/"
+
+cp "$board/root/bin/busybox" "$root/bin/busybox"
+# The shell is dash: busybox's own would run its own applets before the tools on PATH.
+ln -s ../sbin/dash "$root/bin/sh"
+# The kernel loads what a request needs by this name.
+ln -s ../bin/busybox "$root/sbin/modprobe"
+cp "$here/init" "$root/init"
+cp "$here"/tools/* "$root/sbin/"
+chmod +x "$root/init" "$root"/sbin/*
+
+mkdir -p "$root/lib/modules/$version"
+for module in $modules; do
+    line=$(grep -E "/$module\.ko:" "$board/modules/lib/modules/$version/modules.dep" || true)
+    [ -n "$line" ] || continue # built into this kernel
+    for file in $(echo "$line" | tr -d ':'); do
+        mkdir -p "$root/lib/modules/$version/$(dirname "$file")"
+        cp "$board/modules/lib/modules/$version/$file" "$root/lib/modules/$version/$file"
+    done
+done
+depmod -b "$root" "$version" 2>/dev/null
+
+(cd "$root" && find . | cpio -o -H newc -R 0:0 --quiet) >"$image.new"
+mv "$image.new" "$image"
+echo "$image"

@@ -1,0 +1,154 @@
+#!/usr/bin/env python3
+"""Runs one case on a virtual board.
+
+usage: tests/board/run.py ARCH BUILD_FOLDER CASE.sh
+
+The board is a machine emulated by QEMU with Debian's stock kernel, a small image of real tools, and the
+files of BUILD_FOLDER. A case names its wires in a line "# wires: N": card i of the board and card i of its
+peer hang on wire i. The guest speaks on its serial line; a line "HOST link ethI off" or "on" is carried
+out here and answered. Exit status 0 when every check of the case passed.
+"""
+
+import json
+import os
+import re
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+TIME_LIMIT = 60  # seconds, for the whole of a case
+SKIPPED = 77
+
+MACHINES = {
+    "amd64": ["qemu-system-x86_64", "-M", "q35", "-vga", "none"],
+    "arm64": ["qemu-system-aarch64", "-M", "virt", "-cpu", "cortex-a53"],
+}
+CONSOLES = {"amd64": "ttyS0", "arm64": "ttyAMA0"}
+
+
+def wires_of(case):
+    with open(case, encoding="utf-8") as text:
+        found = re.search(r"^# wires: (\d+)", text.read(), re.M)
+    return int(found.group(1)) if found else 1
+
+
+def case_image(build, case, folder):
+    """An archive with the case and the files under test, to stand behind the base image."""
+    root = os.path.join(folder, "root")
+    os.makedirs(os.path.join(root, "case"))
+    os.makedirs(os.path.join(root, "sbin"))
+    shutil.copy(case, os.path.join(root, "case", "case.sh"))
+    shutil.copy(os.path.join(HERE, "lib.sh"), os.path.join(root, "case", "lib.sh"))
+    shutil.copy(os.path.join(build, "cmd/lanrise/lanrise"), os.path.join(root, "sbin"))
+    shutil.copy(os.path.join(build, "tests/board/operation"), os.path.join(root, "sbin"))
+    names = subprocess.run(["find", "."], cwd=root, capture_output=True, check=True).stdout
+    return subprocess.run(["cpio", "-o", "-H", "newc", "-R", "0:0", "--quiet"], cwd=root, input=names,
+                          capture_output=True, check=True).stdout
+
+
+def make_image(board, build, case, folder):
+    base = subprocess.run([os.path.join(HERE, "image.sh"), board], capture_output=True, check=True,
+                          text=True).stdout.strip()
+    image = os.path.join(folder, "image.cpio")
+    with open(image, "wb") as out:
+        with open(base, "rb") as archive:
+            shutil.copyfileobj(archive, out)
+        out.write(case_image(build, case, folder))
+    return image
+
+
+def network(wires):
+    """Card i and its peer on hub i. The peers come behind all cards, so they get the higher numbers."""
+    options = []
+    for end, name in enumerate(("eth", "p")):
+        for wire in range(wires):
+            card = f"{name}{wire}"
+            options += ["-netdev", f"hubport,id={card},hubid={wire}"]
+            options += ["-device", f"virtio-net-pci,netdev={card},id=nic{card},romfile=,"
+                                   f"mac=02:00:00:00:0{end}:0{wire},speed=1000,duplex=full"]
+    return options
+
+
+def command_line(arch, board, image, wires, control):
+    return MACHINES[arch] + [
+        "-accel", "tcg", "-m", "256", "-smp", "1", "-display", "none", "-nodefaults", "-no-reboot",
+        "-serial", "stdio", "-qmp", f"unix:{control},server=on,wait=off",
+        "-kernel", os.path.join(board, "boot/kernel"), "-initrd", image,
+        "-append", f"console={CONSOLES[arch]} panic=-1 quiet net.ifnames=0",
+    ] + network(wires)
+
+
+class Control:
+    """The machine's own control line."""
+
+    def __init__(self, path):
+        self.line = socket.socket(socket.AF_UNIX)
+        self.line.connect(path)
+        self.answers = self.line.makefile("r")
+        self.answers.readline()  # the greeting
+        self.tell("qmp_capabilities")
+
+    def tell(self, command, **arguments):
+        self.line.sendall(json.dumps({"execute": command, "arguments": arguments}).encode())
+        while "return" not in json.loads(self.answers.readline()):
+            pass  # events in between
+
+
+def serve(machine, path):
+    """Shows what the guest says and does what it asks; returns its last word."""
+    control = None
+    result = None
+    for line in machine.stdout:
+        line = line.rstrip("\r\n")
+        request = re.match(r"HOST link (\w+) (on|off)", line)
+        if request:
+            control = control or Control(path)
+            control.tell("set_link", name="nic" + request.group(1), up=request.group(2) == "on")
+            machine.stdin.write("done\n")
+            machine.stdin.flush()
+            continue
+        print(line, flush=True)
+        found = re.match(r"BOARD (\d+) ok, (\d+) failed", line)
+        if found:
+            result = (int(found.group(1)), int(found.group(2)))
+    return result
+
+
+def board_of(arch):
+    """The fetched parts of a board; where they cannot be had, the case is skipped, by name."""
+    for tool in (MACHINES[arch][0], "cpio", "depmod"):
+        if shutil.which(tool) is None and not os.path.exists("/sbin/" + tool):
+            print(f"skipped: no {tool} on this machine")
+            sys.exit(SKIPPED)
+    fetched = subprocess.run([os.path.join(HERE, "fetch.sh"), arch], capture_output=True, text=True,
+                             check=False)
+    if fetched.returncode != 0:
+        print(f"skipped: the packages of an {arch} board cannot be fetched: {fetched.stderr}")
+        sys.exit(SKIPPED)
+    return fetched.stdout.strip()
+
+
+def main():
+    arch, build, case = sys.argv[1:]
+    board = board_of(arch)
+    with tempfile.TemporaryDirectory() as folder:
+        image = make_image(board, build, case, folder)
+        control = os.path.join(folder, "control")
+        machine = subprocess.Popen(command_line(arch, board, image, wires_of(case), control),
+                                   stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                   stderr=subprocess.STDOUT, text=True, errors="replace")
+        limit = threading.Timer(TIME_LIMIT, machine.kill)
+        limit.start()
+        result = serve(machine, control)
+        machine.wait()
+        limit.cancel()
+    if result is None:
+        print("the board ended without a result")
+    sys.exit(0 if result and result[0] > 0 and result[1] == 0 else 1)
+
+
+main()
