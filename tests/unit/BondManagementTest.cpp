@@ -1,0 +1,694 @@
+#include "CommonApi.h"
+
+#include "InterfaceWorld.h"
+
+#include <net/if.h>
+
+using namespace fake;
+using namespace std::string_literals;
+
+namespace {
+
+constexpr char kBond[] = "bond0";
+constexpr char kBondFile[] = "/mnt/mtd/Config/networkbond0";
+const std::string kWritesBond = "fopen "s + kBondFile + " w+";
+const std::string kSlaves = "/sys/class/net/bond0/bonding/slaves";
+
+const Lines kOwnSettings = {"HOSTIP = 10.2.0.2", "SUBMASK = 255.255.0.0", "GATEWAYIP = 10.2.0.1",
+                            "MTU = 1500"};
+
+std::string Attribute(const std::string& name)
+{
+    return "/sys/class/net/bond0/bonding/" + name;
+}
+
+std::string Text(const std::string& file)
+{
+    return Get(CardFile(file));
+}
+
+/// Two cards and a bond with settings of their own each; the bond has no members.
+class BondWorld : public InterfaceWorld {
+protected:
+    void SetUp() override
+    {
+        InterfaceWorld::SetUp();
+        kernel.Add(kBond);
+        for (const char* name : {"mode", "miimon", "primary", "xmit_hash_policy"}) {
+            Put(Attribute(name), "as it was\n");
+        }
+        Put(Attribute("active_slave"), "eth1\n");
+        Put(kSlaves, "");
+        Put(kFile0, Settings({"HOSTIP = 10.0.0.2", "SUBMASK = 255.255.255.0",
+                              "GATEWAYIP = 10.0.0.1", "MTU = 1500"}));
+        Put(kFile1, Settings({"HOSTIP = 10.1.0.2", "SUBMASK = 255.255.255.0",
+                              "GATEWAYIP = 10.1.0.1", "MTU = 1500"}));
+        Put(kBondFile, Settings(kOwnSettings));
+        OnCommand("ifenslave bond0", [](const std::string&) { Put(kSlaves, "eth1 eth0\n"); });
+        OnCommand("ifenslave -d bond0", [](const std::string&) { Put(kSlaves, ""); });
+        Begin();
+    }
+
+    /// Lets the bond run, as it is after `Bond`.
+    static void Run(const std::string& mode)
+    {
+        Put(kSlaves, "eth1 eth0\n");
+        for (const char* file : {kFile0, kFile1}) {
+            Put(file, Get(file) + "BONDED = 1\nBONDNAME = bond0\nWORKMODE = 1\n");
+        }
+        Put(kBondFile,
+            Settings(kOwnSettings) + "BONDMODE = " + mode + "\nBONDMEMBERS = eth1,eth0\n");
+        Begin();
+    }
+
+    Members cards{{"eth1", "eth0"}};
+};
+
+/// Nothing was run, written or asked of the kernel but the list of cards.
+void ExpectUntouched()
+{
+    EXPECT_EQ(Changes(), Lines{});
+    EXPECT_EQ(Commands(), Lines{});
+    EXPECT_EQ(TraceOf({"write"}), Lines{});
+}
+
+// ---- GetBondMode
+
+class GetBondModeTest : public BondWorld {
+protected:
+    NICBondMode mode = nicBondBroadcast;
+};
+
+TEST_F(GetBondModeTest, TellsTheSavedModeAndNeverTheDrivers)
+{
+    Run("4");
+    EXPECT_TRUE(GetBondMode(kBond, &mode));
+    EXPECT_EQ(mode, nicBond802_3ad);
+    EXPECT_EQ(TraceOf({"open " + Attribute("mode")}), Lines{});
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(GetBondModeTest, ABondThatDoesNotRunHasNone)
+{
+    Run("4");
+    Put(kSlaves, "");
+    EXPECT_FALSE(GetBondMode(kBond, &mode));
+    EXPECT_EQ(mode, nicBondBroadcast);
+    EXPECT_EQ(Log(), LogLines{});
+    EXPECT_EQ(TraceOf({"open /mnt/mtd"}), Lines{});
+}
+
+TEST_F(GetBondModeTest, ReportsAModeThatIsNotSaved)
+{
+    Run("4");
+    Put(kBondFile, "");
+    EXPECT_FALSE(GetBondMode(kBond, &mode));
+    EXPECT_EQ(Log(), (LogLines{Error("GetBondMode", "get bond0 bondmode by config failed.")}));
+}
+
+TEST_F(GetBondModeTest, NullIsRefusedInSilence)
+{
+    EXPECT_FALSE(GetBondMode(nullptr, &mode));
+    EXPECT_FALSE(GetBondMode(kBond, nullptr));
+    EXPECT_EQ(TraceOf({"open"}), Lines{});
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(GetBondModeTest, AnyFailureOfAReadIsAFailure)
+{
+    static bool done;
+    Run("4");
+    FailEachCall(
+        [] {
+            NICBondMode read = nicBondBalanceRR;
+            done = GetBondMode(kBond, &read) && read == nicBond802_3ad;
+        },
+        [](const std::string& failed) {
+            const bool ofTheLock =
+                failed.find("O_APPEND") != std::string::npos || failed.rfind("fcntl", 0) == 0;
+            EXPECT_EQ(done, ofTheLock);
+        },
+        kMayStayOpen);
+}
+
+// ---- questions that go to the driver
+
+class BondHasMemberTest : public BondWorld {};
+
+TEST_F(BondHasMemberTest, AsksTheDriver)
+{
+    Run("1");
+    EXPECT_TRUE(BondHasMember(kBond, "eth0"));
+    EXPECT_FALSE(BondHasMember(kBond, "eth2"));
+    EXPECT_FALSE(BondHasMember(nullptr, "eth0"));
+    EXPECT_FALSE(BondHasMember(kBond, nullptr));
+}
+
+class GetBondActiveSlaveTest : public BondWorld {};
+
+TEST_F(GetBondActiveSlaveTest, AsksTheDriver)
+{
+    char name[16] = "";
+    EXPECT_TRUE(GetBondActiveSlave(kBond, name, sizeof(name)));
+    EXPECT_STREQ(name, "eth1\n");
+    EXPECT_TRUE(GetBondActiveSlave(kBond, name, 6));
+    EXPECT_STREQ(name, "eth1");
+    EXPECT_FALSE(GetBondActiveSlave(nullptr, name, sizeof(name)));
+    EXPECT_FALSE(GetBondActiveSlave(kBond, nullptr, sizeof(name)));
+}
+
+class GetBondMembersTest : public BondWorld {
+protected:
+    Table table;
+    int count = 32;
+};
+
+TEST_F(GetBondMembersTest, ListsTheMembers)
+{
+    Run("1");
+    EXPECT_TRUE(GetBondMembers(kBond, table.pointers, &count));
+    EXPECT_EQ(table.First(count), (Lines{"eth1", "eth0"}));
+}
+
+TEST_F(GetBondMembersTest, TheBondMustExist)
+{
+    Put("/sys/class/net/bond9/bonding/slaves", "eth0\n");
+    EXPECT_FALSE(GetBondMembers("bond9", table.pointers, &count));
+    EXPECT_EQ(Log().back(),
+              Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,."));
+    EXPECT_EQ(TraceOf({"open /sys"}), Lines{});
+}
+
+TEST_F(GetBondMembersTest, NullIsRefusedInSilence)
+{
+    EXPECT_FALSE(GetBondMembers(nullptr, table.pointers, &count));
+    EXPECT_FALSE(GetBondMembers(kBond, nullptr, &count));
+    EXPECT_FALSE(GetBondMembers(kBond, table.pointers, nullptr));
+    EXPECT_EQ(TraceOf({"open"}), Lines{});
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+// ---- Bond: what is refused
+
+class BondRefusalTest : public BondWorld {};
+
+TEST_F(BondRefusalTest, NullIsRefusedInSilence)
+{
+    EXPECT_FALSE(Bond(nullptr, cards.Const(), 2, nicBondBalanceRR));
+    EXPECT_FALSE(Bond(kBond, nullptr, 2, nicBondBalanceRR));
+    EXPECT_FALSE(Bond(nullptr, cards.Const(), 2, static_cast<NICBondMode>(7)));
+    EXPECT_EQ(Log(), LogLines{});
+    EXPECT_EQ(TraceOf({"open"}), Lines{});
+}
+
+TEST_F(BondRefusalTest, TheModeIsLookedAtBeforeTheName)
+{
+    for (const int mode : {7, -1}) {
+        for (const char* name : {kBond, "lan0"}) {
+            ClearLog();
+            EXPECT_FALSE(Bond(name, cards.Const(), 2, static_cast<NICBondMode>(mode)));
+            EXPECT_EQ(
+                Log(),
+                (LogLines{Error("Bond", "invalided param, mode: " + std::to_string(mode) + "\n")}));
+        }
+    }
+    ExpectUntouched();
+}
+
+TEST_F(BondRefusalTest, TheNameMustHoldBond)
+{
+    kernel.Add("lan0-eth");
+    EXPECT_FALSE(Bond("lan0-eth", cards.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(Log(), (LogLines{Error("Bond", "bond net card is not valid.[lan0-eth]")}));
+    ExpectUntouched();
+}
+
+TEST_F(BondRefusalTest, ANameWithAPointIsRefusedInSilence)
+{
+    kernel.Add("bond0.1");
+    EXPECT_FALSE(Bond("bond0.1", cards.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(Log(), LogLines{});
+    EXPECT_EQ(TraceOf({"open"}), Lines{});
+}
+
+TEST_F(BondRefusalTest, TheBondMustExist)
+{
+    EXPECT_FALSE(Bond("bond9", cards.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(Log(),
+              (LogLines{Info("FindWordInLine", "can not find bond9 in eth0,eth1,wlan0,bond0,"),
+                        Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,.")}));
+    ExpectUntouched();
+}
+
+TEST_F(BondRefusalTest, EachMemberMustExist)
+{
+    Members unknown({"eth0", "eth7"});
+    EXPECT_FALSE(Bond(kBond, unknown.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(Log().back(), Error("CheckEthExist", "can not find eth7 in eth0,eth1,wlan0,bond0,."));
+    Members none({"eth0", "eth1"});
+    none.Const()[1] = nullptr;
+    EXPECT_FALSE(Bond(kBond, none.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(TraceOf({"open " + kSlaves}), Lines{});
+    ExpectUntouched();
+}
+
+TEST_F(BondRefusalTest, ABondThatRunsMustBeEndedFirst)
+{
+    for (const char* mode : {"0", "2", "3", "4", "5", "6"}) {
+        Run(mode);
+        EXPECT_FALSE(Bond(kBond, cards.Const(), 2, static_cast<NICBondMode>(mode[0] - '0')));
+        EXPECT_EQ(Log(), (LogLines{Error("Bond", "need unbond first.[bond0]")}));
+        ExpectUntouched();
+    }
+}
+
+TEST_F(BondRefusalTest, ABondThatRunsWithoutASavedModeToo)
+{
+    Run("");
+    EXPECT_FALSE(Bond(kBond, cards.Const(), 2, nicBondActiveBackup));
+    EXPECT_EQ(LogOf("GetBondMode"),
+              (LogLines{Error("GetBondMode", "get bond0 bondmode by config failed.")}));
+    EXPECT_EQ(Log().back(), Error("Bond", "need unbond first.[bond0]"));
+    ExpectUntouched();
+}
+
+// ---- Bond: a primary for a running bond
+
+class BondPrimaryTest : public BondWorld {};
+
+TEST_F(BondPrimaryTest, TheFirstCardBecomesPrimaryWhateverModeIsAskedFor)
+{
+    Run("1");
+    const std::string bond = Get(kBondFile);
+    const std::string first = Get(kFile0);
+    for (const int mode : {1, 4, 0}) {
+        Begin();
+        EXPECT_TRUE(Bond(kBond, cards.Const(), 2, static_cast<NICBondMode>(mode)));
+        EXPECT_EQ(Get(Attribute("primary")), "eth1\0"s);
+        EXPECT_EQ(Changes(), Lines{kWritesBond});
+        EXPECT_EQ(Log(), LogLines{});
+    }
+    EXPECT_EQ(Get(kBondFile), bond + "BONDPRIMARY = eth1\n");
+    EXPECT_EQ(Get(kFile0), first);
+    EXPECT_EQ(Commands(), Lines{});
+    EXPECT_EQ(Get(Attribute("mode")), "as it was\n");
+}
+
+TEST_F(BondPrimaryTest, ItNeedNotBeAMember)
+{
+    Run("1");
+    Put(kSlaves, "eth0\n");
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 2, nicBondActiveBackup));
+    EXPECT_EQ(Get(Attribute("primary")), "eth1\0"s);
+}
+
+TEST_F(BondPrimaryTest, AnEmptyListHasAFirstCardAllTheSame)
+{
+    Run("1");
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 0, nicBondActiveBackup));
+    EXPECT_EQ(Get(Attribute("primary")), "eth1\0"s);
+}
+
+TEST_F(BondPrimaryTest, ThePrimaryIsWrittenBeforeItIsSaved)
+{
+    Run("1");
+    OnCall("fopen "s + kBondFile, [] { EXPECT_EQ(Get(Attribute("primary")), "eth1\0"s); });
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 2, nicBondActiveBackup));
+}
+
+TEST_F(BondPrimaryTest, ARefusalIsReportedAndNotSaved)
+{
+    Run("1");
+    const std::string before = Get(kBondFile);
+    Fail("write " + Attribute("primary"), EINVAL);
+    EXPECT_FALSE(Bond(kBond, cards.Const(), 2, nicBondActiveBackup));
+    EXPECT_EQ(Log(), (LogLines{Error("Bond_SetPrimary", "write " + Attribute("primary") +
+                                                            " failed.[Invalid argument]"),
+                               Error("Bond", "bond0 change primary to eth1 failed.")}));
+    EXPECT_EQ(Get(kBondFile), before);
+    EXPECT_EQ(Changes(), Lines{});
+}
+
+TEST_F(BondPrimaryTest, APrimaryThatIsNotSavedIsASuccess)
+{
+    Run("1");
+    FailAll(kWritesBond, EROFS);
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 2, nicBondActiveBackup));
+}
+
+// ---- Bond: building
+
+class BondTest : public BondWorld {};
+
+TEST_F(BondTest, BuildsThenSavesMembersThenTheBondThenRecoversIt)
+{
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 2, nicBondBalanceXOR));
+    EXPECT_EQ(TraceOf({"write", "command", "ioctl SIOCSI", "fopen " + CardFile("eth0") + " w+",
+                       kWrites1, kWritesBond}),
+              (Lines{"ioctl SIOCSIFFLAGS bond0",
+                     "write " + Attribute("mode"),
+                     "write " + Attribute("miimon"),
+                     "ioctl SIOCSIFFLAGS bond0",
+                     "command ifconfig eth1 down",
+                     "command ifconfig eth0 down",
+                     "command ifconfig eth1 0.0.0.0 up",
+                     "command ifconfig eth0 0.0.0.0 up",
+                     "ioctl SIOCSIFFLAGS bond0",
+                     "command ifenslave bond0 eth1 eth0",
+                     kWrites1,
+                     kWrites1,
+                     kWrites1,
+                     kWrites0,
+                     kWrites0,
+                     kWrites0,
+                     kWritesBond,
+                     kWritesBond,
+                     "ioctl SIOCSIFFLAGS bond0",
+                     "ioctl SIOCSIFADDR bond0",
+                     "ioctl SIOCSIFNETMASK bond0",
+                     kWritesBond,
+                     kWritesBond,
+                     kWritesBond}));
+    EXPECT_EQ(Get(Attribute("mode")), "balance-xor\0"s);
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(BondTest, SavesMembershipBesideTheCardsOwnSettings)
+{
+    const Lines before = {Get(kFile0), Get(kFile1)};
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 2, nicBondBalanceTLB));
+    const std::string membership = "BONDED = 1\nBONDNAME = bond0\nWORKMODE = 1\n";
+    EXPECT_EQ(Get(kFile0), before[0] + membership);
+    EXPECT_EQ(Get(kFile1), before[1] + membership);
+    EXPECT_EQ(Get(kBondFile), Settings(kOwnSettings) + "BONDMODE = 5\nBONDMEMBERS = eth1,eth0\n");
+}
+
+TEST_F(BondTest, TheBondTakesItsOwnSettings)
+{
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 2, nicBondBalanceRR));
+    const Card& bond = kernel.At(kBond);
+    EXPECT_EQ(bond.address, "10.2.0.2");
+    EXPECT_EQ(bond.mask, "255.255.0.0");
+    EXPECT_EQ(bond.flags, IFF_UP);
+    EXPECT_EQ(kernel.At("eth0").address, "");
+}
+
+TEST_F(BondTest, AnyNameThatHoldsBondWillDo)
+{
+    kernel.Add("mybond1");
+    for (const char* name : {"mode", "miimon"}) {
+        Put("/sys/class/net/mybond1/bonding/"s + name, "");
+    }
+    Put("/sys/class/net/mybond1/bonding/slaves", "");
+    EXPECT_TRUE(Bond("mybond1", cards.Const(), 2, nicBondBalanceALB));
+    EXPECT_EQ(Commands().back(), "ifenslave mybond1 eth1 eth0");
+}
+
+TEST_F(BondTest, AnEmptyListMakesABondOfNone)
+{
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 0, nicBondBalanceRR));
+    EXPECT_EQ(Commands(), Lines{"ifenslave bond0"});
+    EXPECT_NE(Get(kBondFile).find("BONDMEMBERS = \n"), std::string::npos);
+}
+
+TEST_F(BondTest, AModeThatCannotBeSetTouchesNoMemberAndSavesNothing)
+{
+    const Lines before = {Get(kFile0), Get(kFile1), Get(kBondFile)};
+    Fail("write " + Attribute("mode"), EBUSY);
+    EXPECT_FALSE(Bond(kBond, cards.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(Log(),
+              (LogLines{Error("Bond_SetBondMode", "write " + Attribute("mode") +
+                                                      " failed.[Device or resource busy]")}));
+    EXPECT_EQ(Commands(), Lines{});
+    EXPECT_EQ((Lines{Get(kFile0), Get(kFile1), Get(kBondFile)}), before);
+    EXPECT_EQ(kernel.At(kBond).flags, IFF_UP);
+}
+
+TEST_F(BondTest, CardsThatCannotBeJoinedAreRecoveredOneByOne)
+{
+    // The third change of the bond's flags is the one of the joining.
+    Fail("ioctl SIOCSIFFLAGS bond0", EPERM, 3);
+    const LogLine forTheFirst = Error("Bond", "Bond [bond0] failed, do recover for [eth1].");
+    const LogLine forTheSecond = Error("Bond", "Bond [bond0] failed, do recover for [eth0].");
+    OnCall("ioctl SIOCSIFFLAGS eth1", [=] { EXPECT_FALSE(Logged(forTheFirst)); });
+    OnCall("ioctl SIOCSIFFLAGS eth0", [=] {
+        EXPECT_TRUE(Logged(forTheFirst));
+        EXPECT_FALSE(Logged(forTheSecond));
+    });
+    EXPECT_FALSE(Bond(kBond, cards.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(LogOf("Bond"), (LogLines{forTheFirst, forTheSecond}));
+    EXPECT_EQ(kernel.At("eth0").address, "10.0.0.2");
+    EXPECT_EQ(kernel.At("eth1").address, "10.1.0.2");
+    EXPECT_EQ(kernel.At(kBond).address, "");
+    for (const char* card : {"eth0", "eth1", kBond}) {
+        EXPECT_EQ(Text(card).find("BOND"), std::string::npos) << card;
+        EXPECT_EQ(Text(card).find("WORKMODE"), std::string::npos) << card;
+    }
+}
+
+TEST_F(BondTest, WhatCannotBeSavedOrRecoveredIsNotReported)
+{
+    for (const std::string& file : {kWrites0, kWrites1, kWritesBond}) FailAll(file, EROFS);
+    FailAll("ioctl SIOCSIFADDR", EPERM);
+    EXPECT_TRUE(Bond(kBond, cards.Const(), 2, nicBondBalanceRR));
+}
+
+TEST_F(BondTest, NothingIsSavedUnlessTheDriverDidItsPart)
+{
+    static bool done;
+    FailEachCall(
+        [] {
+            done = Bond(kBond, Members({"eth1", "eth0"}).Const(), 2, nicBondBalanceRR);
+        },
+        [](const std::string& failed) {
+            const bool saved = Get(kFile1).find("BONDED = 1\n") != std::string::npos ||
+                               Get(kFile0).find("BONDED = 1\n") != std::string::npos ||
+                               Get(kBondFile).find("BONDMODE = 0\n") != std::string::npos;
+            EXPECT_EQ(saved, done) << failed;
+        },
+        kMayStayOpen);
+}
+
+// ---- UnBond
+
+class UnBondTest : public BondWorld {
+protected:
+    void SetUp() override
+    {
+        BondWorld::SetUp();
+        Run("2");
+    }
+};
+
+TEST_F(UnBondTest, ReleasesThenSavesTheBondThenEachMemberInTurn)
+{
+    EXPECT_TRUE(UnBond(kBond));
+    EXPECT_EQ(TraceOf({"command", "ioctl SIOCSI", "fopen " + CardFile("eth0") + " w+", kWrites1,
+                       kWritesBond}),
+              (Lines{"command ifenslave -d bond0 eth1 eth0",
+                     "command ifconfig bond0 0.0.0.0 down",
+                     kWritesBond,
+                     kWritesBond,
+                     kWrites1,
+                     kWrites1,
+                     kWrites1,
+                     "ioctl SIOCSIFFLAGS eth1",
+                     "ioctl SIOCSIFADDR eth1",
+                     "ioctl SIOCSIFNETMASK eth1",
+                     kWrites1,
+                     kWrites1,
+                     kWrites1,
+                     "ioctl SIOCSIFMTU eth1",
+                     kWrites0,
+                     kWrites0,
+                     kWrites0,
+                     "ioctl SIOCSIFFLAGS eth0",
+                     "ioctl SIOCSIFADDR eth0",
+                     "ioctl SIOCSIFNETMASK eth0",
+                     kWrites0,
+                     kWrites0,
+                     kWrites0,
+                     "ioctl SIOCSIFMTU eth0"}));
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(UnBondTest, SavesThatNoneIsAMemberAndKeepsTheBondsAddress)
+{
+    EXPECT_TRUE(UnBond(kBond));
+    const std::string none = "BONDED = 0\nBONDNAME = \nWORKMODE = 0\n";
+    EXPECT_EQ(Get(kFile0).substr(Get(kFile0).find("BONDED")), none);
+    EXPECT_EQ(Get(kFile1).substr(Get(kFile1).find("BONDED")), none);
+    EXPECT_EQ(Get(kBondFile), Settings(kOwnSettings) + "BONDMODE = \nBONDMEMBERS = \n");
+}
+
+TEST_F(UnBondTest, RecoversTheMembersTheBondHadAndNotTheSavedOnes)
+{
+    Put(kSlaves, "eth1\n");
+    EXPECT_TRUE(UnBond(kBond));
+    EXPECT_EQ(kernel.At("eth1").address, "10.1.0.2");
+    EXPECT_EQ(kernel.At("eth0").address, "");
+    EXPECT_NE(Get(kFile0).find("BONDED = 1\n"), std::string::npos);
+}
+
+TEST_F(UnBondTest, ABondWhoseLineIsBlankHasNoCardToRecover)
+{
+    Put(kSlaves, "\n");
+    EXPECT_TRUE(UnBond(kBond));
+    EXPECT_EQ(Commands(), (Lines{"ifenslave -d bond0", "ifconfig bond0 0.0.0.0 down"}));
+    EXPECT_EQ(Changes(), (Lines{kWritesBond, kWritesBond}));
+}
+
+TEST_F(UnBondTest, ReportsMembersThatCannotBeRead)
+{
+    Put(kSlaves, "");
+    EXPECT_FALSE(UnBond(kBond));
+    EXPECT_EQ(Log(), (LogLines{Error("UnBond", "get bond0 member failed.")}));
+    ExpectUntouched();
+}
+
+TEST_F(UnBondTest, ReportsADriverThatCannotBeAsked)
+{
+    // 254 characters of names: with the command's own they do not fit.
+    std::string line;
+    for (char last = 'a'; last < 'a' + 16; ++last) line += "eth-long-name-"s + last + " ";
+    Put(kSlaves, line + "\n");
+    const std::string before = Get(kBondFile);
+    EXPECT_FALSE(UnBond(kBond));
+    EXPECT_EQ(Log().back(), Error("UnBond", "unbond failed"));
+    EXPECT_EQ(Get(kBondFile), before);
+    ExpectUntouched();
+}
+
+TEST_F(UnBondTest, OtherNamesAreRefusedInSilence)
+{
+    EXPECT_FALSE(UnBond(nullptr));
+    EXPECT_FALSE(UnBond("eth0"));
+    EXPECT_EQ(TraceOf({"open"}), Lines{});
+    EXPECT_EQ(Log(), LogLines{});
+
+    EXPECT_FALSE(UnBond("bond9"));
+    EXPECT_EQ(LogOf("UnBond"), LogLines{});
+    EXPECT_EQ(Log().back(),
+              Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,."));
+    ExpectUntouched();
+}
+
+TEST_F(UnBondTest, ToolsThatFailAndSettingsThatCannotBeSavedAreNotReported)
+{
+    OnCommand("ifenslave", nullptr, 1 << 8);
+    for (const std::string& file : {kWrites0, kWrites1, kWritesBond}) FailAll(file, EROFS);
+    EXPECT_TRUE(UnBond(kBond));
+    EXPECT_EQ(kernel.At("eth1").address, "10.1.0.2");
+    EXPECT_EQ(kernel.At("eth0").address, "10.0.0.2");
+}
+
+TEST_F(UnBondTest, NothingIsSavedUnlessTheMembersWereRead)
+{
+    static bool done;
+    FailEachCall([] { done = UnBond(kBond); },
+                 [](const std::string& failed) {
+                     const bool released = Get(kFile1).find("BONDED = 0\n") != std::string::npos ||
+                                           Get(kFile0).find("BONDED = 0\n") != std::string::npos;
+                     EXPECT_EQ(released, done) << failed;
+                 },
+                 kMayStayOpen);
+}
+
+// ---- SetBondHashPolicy, GetBondHashPolicy
+
+class SetBondHashPolicyTest : public BondWorld {
+protected:
+    void SetUp() override
+    {
+        BondWorld::SetUp();
+        kernel.At(kBond).flags = IFF_UP;
+    }
+};
+
+TEST_F(SetBondHashPolicyTest, IsWrittenWhileTheBondIsDownAndSavedBehind)
+{
+    OnCall("write", [] { EXPECT_EQ(kernel.At(kBond).flags, 0); });
+    EXPECT_TRUE(SetBondHashPolicy(kBond, 2));
+    EXPECT_EQ(TraceOf({"ioctl SIOCS", "write", kWritesBond}),
+              (Lines{"ioctl SIOCSIFFLAGS bond0", "write " + Attribute("xmit_hash_policy"),
+                     "ioctl SIOCSIFFLAGS bond0", kWritesBond}));
+    EXPECT_EQ(Get(Attribute("xmit_hash_policy")), "2\0"s);
+    EXPECT_EQ(Get(kBondFile), Settings(kOwnSettings) + "LACP = 2\n");
+    EXPECT_EQ(kernel.At(kBond).flags, IFF_UP);
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(SetBondHashPolicyTest, ARefusedPolicyIsNotSavedAndTheBondIsUpAgain)
+{
+    Fail("write", EINVAL);
+    EXPECT_FALSE(SetBondHashPolicy(kBond, 2));
+    EXPECT_EQ(Get(kBondFile), Settings(kOwnSettings));
+    EXPECT_EQ(kernel.At(kBond).flags, IFF_UP);
+}
+
+TEST_F(SetBondHashPolicyTest, APolicyThatIsNotSavedIsASuccess)
+{
+    FailAll(kWritesBond, EROFS);
+    EXPECT_TRUE(SetBondHashPolicy(kBond, 2));
+}
+
+TEST_F(SetBondHashPolicyTest, OtherNamesAreRefused)
+{
+    EXPECT_FALSE(SetBondHashPolicy(nullptr, 1));
+    EXPECT_EQ(Log(), LogLines{});
+    EXPECT_FALSE(SetBondHashPolicy("eth0", 1));
+    EXPECT_EQ(Log(), (LogLines{Warn("SetBondHashPolicy", "bond net card is not valid.[eth0]")}));
+    EXPECT_EQ(TraceOf({"open"}), Lines{});
+    EXPECT_FALSE(SetBondHashPolicy("bond9", 1));
+    EXPECT_EQ(Log().back(),
+              Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,."));
+    ExpectUntouched();
+}
+
+TEST_F(SetBondHashPolicyTest, IsSavedOnlyWhenTheDriverTookItWhateverFails)
+{
+    static bool done;
+    FailEachCall([] { done = SetBondHashPolicy(kBond, 3); },
+                 [](const std::string& failed) {
+                     const bool written = Get(Attribute("xmit_hash_policy")) == "3\0"s;
+                     EXPECT_EQ(done, written) << failed;
+                     EXPECT_TRUE(done || Get(kBondFile) == Settings(kOwnSettings));
+                 },
+                 kMayStayOpen);
+}
+
+class GetBondHashPolicyTest : public BondWorld {
+protected:
+    unsigned char policy = 9;
+};
+
+TEST_F(GetBondHashPolicyTest, TellsTheSavedPolicyAndNeverTheDrivers)
+{
+    Put(kBondFile, "LACP = 3\n");
+    EXPECT_TRUE(GetBondHashPolicy(kBond, &policy));
+    EXPECT_EQ(policy, 3);
+    EXPECT_EQ(TraceOf({"open /sys"}), Lines{});
+}
+
+TEST_F(GetBondHashPolicyTest, WithoutASavedPolicyItFailsAsTheSettingDoes)
+{
+    EXPECT_FALSE(GetBondHashPolicy(kBond, &policy));
+    EXPECT_EQ(policy, 9);
+    Put(kBondFile, "LACP = 7\n");
+    EXPECT_FALSE(GetBondHashPolicy(kBond, &policy));
+    EXPECT_EQ(policy, 0);
+    EXPECT_EQ(TraceOf({"open /sys"}), Lines{});
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(GetBondHashPolicyTest, TheBondMustExist)
+{
+    EXPECT_FALSE(GetBondHashPolicy(nullptr, &policy));
+    EXPECT_FALSE(GetBondHashPolicy(kBond, nullptr));
+    EXPECT_EQ(TraceOf({"open"}), Lines{});
+    Put("/mnt/mtd/Config/networkbond9", "LACP = 3\n");
+    EXPECT_FALSE(GetBondHashPolicy("bond9", &policy));
+    EXPECT_EQ(policy, 9);
+}
+
+}  // namespace
