@@ -21,6 +21,7 @@ public:
     ///
     /// @param piece  most bytes asked for at a time; a table of the kernel is printed as far as it
     ///               is asked for, so a reader of a few rows asks for no more
+    // cppcheck-suppress uninitMemberVar  ; the buffer is filled before it is read
     explicit LineReader(int fd, size_t piece = kPageSize) : fd_(fd), piece_(piece) {}
 
     /// Stores the next piece, newline included, with its terminator.

@@ -1,5 +1,6 @@
 /*
- * The library's operations on bonds and bridges as commands, for scripts that can only start programs.
+ * The library's operations on bonds and bridges as commands, for scripts that can only start
+ * programs.
  *
  * usage: operation NAME ARGUMENT...; exit status 0 when the operation returned true
  */
@@ -10,47 +11,47 @@
 #include <string.h>
 
 struct Command {
-    const char *name;
+    const char* name;
     int least; /* arguments */
-    bool (*run)(int count, char **arguments);
+    bool (*run)(int count, char** arguments);
 };
 
-static bool RunBond(int count, char **arguments)
+static bool RunBond(int count, char** arguments)
 {
-    const char **members = (const char **)(arguments + 2);
+    const char** members = (const char**)(arguments + 2);
     return Bond(arguments[0], members, count - 2, (NICBondMode)atoi(arguments[1]));
 }
 
-static bool RunUnBond(int count, char **arguments)
+static bool RunUnBond(int count, char** arguments)
 {
     (void)count;
     return UnBond(arguments[0]);
 }
 
-static bool RunHash(int count, char **arguments)
+static bool RunHash(int count, char** arguments)
 {
     (void)count;
     return SetBondHashPolicy(arguments[0], (unsigned char)atoi(arguments[1]));
 }
 
-static bool RunMtu(int count, char **arguments)
+static bool RunMtu(int count, char** arguments)
 {
     (void)count;
     return NetSetMtubyName(arguments[0], atoi(arguments[1]));
 }
 
-static bool RunBridge(int count, char **arguments)
+static bool RunBridge(int count, char** arguments)
 {
     return Bridge(arguments[0], arguments + 1, count - 1);
 }
 
-static bool RunUnBridge(int count, char **arguments)
+static bool RunUnBridge(int count, char** arguments)
 {
     (void)count;
     return UnBridge(arguments[0]);
 }
 
-static bool RunTree(int count, char **arguments)
+static bool RunTree(int count, char** arguments)
 {
     (void)count;
     STPInfo tree;
@@ -60,13 +61,13 @@ static bool RunTree(int count, char **arguments)
     return BridgeControl(arguments[0], &tree);
 }
 
-static bool RunRecover(int count, char **arguments)
+static bool RunRecover(int count, char** arguments)
 {
     (void)count;
     return NetCardRecover(arguments[0]);
 }
 
-static bool RunActive(int count, char **arguments)
+static bool RunActive(int count, char** arguments)
 {
     (void)count;
     char name[16];
@@ -76,12 +77,12 @@ static bool RunActive(int count, char **arguments)
 }
 
 static const struct Command kCommands[] = {
-    {"bond", 3, RunBond},     {"unbond", 1, RunUnBond},     {"hash", 2, RunHash},
-    {"mtu", 2, RunMtu},       {"bridge", 2, RunBridge},     {"unbridge", 1, RunUnBridge},
-    {"tree", 3, RunTree},     {"recover", 1, RunRecover},   {"active", 1, RunActive},
+    {"bond", 3, RunBond}, {"unbond", 1, RunUnBond},   {"hash", 2, RunHash},
+    {"mtu", 2, RunMtu},   {"bridge", 2, RunBridge},   {"unbridge", 1, RunUnBridge},
+    {"tree", 3, RunTree}, {"recover", 1, RunRecover}, {"active", 1, RunActive},
 };
 
-int main(int argc, char **argv)
+int main(int argc, char** argv)
 {
     for (size_t i = 0; argc > 1 && i < sizeof(kCommands) / sizeof(kCommands[0]); ++i) {
         if (strcmp(argv[1], kCommands[i].name) != 0 || argc - 2 < kCommands[i].least) continue;

@@ -1,6 +1,6 @@
 /*
- * The layout of every record that crosses the library's border, as numbers: applications, drivers and
- * tools were built against them. Compiled as C11 and as C++17; to compile is to pass.
+ * The layout of every record that crosses the library's border, as numbers: applications, drivers
+ * and tools were built against them. Compiled as C11 and as C++17; to compile is to pass.
  */
 #include "Backup.h"
 #include "Route.h"
