@@ -182,7 +182,7 @@ INSTANTIATE_TEST_SUITE_P(
                      },
                      kBrFile,
                      {"BRIDGEMEMBERS = eth0,eth1"}},
-        SavedSetting{"EdgePort",
+        SavedSetting{"NoEdgePort",
                      [] { return DelEdgePortByconfig("br0", "eth1"); },
                      kBridgeFile,
                      {"SSIF_EDGE[0] = "}},
