@@ -1,8 +1,11 @@
 // Contents:
-//   The module's state, and what all chapters ask of it
+//   The module's state, and what several chapters ask
 //   Program: entries, command forms, the order of a boot
 //   PoE setting files: two names for one file
-//   Saved topology: what the cards' files say about bonds and bridges
+//   Saved bonds: modes of old files, the cards' claims against the bonds' lists
+//   Saved bridges: the same for bridges
+//   Work modes: what follows for each card
+//   Live members: what the drivers say
 //   Addresses: a usable address for every card, the default card, the resolvers
 //   Bringing up: cards and routes
 //
@@ -20,9 +23,12 @@
 #include "Route.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
+#include "Support/NameList.h"
 #include "Support/Text.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 #include <arpa/inet.h>
 
@@ -44,7 +50,9 @@ int32_t g_bondedListNum = kMaxInterfaces;
 Name g_bridgedEthNames[kMaxInterfaces] = {};
 int32_t g_bridgedListNum = kMaxInterfaces;
 
-// ---- what all chapters ask
+// ---- names
+
+constexpr size_t kBridgeMemberSize = 33;  // entries of a bridge's list are not cut to a name's size
 
 bool IsBond(const char* name)
 {
@@ -65,6 +73,8 @@ bool IsPresent(const char* name)
 {
     return FindWordInLine(eths, name, ',') != nullptr;
 }
+
+// ---- saved addresses
 
 /// An address, its mask and its gateway, network byte order.
 struct Triple {
@@ -95,6 +105,89 @@ bool ParseTriple(const TripleText& text, Triple* triple)
 bool IsOneNet(const Triple& triple)
 {
     return ((triple.address ^ triple.gateway) & triple.mask) == 0;
+}
+
+// ---- claims of the cards
+
+/// The cards that say they are in one bond or bridge.
+struct MemberSlot {
+    int32_t num;
+    Name names[kMaxInterfaces];
+};
+static_assert(sizeof(MemberSlot) == 516, "one fixed record for each bond or bridge");
+
+/// The claims for all bonds, or for all bridges, by number. A slot is made when it is needed.
+class Claims {
+public:
+    static constexpr uint32_t kSlots = 32;
+
+    Claims() = default;
+    ~Claims()
+    {
+        for (MemberSlot* slot : slots_) free(slot);
+    }
+    Claims(const Claims&) = delete;
+    Claims& operator=(const Claims&) = delete;
+
+    void Add(uint32_t number, const char* card)
+    {
+        MemberSlot*& slot = slots_[number];
+        if (slot == nullptr) slot = static_cast<MemberSlot*>(calloc(1, sizeof(MemberSlot)));
+        if (slot == nullptr) {
+            complete_ = false;
+            return;
+        }
+        CopyText(slot->names[slot->num], card);
+        ++slot->num;
+    }
+
+    MemberSlot* Of(uint32_t number) const { return slots_[number]; }
+
+    /// False when there was no memory for a claim: the lists are not judged by the others then.
+    bool AreComplete() const { return complete_; }
+
+private:
+    MemberSlot* slots_[kSlots] = {};
+    bool complete_ = true;
+};
+
+/// The number in a name, from that character on; a negative one counts as a large one.
+uint32_t NumberFrom(const char* name, size_t place)
+{
+    return static_cast<uint32_t>(atoi(name + place));
+}
+
+bool HoldsAll(const MemberSlot& slot, const NameList& members)
+{
+    for (const char* member : members) {
+        int32_t i = 0;
+        while (i < slot.num && strncmp(slot.names[i], member, sizeof(Name)) != 0) ++i;
+        if (i == slot.num) return false;
+    }
+    return true;
+}
+
+using ListWriter = bool (*)(const char* master, const char** members, int count);
+
+void SaveMembers(const char* master, const MemberSlot& slot, ListWriter save)
+{
+    const char* members[kMaxInterfaces];
+    for (int32_t i = 0; i < slot.num; ++i) members[i] = slot.names[i];
+    (void)save(master, members, slot.num);
+}
+
+// ---- cards that leave
+
+void LeaveBond(const char* card)
+{
+    (void)SetEthIsBondedByConfig(card, false);
+    (void)SetEthBondNameByConfig(card, "");
+}
+
+void LeaveBridge(const char* card)
+{
+    (void)SetEthIsBridgedByConfig(card, false);
+    (void)SetEthBridgeNameByConfig(card, "");
 }
 
 }  // namespace
@@ -186,8 +279,15 @@ int32_t EnterInterfaces(int32_t first)
 /// before.
 bool Boot(int32_t firstCount)
 {
-    if (!CheckWorkmodeConfig()) (void)CheckWorkmodeConfig();
-
+    (void)CheckTrunkBondConfig();
+    (void)CheckBondConfig();
+    (void)CheckBridgeConfig();
+    if (!CheckWorkmodeConfig()) {
+        // A card was taken out of both its bond and its bridge: their lists must lose it.
+        (void)CheckBondConfig();
+        (void)CheckBridgeConfig();
+        (void)CheckWorkmodeConfig();
+    }
     (void)CheckBackup();
     (void)CheckEth0Config();
     (void)CheckEthCardConfig();
@@ -393,44 +493,248 @@ int BackupPoEConfig(void)
     return 0;
 }
 
-// ==== Saved topology ====
+// ==== Saved bonds ====
 
 namespace vorlix {
 
 namespace {
 
-void LeaveBond(const char* card)
+// ---- modes of old bond files
+
+/// Numbers of the bond modes before the member list was saved with them.
+enum TrunkBondMode : int32_t {
+    nicTrunkBondActiveBackup = 1,
+    nicTrunkBondBalanceRR = 2,
+    nicTrunkBondBalanceALB = 3,
+    nicTrunkBondBalanceTLB = 4,
+    nicTrunkBond802_3ad = 5,
+    nicTrunkBondBalanceXOR = 6,
+    nicTrunkBondBroadcast = 7
+};
+
+struct TrunkMode {
+    TrunkBondMode old;
+    NICBondMode present;
+};
+
+constexpr TrunkMode kTrunkModes[] = {
+    {nicTrunkBondActiveBackup, nicBondActiveBackup}, {nicTrunkBondBalanceRR, nicBondBalanceRR},
+    {nicTrunkBondBalanceALB, nicBondBalanceALB},     {nicTrunkBondBalanceTLB, nicBondBalanceTLB},
+    {nicTrunkBond802_3ad, nicBond802_3ad},           {nicTrunkBondBalanceXOR, nicBondBalanceXOR},
+    {nicTrunkBondBroadcast, nicBondBroadcast}};
+
+void ConvertTrunkMode(char* bond)
 {
-    (void)SetEthIsBondedByConfig(card, false);
-    (void)SetEthBondNameByConfig(card, "");
+    constexpr char kOperation[] = "CheckTrunkBondConfig";
+    bool isTrunk = false;
+    if (!IsTrunkBondConfig(bond, &isTrunk) || !isTrunk) return;
+
+    NICBondMode saved{};
+    if (!GetBondModeByConfig(bond, &saved)) return;
+
+    const auto old = static_cast<int32_t>(saved);
+    LOG_INFO_AS(kOperation, "ifName: %s, oldBondMode: %d", bond, old);
+    for (const TrunkMode& mode : kTrunkModes) {
+        if (mode.old != old) continue;
+
+        LOG_INFO_AS(kOperation, "ifName: %s, bondmode: %d", bond, static_cast<int>(mode.present));
+        (void)SetBondModeByConfig(bond, mode.present);
+        return;
+    }
+    LOG_WARN_AS(kOperation, "Unknown mode: %d", old);
 }
 
-void LeaveBridge(const char* card)
+// ---- claims and lists
+
+constexpr char kFirstBond[] = "bond0";
+constexpr size_t kBondNumberPlace = 4;
+constexpr uint32_t kLastSettledBond = 15;  // claims are taken up to 31, and stay unseen from 16 on
+constexpr auto kNoBondMode = static_cast<NICBondMode>(-1);
+
+/// The bond that a card's file says it is in. One without a name is the first bond.
+bool ReadBondClaim(const char* card, Name& bond)
 {
-    (void)SetEthIsBridgedByConfig(card, false);
-    (void)SetEthBridgeNameByConfig(card, "");
+    bool bonded = false;
+    if (!GetEthIsBondedByConfig(card, &bonded) || !bonded) return false;
+    if (GetEthBondNameByConfig(card, bond, sizeof(bond))) return IsBond(bond) && IsPresent(bond);
+    if (!IsPresent(kFirstBond)) return false;
+
+    CopyText(bond, kFirstBond);
+    (void)SetEthBondNameByConfig(card, bond);
+    return true;
 }
 
-// ---- live members
-
-using MemberQuery = bool (*)(const char* master, char** members, int* count);
-
-/// Adds the live members of a bond or bridge behind the `count` names collected so far. One that
-/// cannot be asked has none.
-/// @return false when the names are more than the table holds
-bool AddMembers(MemberQuery query, const char* master, char** names, int32_t* count)
+void ClaimBond(const char* card, Claims* claims)
 {
-    int found = kMaxInterfaces - *count;
-    if (!query(master, names + *count, &found)) return true;
+    Name bond = {};
+    if (!ReadBondClaim(card, bond)) {
+        LeaveBond(card);
+        return;
+    }
+    (void)SetWorkModeByConfig(card, netModeBond);
+    const uint32_t number = NumberFrom(bond, kBondNumberPlace);
+    if (number < Claims::kSlots) {
+        claims->Add(number, card);
+        return;
+    }
+    LOG_ERROR_AS("CheckBondConfig", "can not handle %s", bond);
+    LeaveBond(card);  // its work mode is mended by CheckWorkmodeConfig
+}
 
-    *count += found;
-    if (*count <= kMaxInterfaces) return true;
+bool IsBondInOrder(const char* bond, const MemberSlot& slot)
+{
+    NameTable<kMaxInterfaces, kNameSize> members;
+    int count = kMaxInterfaces;
+    if (!GetBondMemberByConfig(bond, members.Pointers(), &count)) {
+        LOG_WARN_AS("CheckBondConfig", "can not get bond member from config.");
+        return false;
+    }
+    if (count == slot.num && HoldsAll(slot, members.First(count))) return true;
 
-    LOG_ERROR_AS("getAllBondOrBrSlave", "the bonded eth over %d", kMaxInterfaces);
+    LOG_WARN_AS("CheckBondConfig", "config from bondmember is different from eth config");
     return false;
 }
 
-// ---- work modes
+/// A bond of no card or one: no mode, no members, and the card stands alone.
+void DissolveBond(const char* bond, const MemberSlot* slot)
+{
+    const char* nobody[] = {""};
+    (void)SetBondModeByConfig(bond, kNoBondMode);
+    (void)SetBondMemberByConfig(bond, nobody, 1);
+    if (slot == nullptr) return;
+
+    LeaveBond(slot->names[0]);
+    LOG_WARN_AS("CheckBondConfig", "the %s's member[%s] from eth config is 1", bond,
+                slot->names[0]);
+}
+
+void SettleBond(const char* bond, MemberSlot* slot)
+{
+    if (slot == nullptr || slot->num < 2) {
+        DissolveBond(bond, slot);
+        return;
+    }
+    NICBondMode mode{};
+    if (!GetBondModeByConfig(bond, &mode)) {
+        LOG_WARN_AS("CheckBondConfig", "%s bond  mode is unknow, set default to activebackup",
+                    bond);
+        (void)SetBondModeByConfig(bond, nicBondActiveBackup);
+    }
+    if (IsBondInOrder(bond, *slot)) return;
+
+    for (int32_t i = 0; i < slot->num; ++i) {
+        if (Equal(slot->names[i], "eth0")) std::swap(slot->names[i], slot->names[0]);
+    }
+    SaveMembers(bond, *slot, SetBondMemberByConfig);
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool CheckTrunkBondConfig(void)
+{
+    LOG_INFO("CheckTrunkBondConfig");
+    for (int32_t i = 0; i < ethNum; ++i) {
+        if (IsBond(ethNames[i])) ConvertTrunkMode(ethNames[i]);
+    }
+    return true;
+}
+
+bool CheckBondConfig(void)
+{
+    Claims claims;
+    for (int32_t i = 0; i < ethNum; ++i) {
+        if (IsCard(ethNames[i])) ClaimBond(ethNames[i], &claims);
+    }
+    for (int32_t i = 0; i < ethNum && claims.AreComplete(); ++i) {
+        if (!IsBond(ethNames[i])) continue;
+
+        const uint32_t number = NumberFrom(ethNames[i], kBondNumberPlace);
+        if (number <= kLastSettledBond) SettleBond(ethNames[i], claims.Of(number));
+    }
+    return true;
+}
+
+// ==== Saved bridges ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr size_t kBridgeNumberPlace = 2;
+constexpr size_t kBridgeNameSize = 6;
+
+/// Unlike a bond, a bridge need not be present to be claimed: it is made later. One whose number
+/// has no slot keeps its card and is not looked at.
+void ClaimBridge(const char* card, Claims* claims)
+{
+    bool bridged = false;
+    Name bridge = {};
+    const bool hasFlag = GetEthIsBridgedByConfig(card, &bridged);
+    const bool hasName = GetEthBridgeNameByConfig(card, bridge, sizeof(bridge));
+    if (!hasFlag || !hasName || !bridged || !IsBridge(bridge)) {
+        LeaveBridge(card);
+        return;
+    }
+    (void)SetWorkModeByConfig(card, netModeBridge);
+    const uint32_t number = NumberFrom(bridge, kBridgeNumberPlace);
+    if (number < Claims::kSlots) claims->Add(number, card);
+}
+
+bool IsBridgeInOrder(const char* bridge, const MemberSlot& slot)
+{
+    NameTable<kMaxInterfaces, kBridgeMemberSize> members;
+    int count = kMaxInterfaces;
+    return GetBridgeMemberByConfig(bridge, members.Pointers(), &count) && count == slot.num &&
+           HoldsAll(slot, members.First(count));
+}
+
+/// @return true when the list was in order as it stood
+bool SettleBridge(const char* bridge, const MemberSlot* slot)
+{
+    if (slot == nullptr) {
+        if (CheckConfigFile(bridge)) (void)DelConfigFile(bridge);
+        return false;
+    }
+    if (slot->num < 2) {
+        (void)DelConfigFile(bridge);
+        LeaveBridge(slot->names[0]);
+        LOG_WARN_AS("CheckBridgeConfig", "the %s's member[%s] from eth config is 1", bridge,
+                    slot->names[0]);
+        return false;
+    }
+    if (IsBridgeInOrder(bridge, *slot)) return true;
+
+    SaveMembers(bridge, *slot, SetBridgeMemberByConfig);
+    return false;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool CheckBridgeConfig(void)
+{
+    Claims claims;
+    for (int32_t i = 0; i < ethNum; ++i) {
+        if (IsCard(ethNames[i])) ClaimBridge(ethNames[i], &claims);
+    }
+    // Over the numbers, since a bridge need not be there yet. The first one in order ends the walk:
+    // those behind it are not looked at in this boot.
+    for (uint32_t number = 0; number < Claims::kSlots && claims.AreComplete(); ++number) {
+        char bridge[kBridgeNameSize];
+        FormatText(bridge, sizeof(bridge), "br%u", number);
+        if (SettleBridge(bridge, claims.Of(number))) break;
+    }
+    return true;
+}
+
+// ==== Work modes ====
+
+namespace vorlix {
+
+namespace {
 
 bool IsMarkedBonded(const char* card)
 {
@@ -488,6 +792,33 @@ bool CheckWorkmodeConfig(void)
     }
     return clear;
 }
+
+// ==== Live members ====
+
+namespace vorlix {
+
+namespace {
+
+using MemberQuery = bool (*)(const char* master, char** members, int* count);
+
+/// Adds the live members of a bond or bridge behind the `count` names collected so far. One that
+/// cannot be asked has none.
+/// @return false when the names are more than the table holds
+bool AddMembers(MemberQuery query, const char* master, char** names, int32_t* count)
+{
+    int found = kMaxInterfaces - *count;
+    if (!query(master, names + *count, &found)) return true;
+
+    *count += found;
+    if (*count <= kMaxInterfaces) return true;
+
+    LOG_ERROR_AS("getAllBondOrBrSlave", "the bonded eth over %d", kMaxInterfaces);
+    return false;
+}
+
+}  // namespace
+
+}  // namespace vorlix
 
 bool getAllBondOrBrSlave(void)
 {

@@ -11,7 +11,8 @@
 /// Contents:
 ///   Program: entries, command forms, the order of a boot
 ///   PoE setting files: two names for one file
-///   Saved topology: what the cards' files say about bonds and bridges
+///   Saved bonds, saved bridges, work modes: which card belongs where
+///   Live members: what the drivers say
 ///   Addresses: a usable address for every card, the default card, the resolvers
 ///   Bringing up: cards and routes
 
@@ -56,11 +57,33 @@ VORLIX_API void PrintfHelp(void);
 /// @return 0, or -1 when the directory cannot be opened
 VORLIX_API int BackupPoEConfig(void);
 
-// ==== Saved topology ====
+// ==== Saved bonds ====
 //
-// The topology is saved twice: each card's file names its bond or bridge, and the file of each bond
-// or bridge lists its members. The cards' files are the authority. Names that hold "bond" are
-// bonds, names that hold "br" are bridges, all others are cards.
+// What belongs together is saved twice: each card's file names its bond or bridge, and the file of
+// each bond or bridge lists its members. The cards' files are the authority; nothing here asks or
+// changes the kernel. Names that hold "bond" are bonds, names that hold "br" are bridges, all
+// others are cards.
+
+/// Converts the bond modes of old releases, told by a bond's file without member list.
+/// @return always true
+/// @errors a number that was no mode: Warn, and the file stays
+VORLIX_API bool CheckTrunkBondConfig(void);
+
+/// Makes the bonds' files agree with the cards' claims. A claim for a bond that is not listed is
+/// dropped, a bond of fewer than two cards is dissolved, and a list that differs is written anew,
+/// with eth0 in front. Bonds above 15 are passed over.
+/// @return always true
+VORLIX_API bool CheckBondConfig(void);
+
+// ==== Saved bridges ====
+
+/// Makes the files of br0 to br31 agree with the cards' claims. A bridge need not be listed to be
+/// claimed; the file of one with fewer than two cards is removed. The first bridge whose list is
+/// in order ends the walk: those behind it are not looked at in this boot.
+/// @return always true
+VORLIX_API bool CheckBridgeConfig(void);
+
+// ==== Work modes ====
 
 /// Derives each card's work mode from its bond and bridge flags, and saves it.
 ///
@@ -68,6 +91,8 @@ VORLIX_API int BackupPoEConfig(void);
 ///         out of both, and the member lists want another look
 /// @errors a flag that cannot be read: Warn, and it is saved as not set; both flags: Error
 VORLIX_API bool CheckWorkmodeConfig(void);
+
+// ==== Live members ====
 
 /// Collects the live members of all listed bonds and bridges, from the kernel, for
 /// `addAllCardNetRoute`.
