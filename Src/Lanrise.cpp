@@ -7,7 +7,7 @@
 //   Work modes: what follows for each card
 //   Live members: what the drivers say
 //   Addresses: a usable address for every card, the default card, the resolvers
-//   Bringing up: cards and routes
+//   Bringing up: bonds, bridges, cards and routes
 //
 // Each chapter has its own helpers directly above its operations.
 
@@ -294,8 +294,10 @@ bool Boot(int32_t firstCount)
     (void)CheckBondCardConfig();
     (void)CheckWlanCardConfig();
     (void)CheckDefSwitchConfig();
+    (void)DoBondStuff();
+    (void)DoBridgeStuff();
 
-    ethNum = kMaxInterfaces;
+    ethNum = kMaxInterfaces;  // bonds and bridges exist now
     (void)ListInterfaces();
     memset(eths, 0, sizeof(eths));
     // Only what the first listing had not: the default card is looked for among the interfaces that
@@ -1136,6 +1138,49 @@ constexpr const char* kDeviceKinds[] = {"eth", "wlan", "bond", "br", "ppp", "lte
 
 constexpr int kRoutesLookedAt = 32;
 
+// ---- bonds and bridges
+
+constexpr char kBridgeFileStart[] = "networkbr";
+constexpr unsigned kBondPause = 2;  // seconds that a bond gets to settle
+
+bool TakesHashPolicy(NICBondMode mode)
+{
+    return mode == nicBondBalanceXOR || mode == nicBond802_3ad || mode == nicBondBalanceTLB;
+}
+
+void BuildBond(const char* bond)
+{
+    NICBondMode mode = nicBondActiveBackup;
+    if (!GetBondModeByConfig(bond, &mode)) return;
+
+    unsigned char policy = 0;
+    if (TakesHashPolicy(mode) && GetBondHashPolicyByConfig(bond, &policy)) {
+        (void)Bond_SetHashPolicy(bond, policy);
+    }
+    NameTable<kMaxInterfaces, kNameSize> members;
+    int count = kMaxInterfaces;
+    if (!GetBondMemberByConfig(bond, members.Pointers(), &count)) {
+        LOG_ERROR_AS("DoBondStuff", "GetBondMemberByConfig failed.[%s]", bond);
+        return;
+    }
+    if (count > 1 && !Bond(bond, const_cast<const char**>(members.Pointers()), count, mode)) {
+        LOG_WARN_AS("DoBondStuff", "bond failed!");
+    }
+    (void)sleep(kBondPause);  // built or not
+}
+
+void BuildBridge(const char* file)
+{
+    Name bridge = {};
+    if (!Contains(file, kBridgeFileStart) || sscanf(file, "network%15s", bridge) != 1) return;
+
+    NameTable<kMaxInterfaces, kBridgeMemberSize> members;
+    int count = kMaxInterfaces;
+    if (!GetBridgeMemberByConfig(bridge, members.Pointers(), &count) || count < 2) return;
+
+    if (!Bridge(bridge, members.Pointers(), count)) LOG_WARN_AS("DoBridgeStuff", "Bridge failed");
+}
+
 // ---- routes taken away
 
 bool IsOverDevice(const IPv4Route& route)
@@ -1253,6 +1298,30 @@ void addAllCardNetRoute(void)
         if (name[0] != '\0' && !IsMember(name) && HasNetRoute(name)) addRouteByName(name);
     }
     addDefRoute();
+}
+
+bool DoBondStuff(void)
+{
+    for (int32_t i = 0; i < ethNum; ++i) {
+        const char* name = ethNames[i];
+        if (IsBond(name) && !Contains(name, ".")) BuildBond(name);
+    }
+    return true;
+}
+
+bool DoBridgeStuff(void)
+{
+    Directory folder(opendir(kConfigFolder));
+    if (folder == nullptr) {
+        LOG_ERROR("can not open %s", kConfigFolder);
+        return false;
+    }
+    while (const dirent* entry = readdir(folder.get())) {
+        if (entry->d_type == DT_REG) BuildBridge(entry->d_name);
+    }
+    folder.reset();
+    (void)BridgeByInterNic(nullptr);
+    return true;
 }
 
 bool RecoverOtherEth(void)

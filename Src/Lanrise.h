@@ -14,7 +14,7 @@
 ///   Saved bonds, saved bridges, work modes: which card belongs where
 ///   Live members: what the drivers say
 ///   Addresses: a usable address for every card, the default card, the resolvers
-///   Bringing up: cards and routes
+///   Bringing up: bonds, bridges, cards and routes
 
 #include "Types.h"
 
@@ -159,6 +159,18 @@ VORLIX_API void addRouteByName(const char* ifname);
 /// Adds the net route of every listed interface that has one of its own, which members of bonds and
 /// bridges have not, then the net route of the default card and the default route.
 VORLIX_API void addAllCardNetRoute(void);
+
+/// Builds every listed bond from its file: hash policy where its mode takes one, then the bond,
+/// when it has two members or more. Pauses for 2 seconds behind each bond whose list could be read.
+/// @return always true
+/// @errors no member list: Error; a bond that cannot be built: Warn
+VORLIX_API bool DoBondStuff(void);
+
+/// Builds every bridge that has a setting file listing two members or more, in the directory's
+/// order, then the internal bridge.
+/// @return false when the directory cannot be opened; nothing is built then
+/// @errors no directory: Error; a bridge that cannot be built: Warn
+VORLIX_API bool DoBridgeStuff(void);
 
 /// Puts the saved settings back on every card that is in neither a bond nor a bridge by its saved
 /// work mode.
