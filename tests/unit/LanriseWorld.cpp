@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include <arpa/inet.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -19,6 +20,13 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr char kFolder[] = "/mnt/mtd/Config";
+
+/// What a device's memories hold from one process to the next.
+struct BackupBytes {
+    uint8_t rtc[256];
+    uint8_t sram[256];
+    uint8_t cmos[256];
+};
 
 uint32_t Word(const std::string& address)
 {
@@ -68,16 +76,26 @@ void List(const std::vector<std::string>& cards)
 
 void InNewProcess(const std::function<void()>& run)
 {
+    auto* kept = static_cast<BackupBytes*>(mmap(
+        nullptr, sizeof(BackupBytes), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    ASSERT_NE(kept, MAP_FAILED);
     fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
         run();
+        memcpy(kept->rtc, kernel.rtc.bytes, sizeof(kept->rtc));
+        memcpy(kept->sram, kernel.sram.bytes, sizeof(kept->sram));
+        memcpy(kept->cmos, cmos.bytes, sizeof(kept->cmos));
         fflush(nullptr);
         _exit(testing::Test::HasFailure() ? 1 : 0);
     }
     int status = 0;
     waitpid(child, &status, 0);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    memcpy(kernel.rtc.bytes, kept->rtc, sizeof(kept->rtc));
+    memcpy(kernel.sram.bytes, kept->sram, sizeof(kept->sram));
+    memcpy(cmos.bytes, kept->cmos, sizeof(kept->cmos));
+    munmap(kept, sizeof(BackupBytes));
 }
 
 std::map<std::string, std::string> SavedFiles()

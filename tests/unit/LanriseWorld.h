@@ -21,7 +21,7 @@ bool Lanrise(const std::vector<std::string>& words);
 void List(const std::vector<std::string>& cards);
 
 /// Runs in a process of its own, as a boot does: module and kernel start as they are here, and what
-/// `run` does to them stays there. Files and log are shared.
+/// `run` does to them stays there. Files, backup memory and log are the device's and are kept.
 void InNewProcess(const std::function<void()>& run);
 
 /// The files of the settings folder with their texts.
