@@ -61,7 +61,6 @@ using NameSet = std::set<std::string>;
 TEST_F(BackupPoEConfigTest, ACardsPoEFileGetsItsPoEName)
 {
     PutFile("networketh0:poe");
-    // The directory tells of one file; what is added to it meanwhile is not shown.
     EXPECT_EQ(BackupPoEConfig(), 0);
     EXPECT_TRUE(AreOneFile("networketh0:poe", "networkpoe0"));
     EXPECT_EQ(Names(), (NameSet{"networketh0:poe", "networkpoe0"}));
