@@ -273,8 +273,7 @@ TEST_F(BootTest, WithoutTheKernelsTableThereIsNothingToDo)
 {
     AddCard("eth0");
     Must("mkdir /mnt/empty");
-    const Result result = Try("mount --bind /mnt/empty /proc && " VORLIX_LANRISE
-                              "; status=$?; umount /proc; exit $status");
+    const Result result = Try("mount --bind /mnt/empty /proc/$$/net && exec " VORLIX_LANRISE);
     EXPECT_EQ(result.status, 255);
     const output::Parts parts = output::TakeApart(result.output);
     EXPECT_EQ(parts.log,

@@ -1,3 +1,5 @@
+#include "Config.h"
+
 #include "Program.h"
 
 #include <filesystem>
@@ -133,6 +135,28 @@ TEST_F(AddressFormTest, ANameOfAnyLengthIsTaken)
     EXPECT_EQ(Lanrise(std::string(3000, 'x') + ":1 1.2.3.4 255.0.0.0 1.0.0.1").status, 0);
     EXPECT_EQ(Lanrise("eth1 " + std::string(3000, '1') + " 255.0.0.0 1.0.0.1").status, 255);
     ExpectNothingChanged();
+}
+
+TEST_F(AddressFormTest, BesideTheApplicationNeitherLosesASetting)
+{
+    constexpr int kRuns = 25;
+    Child application([] {
+        for (int mtu = 1300; mtu < 1300 + 4 * kRuns; ++mtu) {
+            EXPECT_TRUE(SetMtuByConfig("eth1", mtu));
+            int read = 0;
+            EXPECT_TRUE(GetMtuByConfig("eth1", &read));
+            ASSERT_EQ(read, mtu);
+        }
+    });
+    for (int i = 1; i <= kRuns; ++i) {
+        const std::string address = "10.5.0." + std::to_string(i);
+        ASSERT_EQ(Lanrise("eth1 " + address + " 255.255.0.0 10.5.0.254").status, 0);
+        ASSERT_EQ(Addresses("eth1"), Texts{address + "/16"});
+    }
+    EXPECT_TRUE(application.Wait());
+    EXPECT_EQ(Saved("eth1", "HOSTIP"), "10.5.0.25");
+    EXPECT_EQ(Saved("eth1", "MTU"), "1399");
+    EXPECT_EQ(Saved("eth1", "WORKMODE"), "0");
 }
 
 // ---- lanrise setdef <ethname>
