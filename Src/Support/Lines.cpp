@@ -61,7 +61,6 @@ void LineReader::Rewind()
         offset_ = 0;
         end_ = 0;
         ended_ = false;
-        failed_ = false;
     }
     begin_ = 0;
 }

@@ -228,6 +228,9 @@ TEST_F(LineReaderTest, AnInterruptedReadIsRepeated)
     Fail("pread", EINTR);
     EXPECT_EQ(Next(reader), "one\n");
     EXPECT_EQ(Reads(), 3U);
+    Fail("pread", EINTR);
+    EXPECT_EQ(Next(reader), "(end)");
+    EXPECT_EQ(Reads(), 5U);
 }
 
 TEST_F(LineReaderTest, AFailedReadIsNotRepeated)
