@@ -95,6 +95,12 @@ bool TryLink(const std::string& words);
             GTEST_SKIP() << "this kernel cannot make: ip link add " words;                         \
     } while (false)
 
+/// The same where an outside tool is not installed.
+#define NEEDS_TOOL(name)                                                                           \
+    do {                                                                                           \
+        if (device::Try("command -v " name).status != 0) GTEST_SKIP() << "not installed: " name;   \
+    } while (false)
+
 // ---- the kernel's state, as iproute2 tells it
 
 /// The records of `ip -j <words>`: the innermost ones, each a map of its plain fields.
