@@ -14,9 +14,9 @@ protected:
     void SetUp() override
     {
         Device::SetUp();
-        NEEDS_LINK("br31 type bridge");
         NEEDS_TOOL("brctl");
         NEEDS_TOOL("ifconfig");
+        NEEDS_LINK("br31 type bridge");
         Must("ip link del br31");
         AddCards(4);
         for (int i = 0; i < 4; ++i) Save("eth" + std::to_string(i), i, {"WORKMODE = 0"});
