@@ -79,13 +79,17 @@ void InNewProcess(const std::function<void()>& run)
     auto* kept = static_cast<BackupBytes*>(mmap(
         nullptr, sizeof(BackupBytes), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     ASSERT_NE(kept, MAP_FAILED);
+    const auto keep = [kept] {
+        memcpy(kept->rtc, kernel.rtc.bytes, sizeof(kept->rtc));
+        memcpy(kept->sram, kernel.sram.bytes, sizeof(kept->sram));
+        memcpy(kept->cmos, cmos.bytes, sizeof(kept->cmos));
+    };
+    keep();
     fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
         run();
-        memcpy(kept->rtc, kernel.rtc.bytes, sizeof(kept->rtc));
-        memcpy(kept->sram, kernel.sram.bytes, sizeof(kept->sram));
-        memcpy(kept->cmos, cmos.bytes, sizeof(kept->cmos));
+        keep();
         fflush(nullptr);
         _exit(testing::Test::HasFailure() ? 1 : 0);
     }

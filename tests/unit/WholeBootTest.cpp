@@ -4,10 +4,11 @@
 
 #include "Lanrise.h"
 
-#include <cstring>
+#include <algorithm>
 #include <sstream>
 
 #include <net/if.h>
+#include <unistd.h>
 
 using namespace fake;
 
@@ -576,6 +577,84 @@ TEST_F(WholeBootTest, ASecondListingThatFailsDoesNotEndTheBoot)
                                    "0.0.0.0/0.0.0.0 via 10.0.0.1 dev eth0"}));
     });
 }
+
+TEST_F(WholeBootTest, ACardThatCannotBeClearedIsTriedTwice)
+{
+    UseRtc("10.0.0.2", "255.0.0.0", "10.0.0.1");
+    Put(CardFile("eth1"),
+        Settings({"BONDED = 1", "BONDNAME = bond0", "BRIDGEEDED = 1", "BRIDGENAME = br0"}));
+    AddCards({"eth0", "eth1", "bond0"});
+    FailAll("fopen /mnt/mtd/Config/network1 w+", EROFS);
+    Boot([] {
+        const LogLine both =
+            Error("CheckWorkmodeConfig",
+                  " cannot determine eth1 workmode.delete from both bond and bridge.");
+        EXPECT_EQ(LogOf("CheckWorkmodeConfig"), (LogLines{both, both}));
+    });
+}
+
+// ---- power cuts
+
+/// The files with their lines sorted: a file that was lost is built again in another order.
+Files Sorted(Files files)
+{
+    for (auto& [name, text] : files) {
+        std::istringstream stream(text);
+        Texts lines;
+        for (std::string line; std::getline(stream, line);) lines.push_back(line);
+        std::sort(lines.begin(), lines.end());
+        text = Settings(lines);
+    }
+    return files;
+}
+
+/// Ends the process at the `number`th call that begins with `call`.
+void CutPowerAt(const std::string& call, int number)
+{
+    OnCall(call, [call, number] {
+        if (number == 1) _exit(0);
+        CutPowerAt(call, number - 1);
+    });
+}
+
+/// Cut with the file emptied, with the file written, and between the two resolver files.
+class PowerCutTest : public WholeBootTest, public testing::WithParamInterface<std::string> {};
+
+INSTANTIATE_TEST_SUITE_P(CommonMain, PowerCutTest,
+                         testing::Values("fflush", "fsync", "fclose /mnt/mtd/Config/resolv"),
+                         [](const auto& test) {
+                             return test.param.substr(0, test.param.find(' '));
+                         });
+
+TEST_P(PowerCutTest, IsMendedByTheNextBoot)
+{
+    static constexpr char kEnd[] = "/mnt/mtd/end";
+    UseRtc("10.0.0.2", "255.0.0.0", "10.0.0.1");
+    const std::string own = Settings(
+        {"HOSTIP = 10.0.0.2", "SUBMASK = 255.0.0.0", "GATEWAYIP = 10.0.0.1", "MTU = 1500"});
+    AddCards({"eth0", "eth1"});
+    Put(CardFile("eth0"), own);
+    Boot();
+    const Files whole = Sorted(SavedFiles());
+    for (int cut = 1; !Exists(kEnd); ++cut) {
+        for (const auto& [name, text] : whole) Remove("/mnt/mtd/Config/" + name);
+        Put(CardFile("eth0"), own);
+        InNewProcess([cut] {
+            CutPowerAt(GetParam(), cut);
+            Lanrise({});
+            Put(kEnd, "");
+        });
+        Boot([] {
+            EXPECT_EQ(CardsUp(), (Texts{"eth0 10.0.0.2/255.0.0.0 1500",
+                                        "eth1 192.168.0.109/255.255.255.0 1500"}));
+        });
+        EXPECT_EQ(Sorted(SavedFiles()), whole) << cut;
+        EXPECT_EQ(RtcBlock(), "10.0.0.2 255.0.0.0 10.0.0.1") << cut;
+        if (HasFailure()) break;
+    }
+}
+
+// ---- whatever fails
 
 TEST_F(WholeBootTest, WhateverFailsTheFilesStayWhole)
 {
