@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,14 @@ struct Contender {
     std::string name;
     std::vector<std::string> command;
     std::vector<double> milliseconds;
+};
+
+/// What is brought up, by whom, and how it is told whether it came up.
+struct Device {
+    std::string title;
+    std::function<void()> takeDown;
+    std::function<void(const std::string& who)> check;
+    std::vector<Contender> contenders;  // lanrise is the first
 };
 
 int control = -1;
@@ -254,36 +263,109 @@ std::string NetToolsScript(int count)
     return script + "route add default gw 10.0.0.1 eth0\n";
 }
 
-void Measure(int count, int rounds, const std::string& lanrise, const std::string& bare)
+void Measure(Device device, int rounds)
 {
-    Write("/mnt/ip.sh", IpScript(count));
-    Write("/mnt/net-tools.sh", NetToolsScript(count));
-    std::vector<Contender> contenders = {
-        {"lanrise", {lanrise}, {}},
-        {"ip -batch", {"sh", "/mnt/ip.sh"}, {}},
-        {"net-tools", {"sh", "/mnt/net-tools.sh"}, {}},
-        {"bare requests", {bare, std::to_string(count)}, {}},
-    };
-    WriteSettings(count);
     for (int round = -1; round < rounds; ++round) {  // the first is thrown away
-        for (Contender& contender : contenders) {
-            TakeDown(count);
+        for (Contender& contender : device.contenders) {
+            device.takeDown();
             const double taken = Run(contender.command);
-            CheckEndState(contender.name, count);
+            device.check(contender.name);
             if (round >= 0) contender.milliseconds.push_back(taken);
         }
     }
 
-    printf("%d card%s, %d rounds\n", count, count == 1 ? "" : "s", rounds);
+    printf("%s, %d rounds\n", device.title.c_str(), rounds);
     printf("  %-16s %10s %18s\n", "", "median ms", "lanrise / this");
-    const double ours = Median(contenders[0].milliseconds);
-    for (const Contender& contender : contenders) {
+    const double ours = Median(device.contenders[0].milliseconds);
+    for (const Contender& contender : device.contenders) {
         const double median = Median(contender.milliseconds);
         printf("  %-16s %10.2f %18.2f\n", contender.name.c_str(), median, ours / median);
     }
-    TakeDown(count);
-    const Inside inside = LookInside({lanrise});
+    device.takeDown();
+    const Inside inside = LookInside(device.contenders[0].command);
     printf("  lanrise: peak memory %ld kB, %d child processes\n\n", inside.peakKb, inside.children);
+}
+
+void MeasureCards(int count, int rounds, const std::string& lanrise, const std::string& bare)
+{
+    WriteSettings(count);
+    Write("/mnt/ip.sh", IpScript(count));
+    Write("/mnt/net-tools.sh", NetToolsScript(count));
+    Measure({std::to_string(count) + (count == 1 ? " card" : " cards"),
+             [=] { TakeDown(count); },
+             [=](const std::string& who) { CheckEndState(who, count); },
+             {{"lanrise", {lanrise}, {}},
+              {"ip -batch", {"sh", "/mnt/ip.sh"}, {}},
+              {"net-tools", {"sh", "/mnt/net-tools.sh"}, {}},
+              {"bare requests", {bare, std::to_string(count)}, {}}}},
+            rounds);
+}
+
+// ---- a bridge of two cards
+
+void WriteBridgeSettings()
+{
+    WriteSettings(2);
+    const std::string claim =
+        "MTU = 1500\nBONDED = 0\nBRIDGEEDED = 1\nBRIDGENAME = br0\nWORKMODE = 3\n";
+    const std::string rest = "SUBMASK = 255.255.255.0\nGATEWAYIP = 10.0.0.1\nMTU = 1500\n";
+    Write("/mnt/mtd/Config/network",
+          "HOSTIP = 10.8.0.2\nSUBMASK = 255.255.255.0\nGATEWAYIP = 10.8.0.1\nDEFAULT_ETH = br0\n" +
+              claim);
+    Write("/mnt/mtd/Config/network1",
+          "HOSTIP = 10.9.0.2\nSUBMASK = 255.255.255.0\nGATEWAYIP = 10.9.0.1\n" + claim);
+    Write("/mnt/mtd/Config/networkbr0", "BRIDGEMEMBERS = eth0,eth1\nHOSTIP = 10.0.0.2\n" + rest);
+}
+
+constexpr char kBridgeScript[] = "#!/bin/sh\n"
+                                 "ip link add br0 type bridge\n"
+                                 "ip link set eth0 master br0\n"
+                                 "ip link set eth1 master br0\n"
+                                 "ip link set eth0 up\n"
+                                 "ip link set eth1 up\n"
+                                 "ip link set br0 up\n"
+                                 "ip addr add 10.0.0.2/24 dev br0\n"
+                                 "ip route add default via 10.0.0.1 dev br0\n";
+
+constexpr char kInterfaces[] = "auto br0\n"
+                               "iface br0 inet static\n"
+                               "  bridge_ports eth0 eth1\n"
+                               "  bridge_fd 0\n"
+                               "  bridge_maxwait 0\n"
+                               "  address 10.0.0.2/24\n"
+                               "  gateway 10.0.0.1\n";
+
+void TakeBridgeDown()
+{
+    // ifup keeps a note of what is up; a boot has none.
+    (void)!system("ip link del br0 2>/dev/null; rm -rf /run/network; mkdir -p /run/network");
+    TakeDown(2);
+}
+
+void CheckBridge(const std::string& who)
+{
+    if (system("test -e /sys/class/net/br0/brif/eth0 -a -e /sys/class/net/br0/brif/eth1") != 0) {
+        Give(who + " left the bridge without its cards");
+    }
+    if (system("ip -4 addr show dev br0 up | grep -q 'inet 10.0.0.2/24' && "
+               "ip -4 route show default | grep -q 'via 10.0.0.1 dev br0'") != 0) {
+        Give(who + " left the bridge without address or route");
+    }
+}
+
+void MeasureBridge(int rounds, const std::string& lanrise)
+{
+    WriteBridgeSettings();
+    Write("/mnt/bridge.sh", kBridgeScript);
+    Write("/mnt/interfaces", kInterfaces);
+    std::vector<Contender> contenders = {{"lanrise", {lanrise}, {}},
+                                         {"script with ip", {"sh", "/mnt/bridge.sh"}, {}}};
+    if (system("command -v ifup >/dev/null") == 0) {
+        contenders.push_back({"ifup -a", {"ifup", "-a", "-i", "/mnt/interfaces"}, {}});
+    } else {
+        printf("ifup is not here: Debian's ifupdown has it\n");
+    }
+    Measure({"a bridge of two cards", TakeBridgeDown, CheckBridge, contenders}, rounds);
 }
 
 void PrintSize(const std::string& path)
@@ -310,8 +392,9 @@ int main(int argc, char** argv)
     for (const int count : {1, 8, 31}) {
         MakeCards(made, count);
         made = count;
-        Measure(count, rounds, lanrise, bare);
+        MeasureCards(count, rounds, lanrise, bare);
     }
+    MeasureBridge(rounds, lanrise);
     PrintSize(lanrise);
     return 0;
 }
