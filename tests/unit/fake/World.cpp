@@ -21,6 +21,16 @@ constexpr const char* kDevicePlaces[] = {"/mnt/mtd",       "/proc/net/",  "/sys/
                                          "/dev/pdc",       "/dev/qv_poe", "/proc/sys/",
                                          "/proc/stp_ctrl", "/tmp/telnet"};
 
+/// A folder in memory where there is one: a disk makes each rewrite of a setting file wait.
+std::string MakeScratch()
+{
+    for (const char* place : {"/dev/shm", "/tmp"}) {
+        std::string folder = std::string(place) + "/vorlix-unit-XXXXXX";
+        if (mkdtemp(folder.data()) != nullptr) return folder;
+    }
+    return "";
+}
+
 }  // namespace
 
 std::string Mapped(const char* path)
@@ -119,10 +129,9 @@ void UseScratch(const std::string& folder)
 
 void World::SetUp()
 {
-    char folder[] = "/tmp/vorlix-unit-XXXXXX";
-    ASSERT_NE(mkdtemp(folder), nullptr);
     startFolder = fs::current_path();
-    UseScratch(folder);
+    UseScratch(MakeScratch());
+    ASSERT_NE(scratch, "");
     ResetCalls();
     ResetKernel();
     ResetTools();
