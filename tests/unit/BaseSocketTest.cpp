@@ -79,6 +79,15 @@ TEST_P(ControlSocketTest, OpensItsSocketOnceAndKeepsIt)
     EXPECT_EQ(OpenHandles(), (Texts{"socket " + GetParam().family + " 2 0"}));  // SOCK_DGRAM
 }
 
+TEST_P(ControlSocketTest, ADescriptorOf0IsASocketToo)
+{
+    close(STDIN_FILENO);  // a start script may have done so
+    kernel.Add("eth0");
+    ifreq request = vorlix::RequestFor("eth0");
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(Request(SIOCGIFINDEX, request));
+    EXPECT_EQ(TraceOf({"socket"}).size(), 1U);
+}
+
 TEST_P(ControlSocketTest, TriesASocketThatFailedAgain)
 {
     kernel.Add("eth0");
@@ -288,6 +297,15 @@ TEST_F(InterfaceIsLinkTest, TheSocketIsAnOrdinaryOne)
     OnCall("ioctl", [&] { open = OpenHandles(); });
     EXPECT_FALSE(InterfaceIsLink("eth0"));
     EXPECT_EQ(open, (Texts{"socket AF_INET 2 0"}));
+}
+
+TEST_F(InterfaceIsLinkTest, ADescriptorOf0IsASocketToo)
+{
+    kernel.Add("eth0");
+    close(STDIN_FILENO);
+    ClearTrace();
+    EXPECT_TRUE(InterfaceIsLink("eth0"));
+    EXPECT_EQ(Trace(), (Texts{"socket AF_INET", "ioctl ETHTOOL_GLINK eth0", "close AF_INET"}));
 }
 
 TEST_F(InterfaceIsLinkTest, ADriverWithoutEthtoolHasNoLink)

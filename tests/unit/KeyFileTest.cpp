@@ -191,6 +191,20 @@ TEST_F(FileLockTest, TheNextFileStartsAfresh)
     EXPECT_EQ(TraceOf({"fcntl", "close"}), Texts{});
 }
 
+TEST_F(FileLockTest, ADescriptorOf0IsOneToo)
+{
+    Put(kFile, "");
+    close(STDIN_FILENO);  // a start script may have done so
+    ClearTrace();
+    EXPECT_TRUE(FileLock(true, kFile));
+    EXPECT_TRUE(LockedForOthers(kFile));
+    EXPECT_TRUE(FileLock(false, kFile));
+    EXPECT_EQ(TraceOf({"fcntl", "close"}), (Texts{"fcntl F_SETLKW F_WRLCK /mnt/mtd/Config/network1",
+                                                  "fcntl F_SETLKW F_UNLCK /mnt/mtd/Config/network1",
+                                                  "close /mnt/mtd/Config/network1"}));
+    EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
+}
+
 TEST_F(FileLockTest, NothingIsLeftHeldWhateverFails)
 {
     Put(kFile, "");

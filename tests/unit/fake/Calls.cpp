@@ -256,6 +256,13 @@ std::string PathOf(int fd)
     return call.substr(begin + 1, call.find(' ', begin + 1) - begin - 1);
 }
 
+bool IsOpen(int fd, const std::string& call)
+{
+    const Guard guard;
+    const auto handle = handles.find(fd);
+    return handle != handles.end() && StartsWith(handle->second.call, call);
+}
+
 int FamilyOf(int fd)
 {
     const Guard guard;

@@ -76,6 +76,9 @@ public:
 void Opened(int fd, const std::string& call, int family = 0);
 void Closed(int fd);
 std::string PathOf(int fd);
+
+/// True when the product has opened the descriptor by a call that begins so.
+bool IsOpen(int fd, const std::string& call);
 int FamilyOf(int fd);
 
 void ResetCalls();

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <mutex>
 #include <sstream>
 
 #include <csignal>
@@ -77,8 +78,6 @@ struct Mailbox {
 };
 Mailbox* mailbox = nullptr;
 pid_t shell = -1;
-std::map<DIR*, int> folders;
-std::map<FILE*, int> streams;
 
 std::string Flags(int flags)
 {
@@ -91,15 +90,34 @@ std::string Flags(int flags)
     return text;
 }
 
-/// Prints a table of the model into its file, unless a test has put one there.
+/// Prints a table of the model into its file when it has changed, unless a test has put one there.
+/// The descriptors that stand for one table are open in many threads: one prints at a time.
 void PrintTable(const std::string& path)
 {
+    static std::mutex printing;
     static std::map<std::string, std::string> printed;
     const auto text = TableText(path);
     if (!text) return;
+
+    const OwnCalls own;
+    const std::lock_guard<std::mutex> guard(printing);
     if (Exists(path) && (printed.count(path) == 0 || Get(path) != printed[path])) return;
+    if (Exists(path) && printed[path] == *text) return;
     Put(path, *text);
     printed[path] = *text;
+}
+
+/// The descriptor of a stream or folder that the product has opened; -1 for any other.
+int Known(FILE* stream)
+{
+    const int fd = __real_fileno(stream);
+    return IsOpen(fd, "fopen ") ? fd : -1;
+}
+
+int Known(DIR* folder)
+{
+    const int fd = dirfd(folder);
+    return IsOpen(fd, "opendir ") ? fd : -1;
 }
 
 std::string SignalText(int signal)
@@ -186,20 +204,16 @@ FILE* __wrap_fopen(const char* path, const char* mode)
     if (!Note(call)) return nullptr;
     PrintTable(path);
     FILE* stream = __real_fopen(Mapped(path).c_str(), mode);
-    if (stream != nullptr) {
-        streams[stream] = __real_fileno(stream);
-        Opened(streams[stream], call);
-    }
+    if (stream != nullptr) Opened(__real_fileno(stream), call);
     return stream;
 }
 
 int __wrap_fclose(FILE* stream)
 {
-    const auto known = streams.find(stream);
-    if (known != streams.end()) {
-        NoteOnly("fclose " + PathOf(known->second));
-        Closed(known->second);
-        streams.erase(known);
+    const int known = Known(stream);
+    if (known >= 0) {
+        NoteOnly("fclose " + PathOf(known));
+        Closed(known);
     }
     return __real_fclose(stream);
 }
@@ -233,8 +247,8 @@ ssize_t __wrap_write(int fd, const void* buffer, size_t size)
 
 int __wrap_fflush(FILE* stream)
 {
-    const auto known = streams.find(stream);
-    if (known != streams.end() && !Note("fflush " + PathOf(known->second))) {
+    const int known = stream == nullptr ? -1 : Known(stream);
+    if (known >= 0 && !Note("fflush " + PathOf(known))) {
         __fpurge(stream);  // what a full disk did not take is gone
         return EOF;
     }
@@ -243,7 +257,7 @@ int __wrap_fflush(FILE* stream)
 
 int __wrap_fileno(FILE* stream)
 {
-    if (streams.count(stream) != 0 && !Note("fileno")) return -1;
+    if (Known(stream) >= 0 && !Note("fileno")) return -1;
     return __real_fileno(stream);
 }
 
@@ -291,26 +305,22 @@ DIR* __wrap_opendir(const char* path)
     const std::string call = std::string("opendir ") + path;
     if (!Note(call)) return nullptr;
     DIR* folder = __real_opendir(Mapped(path).c_str());
-    if (folder != nullptr) {
-        folders[folder] = dirfd(folder);
-        Opened(folders[folder], call);
-    }
+    if (folder != nullptr) Opened(dirfd(folder), call);
     return folder;
 }
 
 dirent* __wrap_readdir(DIR* folder)
 {
-    if (folders.count(folder) != 0 && !Note("readdir")) return nullptr;
+    if (Known(folder) >= 0 && !Note("readdir")) return nullptr;
     return __real_readdir(folder);
 }
 
 int __wrap_closedir(DIR* folder)
 {
-    const auto known = folders.find(folder);
-    if (known != folders.end()) {
-        NoteOnly("closedir " + PathOf(known->second));
-        Closed(known->second);
-        folders.erase(known);
+    const int known = Known(folder);
+    if (known >= 0) {
+        NoteOnly("closedir " + PathOf(known));
+        Closed(known);
     }
     return __real_closedir(folder);
 }
