@@ -508,10 +508,14 @@ TEST_F(SwitchModesTest, ReadsTheFileOnceAndWhenItIsAsked)
         EXPECT_EQ(modes.Get(("eth" + std::to_string(card)).c_str(), &mode), 0);
         EXPECT_EQ(mode, card);
     }
-    EXPECT_EQ(TraceOf({"open"}), (Texts{"open /mnt/mtd/Config/poeMode.conf O_WRONLY|O_APPEND",
-                                        "open /mnt/mtd/Config/poeMode.conf O_RDONLY"}));
-    EXPECT_EQ(OpenHandles(), Texts{});
-    EXPECT_EQ(HeldMutexes(), 0);
+    EXPECT_EQ(Trace(),
+              (Texts{"mutex lock", "open /mnt/mtd/Config/poeMode.conf O_WRONLY|O_APPEND",
+                     "fcntl F_SETLKW F_WRLCK /mnt/mtd/Config/poeMode.conf",
+                     "open /mnt/mtd/Config/poeMode.conf O_RDONLY",
+                     "pread /mnt/mtd/Config/poeMode.conf", "pread /mnt/mtd/Config/poeMode.conf",
+                     "fcntl F_SETLKW F_UNLCK /mnt/mtd/Config/poeMode.conf",
+                     "close /mnt/mtd/Config/poeMode.conf", "mutex unlock",
+                     "close /mnt/mtd/Config/poeMode.conf"}));
 }
 
 TEST_F(SwitchModesTest, AMissingFileIsNotLookedForAgain)
