@@ -96,9 +96,10 @@ TEST_F(NetSetMtubyNameTest, SetsTheKernelThenTheDefaultCardThenTheFile)
     EXPECT_TRUE(NetSetMtubyName("eth1", 1400));
     EXPECT_EQ(kernel.At("eth1").mtu, 1400);
     EXPECT_EQ(kernel.routes, std::vector<Route>{kDefault1});
-    EXPECT_EQ(Changes(), (Lines{"ioctl SIOCSIFMTU eth1", "ioctl SIOCSIFFLAGS eth1",
-                                "ioctl SIOCSIFMTU eth1", "ioctl SIOCSIFFLAGS eth1", kWrites0,
-                                kWrites0, kWrites1, kWrites1, "ioctl SIOCADDRT", kWrites1}));
+    EXPECT_EQ(ChangesSortedAt(5),
+              (Lines{"ioctl SIOCSIFMTU eth1", "ioctl SIOCSIFFLAGS eth1", "ioctl SIOCSIFMTU eth1",
+                     "ioctl SIOCSIFFLAGS eth1", kWrites0, kWrites0, kWrites1, kWrites1,
+                     "ioctl SIOCADDRT", kWrites1}));
     EXPECT_EQ(Get(kFile1), Settings({"GATEWAYIP = 10.1.0.1", "PRIO = 0", "MTU = 1400"}));
     EXPECT_EQ(kernel.rtc.requests, Lines{});
 }

@@ -7,6 +7,8 @@
 #include "MemberNames.h"
 #include "fake/World.h"
 
+#include <algorithm>
+
 namespace fake {
 
 constexpr char kFile0[] = "/mnt/mtd/Config/network";
@@ -60,6 +62,18 @@ inline Lines Changes()
             call.find("WRITE") != std::string::npos || call.find("0x89F2") != std::string::npos ||
             call.find("RT") == call.size() - 2;
         if (writes) changes.push_back(call);
+    }
+    return changes;
+}
+
+/// The same with the two writes from `place` on in the order of their names: a folder lists its
+/// files in no order of its own, and the default card's mark is written in all of them.
+inline Lines ChangesSortedAt(size_t place)
+{
+    Lines changes = Changes();
+    if (changes.size() >= place + 2) {
+        const auto first = changes.begin() + static_cast<std::ptrdiff_t>(place);
+        std::sort(first, first + 2);
     }
     return changes;
 }
