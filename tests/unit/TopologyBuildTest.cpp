@@ -223,6 +223,7 @@ TEST_F(DoBridgeStuffTest, OnlyRegularFilesOfBridgesCount)
     List({"eth1", "eth2"});
     EXPECT_TRUE(DoBridgeStuff());
     EXPECT_EQ(Commands(), std::vector<std::string>{});
+    EXPECT_EQ(LogOf("DoBridgeStuff"), LogLines{});  // nor was one tried
 }
 
 TEST_F(DoBridgeStuffTest, ABridgeThatCannotBeBuiltIsAWarning)
