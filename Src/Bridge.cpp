@@ -4,7 +4,6 @@
 #include "Network.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
-#include "Support/NameList.h"
 #include "Support/Text.h"
 
 #include <cstdarg>
@@ -93,6 +92,20 @@ bool ControlRapidTree(const char* bridge, bool enable)
 }
 
 }  // namespace
+
+uint32_t BridgeMemberMask(const char* operation, const NameList& members)
+{
+    uint32_t mask = 0;
+    for (const char* member : members) {
+        if (!StartsWith(member, "eth")) {
+            LOG_WARN_AS(operation, "%s is in Bridge.can not handle.", member);
+            continue;
+        }
+        const int number = member[3] - '0';
+        if (number >= 0 && number < 32) mask |= 1U << number;
+    }
+    return mask;
+}
 
 }  // namespace vorlix
 

@@ -54,5 +54,19 @@ VORLIX_API bool Bridge_DelEdgePort(const char* brName, const char* ethName);
 VORLIX_API bool Bridge_BridgeCtrl(const char* brName, const STPInfo* stp);
 
 #ifdef __cplusplus
-}
+}  // extern "C"
+
+#include "Support/NameList.h"
+
+namespace vorlix {
+
+/// The members of a bridge as a bit mask, for both generations of the public API: bit n stands for
+/// "eth<n>", where n is what the fourth character's code is above that of "0". Only one digit of a
+/// name is read, so eth12 sets the bit of eth1. A number outside 0 to 31 sets none.
+///
+/// @param operation  whose name the log lines carry
+/// @errors  a member whose name does not start with "eth": Warn, and it sets no bit
+uint32_t BridgeMemberMask(const char* operation, const NameList& members);
+
+}  // namespace vorlix
 #endif

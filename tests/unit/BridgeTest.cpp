@@ -535,4 +535,45 @@ TEST_F(Bridge_BridgeCtrlTest, RunsAllItsCommandsWhateverFails)
         [](const std::string&) { EXPECT_GE(Commands().size(), 2U); });
 }
 
+// ---- BridgeMemberMask
+
+class BridgeMemberMaskTest : public World {
+protected:
+    static uint32_t Mask(const Lines& names)
+    {
+        Members members(names);
+        return vorlix::BridgeMemberMask("BrGetBridgeDevicesInfo", {members.Get(), members.Count()});
+    }
+};
+
+TEST_F(BridgeMemberMaskTest, EachCardHasTheBitOfItsDigit)
+{
+    EXPECT_EQ(Mask({}), 0U);
+    EXPECT_EQ(Mask({"eth0"}), 1U);
+    EXPECT_EQ(Mask({"eth9", "eth0", "eth2"}), 0x205U);
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(BridgeMemberMaskTest, OneCharacterTellsTheNumber)
+{
+    EXPECT_EQ(Mask({"eth12"}), 2U);
+    EXPECT_EQ(Mask({"eth1", "eth16"}), 2U);
+    EXPECT_EQ(Mask({"ethA", "ethO"}), 1U << ('A' - '0') | 1U << 31);
+}
+
+TEST_F(BridgeMemberMaskTest, NumbersWithoutABitSetNone)
+{
+    EXPECT_EQ(Mask({"eth", "eth/", "ethP", "eth~", "eth\xff"}), 0U);
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(BridgeMemberMaskTest, OtherMembersAreNamedAndPassedOver)
+{
+    EXPECT_EQ(Mask({"vnic0", "eth3", "xeth1", "wlan0"}), 8U);
+    EXPECT_EQ(Log(),
+              (LogLines{Warn("BrGetBridgeDevicesInfo", "vnic0 is in Bridge.can not handle."),
+                        Warn("BrGetBridgeDevicesInfo", "xeth1 is in Bridge.can not handle."),
+                        Warn("BrGetBridgeDevicesInfo", "wlan0 is in Bridge.can not handle.")}));
+}
+
 }  // namespace
