@@ -78,6 +78,96 @@ typedef VORLIX_ENUM(NetInterfaceMedia) {
     NetInterfaceNr = 4
 } NetInterfaceMedia;
 
+/** Kind of a virtual link. Only IPVLAN and MACVLAN can be made; all others are refused. */
+typedef VORLIX_ENUM(NetVirtInterfaceType) {
+    virtTypeAlias = 0,
+    virtTypeVlan = 1,
+    virtTypeIpVlan = 2,
+    virtTypeMacVlan = 3,
+    virtTypeDummy = 4,
+    virtTypeTun = 5,
+    virtTypeTap = 6,
+    virtTypeVeth = 7,
+    virtTypeBut = 8
+} NetVirtInterType;
+
+/** Mode of an IPVLAN link, as the kernel numbers it. */
+typedef VORLIX_ENUM(NetIpVlanMode) {
+    ipVlanModeL2 = 0,
+    ipVlanModeL3 = 1,
+    ipVlanModeL3S = 2,
+    ipVlanModeBut = 3
+} NetIpVlanMode;
+
+/** How the IPVLAN links of one card see each other, as the kernel numbers it. */
+typedef VORLIX_ENUM(NetIpVlanFlag) {
+    ipVlanBridge = 0,
+    ipVlanPrivate = 1,
+    ipVlanVepa = 2
+} NetIpVlanFlag;
+
+/** Mode of a MACVLAN link, as the kernel numbers it. */
+typedef VORLIX_ENUM(NetMacVlanMode) {
+    macVlanModePrivate = 1,
+    macVlanModeVepa = 2,
+    macVlanModeBridge = 4,
+    macVlanModePassthru = 8,
+    macVlanModeSource = 16 /**< takes frames of the listed senders only */
+} NetMacVlanMode;
+
+/** What becomes of `macAddr` in the list of senders of a MACVLAN link in source mode. */
+typedef VORLIX_ENUM(NetMacVlanAddrMode) {
+    macVlanAddrAdd = 0,
+    macVlanAddrDel = 1,
+    macVlanAddrFlush = 2, /**< the list is emptied, `macAddr` is not sent */
+    macVlanAddrSet = 3    /**< the list is replaced */
+} NetMacVlanAddrMode;
+
+/** Flags of a MACVLAN link, as the kernel numbers them. */
+typedef VORLIX_ENUM(NetMacVlanFlag) {
+    macVlanNoPromisc = 1,
+    macVlanNoDst = 2
+} NetMacVlanFlag;
+
+/** Result of LibvorlixGetVersion. */
+typedef VORLIX_ENUM(QV_API_VERSION_RET_E) {
+    QV_API_VERSION_RET_SUCCESS = 0,
+    QV_API_VERSION_RET_NOT_IMPLET = -1,
+    QV_API_VERSION_RET_ERROR = -2
+} QV_API_VERSION_RET_E;
+
+/** What NetRouteAddDelete does with the route to a card's own network. */
+typedef VORLIX_ENUM(NetRouteOperate) {
+    ADD_ROUTE = 0,
+    DELETE_ROUTE = 1
+} NetRouteOperate;
+
+/** Argument of NetRouteSetStyle; both end with route changes disabled. */
+typedef VORLIX_ENUM(NetRouteStyleType) {
+    ROUTESTYLE_SYS = 0,
+    ROUTESTYLE_USER = 1
+} NetRouteStyleType;
+
+/** Work mode of the first card, as version 2 numbers it; only -1, 0, 3 and 4 are reported. */
+typedef VORLIX_ENUM(NetWorkMode_E) {
+    En_Net_Invalid = -1,
+    En_Net_Multiple = 0,
+    En_Net_Tolerance = 1,
+    En_Net_Balance = 2,
+    En_Net_Bridge = 3,
+    En_Net_Bond = 4,
+    En_Net_LinkAgg = 5
+} NetWorkMode_E;
+
+/** Scope of an IPv6 address. ORGLOCAL is never reported. */
+typedef VORLIX_ENUM(IPV6_ADDR_SCOPE_TYPE_E) {
+    VORLIX_IPV6_ADDR_SCOPE_NODELOCAL = 1,
+    VORLIX_IPV6_ADDR_SCOPE_LINKLOCAL = 2,
+    VORLIX_IPV6_ADDR_SCOPE_SITELOCAL = 5,
+    VORLIX_IPV6_ADDR_SCOPE_ORGLOCAL = 8,
+    VORLIX_IPV6_ADDR_SCOPE_GLOBAL = 14
+} IPV6_ADDR_SCOPE_TYPE_E;
+
 /* clang-format on */
 /* ---- records; the comment in front of a field is its offset in bytes ---- */
 
@@ -126,6 +216,47 @@ typedef struct NetRouteTableInfo {
     /* 56 */ char reserved[72];
 } NetRouteTableInfo;
 
+/** Names of a virtual link and of its host; size 384, alignment 4. */
+typedef struct NetVirtInterName {
+    /* 0 */ NetVirtInterType eType;
+    /* 4 */ char hostName[128];   /**< interface that the link rides on; must end in NUL */
+    /* 132 */ char virtName[128]; /**< the link's own name; must end in NUL */
+    /* 260 */ uint8_t enable;     /**< not read */
+    /* 261 */ char reserve[3];
+    /* 264 */ int rsd[30];
+} NetVirtInterName;
+
+/** What an IPVLAN link is made with; size 32, alignment 4. */
+typedef struct NetIpVlanAttr {
+    /* 0 */ NetIpVlanMode eMode;
+    /* 4 */ NetIpVlanFlag eFlag;
+    /* 8 */ int reserve[6];
+} NetIpVlanAttr;
+
+/** What a MACVLAN link is made with; size 384, alignment 4. */
+typedef struct NetMacVlanAttr {
+    /* 0 */ NetMacVlanMode eMode;
+    /* 4 */ NetMacVlanFlag eFlag;
+    /* 8 */ NetMacVlanAddrMode eAddrMode; /**< read in source mode alone */
+    /* 12 */ char macAddr[7];             /**< six raw bytes, not text; read in source mode alone */
+    /* 19 */ char rsd;
+    /* 20 */ int rsd1[91];
+} NetMacVlanAttr;
+
+/** Attributes of a virtual link, by its kind; size 384, alignment 4. */
+typedef union NetInterParam {
+    /* 0 */ NetIpVlanAttr ipVlAttr;
+    /* 0 */ NetMacVlanAttr macVlAttr;
+    /* 0 */ int placeholder[96];
+} NetInterParam;
+
+/** A virtual link; size 1020, alignment 4. */
+typedef struct NetVirtInterInfo {
+    /* 0 */ NetVirtInterName interName;
+    /* 384 */ NetInterParam interParam;
+    /* 768 */ int rsd[63];
+} NetVirtInterInfo;
+
 /** Spanning tree of a bridge; size 64, alignment 1. */
 typedef struct STPInfo {
     /* 0 */ uint8_t enable; /**< 1 turns spanning tree on, any other value off */
@@ -152,6 +283,128 @@ __extension__ typedef struct NetInterfaceInfo {
     /* 48 */ int usage;        /**< a NetDeviceUsage value */
     /* 52 */ int reserved[19]; /**< [0]: top speed that the card supports, in Mbit/s */
 } NetInterfaceInfo;
+
+/** One entry of the kernel's IPv4 neighbour table; size 64, alignment 1. All texts end in NUL. */
+typedef struct NetARPEntry {
+    /* 0 */ char dev[16];  /**< interface; empty leaves the choice to the kernel's routes */
+    /* 16 */ char ip[16];  /**< dotted address */
+    /* 32 */ char mac[18]; /**< with colons; read back in lower case */
+    /* 50 */ char reserved[14];
+} NetARPEntry;
+
+/** One bandwidth limit; size 124, alignment 4. */
+typedef struct tagNetTc {
+    /* 0 */ char ipAddr[48]; /**< the peer's address; must hold no comma */
+    /* 48 */ int ipType;     /**< saved and listed for the caller: 4 or 6 */
+    /* 52 */ int bandWidth;  /**< Mbit/s */
+    /* 56 */ int flags;      /**< 0 limits what is sent; anything else is refused */
+    /* 60 */ int resv[16];
+} NetTc;
+
+/** Remote login; size 64, alignment 4. */
+__extension__ typedef struct SSHInfo {
+    /* 0.0 */ unsigned char enable : 1; /**< 1 starts the daemon, 0 stops it */
+    /* 0.1 */ unsigned char rsd : 7;
+    /* 1 */ unsigned char reserved1;
+    /* 2 */ uint16_t port;         /**< not read */
+    /* 4 */ uint32_t openDuration; /**< not read */
+    /* 8 */ char reserved[56];
+} SSHInfo;
+
+/**
+ * State of the power over the ports, as the PoE driver fills it and in its units; size 256,
+ * alignment 4. In masks bit n stands for port n.
+ */
+typedef struct PoeInfo_t {
+    /* 0 */ uint32_t detFlag;
+    /* 4 */ uint32_t powerFlag;
+    /* 8 */ uint32_t totalPower;
+    /* 12 */ uint16_t power[32]; /**< one for each port */
+    /* 76 */ uint32_t powerOff;
+    /* 80 */ uint32_t powerFail;
+    /* 84 */ uint32_t powerOnMask;
+    /* 88 */ uint32_t powerOffMask;
+    /* 92 */ uint32_t ratePower;
+    /* 96 */ uint32_t availablePower;
+    /* 100 */ uint32_t averagePower;
+    /* 104 */ uint32_t reserved[38];
+} PoeInfo_t;
+
+/**
+ * One port of a switch; size 128, alignment 1. Plain char is unsigned on some targets: `link` is
+ * read through signed char.
+ */
+typedef struct SwitchPortStatus {
+    /* 0 */ char ip[48];         /**< always "0.0.0.0" */
+    /* 48 */ char mac[24];       /**< of the device on the port, with colons, or empty */
+    /* 72 */ char link;          /**< 1 with link, 0 without */
+    /* 73 */ unsigned char port; /**< counted from 0 */
+    /* 74 */ char ipType;        /**< always 4 */
+    /* 75 */ char resv[53];
+} SwitchPortStatus;
+
+/* ---- records of version 2 ---- */
+
+/** What the device has; size 64, alignment 4. */
+typedef struct tagNetCaps_s {
+    /* 0 */ int32_t cardNum;     /**< network cards, switch interfaces and alias names apart */
+    /* 4 */ int32_t Reverse[15]; /**< left as they were */
+} NetCaps;
+
+/** Dynamic DNS, which is not supported any more; size 136, alignment 4. */
+typedef struct NET_DDNS_CONFIG {
+    /* 0 */ int32_t enable;
+    /* 4 */ char hostname[32];
+    /* 36 */ char username[32];
+    /* 68 */ char password[32];
+    /* 100 */ char serverip[32];
+    /* 132 */ int32_t serverport;
+} NET_DDNS_CONFIG;
+
+/** One interface as version 2 shows it; size 40, alignment 4. */
+typedef struct tagNetDevice {
+    /* 0 */ char valid;       /**< 1 or 0: whether it is a card of its own */
+    /* 1 */ char trans_media; /**< a NetInterfaceMedia value */
+    /* 2 */ uint8_t usage;    /**< a NetDeviceUsage value, cut to a byte */
+    /* 3 */ char reserved[1];
+    /* 4 */ int32_t speed;       /**< now, in Mbit/s */
+    /* 8 */ char name[16];       /**< at most 15 characters */
+    /* 24 */ uint32_t max_speed; /**< top speed that the card supports, in Mbit/s */
+    /* 28 */ uint32_t resv[3];
+} NetDevice;
+
+/** Bytes of one interface since it came up; size 16, alignment 8. */
+typedef struct NetStats {
+    /* 0 */ uint64_t rx_bytes;
+    /* 8 */ uint64_t tx_bytes;
+} NetStats;
+
+/** A ping and its answer; size 104, alignment 8. */
+typedef struct tagPING {
+    /* 0 */ char acFrom[40];  /**< name of the source card */
+    /* 40 */ char acTo[40];   /**< dotted address of the destination */
+    /* 80 */ int32_t s32Len;  /**< not read */
+    /* 84 */ int32_t s32Time; /**< answer: elapsed time in microseconds */
+    /* 88 */ int32_t s32Ttl;  /**< not read */
+    /* 96 */ void* pvoid;     /**< not read */
+} PING_S;
+
+/** One port of the switch as version 2 shows it; size 32, alignment 4. */
+typedef struct SwitchPortInfo {
+    /* 0 */ int16_t link; /**< 1 with link, 0 without */
+    /* 2 */ int16_t port; /**< counted from 1 */
+    /* 4 */ uint32_t ip;  /**< network byte order */
+    /* 8 */ char mac[24]; /**< of the device on the port, with colons, or empty */
+} SwitchPortInfo;
+
+/** One bandwidth limit as version 2 shows it; size 76, alignment 4. */
+typedef struct tagNetTc_2 {
+    /* 0 */ char ipAddr[48];    /**< the peer's address; must hold no comma */
+    /* 48 */ int32_t bandWidth; /**< Mbit/s */
+    /* 52 */ int32_t flags;     /**< 0 limits what is sent; anything else is refused */
+    /* 56 */ int32_t prio;      /**< not kept, read back as 0 */
+    /* 60 */ char resv[16];
+} NetTc_2;
 
 #ifdef __cplusplus
 }
