@@ -4,6 +4,7 @@
  */
 #include "Backup.h"
 #include "Route.h"
+#include "Switch.h"
 #include "Types.h"
 
 #ifdef __cplusplus
@@ -229,3 +230,12 @@ SIZE(CmosData, 12);
 FIELD(CmosData, uiGateway, 4);
 FIELD(CmosData, NetMask, 8);
 FIELD(CmosData, reserved, 10);
+
+SIZE(SwitchToolInfo, 14);
+ALIGNMENT(SwitchToolInfo, 2);
+FIELD(SwitchToolInfo, u16LinkMask, 0);
+FIELD(SwitchToolInfo, u8PortNum, 2);
+FIELD(SwitchToolInfo, u8PortIndex, 3);
+FIELD(SwitchToolInfo, u8MacAddr, 4);
+FIELD(SwitchToolInfo, u16enable, 10);
+FIELD(SwitchToolInfo, u16port_isolation, 12);
