@@ -1,11 +1,11 @@
 // Contents:
 //   Routes: routes by text or by record, the default card and its route
 //   IPv4 operations: address, gateway, hardware address, link of one card
+//   IPv6 operations: address and gateway of one card
 //   Bonds: building and ending a bond, and putting a card's saved settings back
 //   Bridges: building and ending a bridge, its edge ports and spanning tree
 //   Interface list and MTU: what knows cards, bonds and bridges alike
-//   Traffic shaping: limits on what a card sends to single peers
-//   Port filtering: ports of one address or of all addresses, blocked and freed
+//   Switch and PoE: ports of the switch chip, power on its ports
 //
 // Each chapter has its own helpers directly above its operations and calls only operations of the
 // chapters before it.
@@ -19,13 +19,12 @@
 #include "Config.h"
 #include "Network.h"
 #include "Network6.h"
-#include "PortControl.h"
 #include "Route.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
 #include "Support/NameList.h"
 #include "Support/Text.h"
-#include "TrafficControl.h"
+#include "Switch.h"
 
 #include <algorithm>
 #include <atomic>
@@ -627,6 +626,141 @@ bool NetMiiDiag(const char* name, bool bcheckSlaves)
     char master[kNameSize];
     const bool isMember = bcheckSlaves && FindMaster(name, master);
     return Net_MiiDiag(isMember ? master : name);
+}
+
+// ==== IPv6 operations ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr char kDefaultPrefix[] = "64";
+
+/// A negative number is taken as unsigned, and so is too long.
+bool IsPrefixLength(const char* text)
+{
+    return static_cast<uint32_t>(atoi(text)) <= kLongestPrefix;
+}
+
+/// Saves that a card has no address. A file without an address would say nothing of that.
+bool SaveNoIPv6(const char* name)
+{
+    return SetIPv6ByConfig(name, kAnyIPv6, kDefaultPrefix);
+}
+
+void RemoveOldIPv6(const char* name)
+{
+    if (Net6_DelIPAddressIpv6(name, nullptr, nullptr)) {
+        LOG_INFO_AS("NetSetIPv6byName", "delete %s old ipv6 addr success.", name);
+    } else {
+        LOG_WARN_AS("NetSetIPv6byName", "delete %s old ipv6 addr failed.", name);
+    }
+}
+
+/// Cuts the form address/prefix in two, in the caller's text: what stands behind the "/", or NULL
+/// for a text without one, which is not written.
+const char* CutPrefix(const char* addr)
+{
+    const char* slash = strchr(addr, '/');
+    if (slash == nullptr) return nullptr;
+
+    // `const` by its declaration alone: who passes this form gets the text back cut.
+    *const_cast<char*>(slash) = '\0';
+    return slash + 1;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool NetSetIPv6byName(const char* name, const char* addr, const char* perfix)
+{
+    if (name == nullptr || addr == nullptr || perfix == nullptr) return false;
+
+    LOG_INFO("ipv6addrSet name:%s addr:%s perfix:%s", name, addr, perfix);
+    if (!CardExists(name)) return false;
+    if (!IsPrefixLength(perfix)) {
+        LOG_ERROR("invalid pagram of perfix!");
+        return false;
+    }
+    if (Net6_IsIPAddressIpv6Exist(name, addr, perfix)) return true;
+
+    RemoveOldIPv6(name);
+    if (addr[0] == '\0') {
+        LOG_WARN("addr is empty.");
+        return SaveNoIPv6(name);
+    }
+    if (!Net6_SetIPv6byName(name, addr, perfix)) return false;
+
+    (void)SetIPv6ByConfig(name, addr, perfix);  // the address is in force
+    return true;
+}
+
+bool NetDelIPAddressIpv6(const char* name, const char* addr)
+{
+    if (name == nullptr || addr == nullptr) return false;
+
+    LOG_INFO("ipv6addrDel name:%s addr:%s", name, addr);
+    if (!CardExists(name)) return false;
+
+    const char* prefix = CutPrefix(addr);
+    if (prefix != nullptr && !IsPrefixLength(prefix)) {
+        LOG_ERROR("error prefix %s", addr);
+        return false;
+    }
+    if (!Net6_DelIPAddressIpv6(name, addr, prefix)) return false;
+
+    (void)SaveNoIPv6(name);  // the address is gone
+    return true;
+}
+
+bool NetGetIPv6byName(const char* name, char* addr, int ipLen, char* perfix, int perFixLen)
+{
+    if (addr == nullptr || perfix == nullptr || !CardExists(name)) return false;
+    if (Net6_GetIPv6byName(name, addr, ipLen, perfix, perFixLen)) return true;
+    if (GetIPv6ByConfig(name, addr, ipLen, perfix, perFixLen)) return true;
+
+    LOG_ERROR("get %s ipv6 addr from config failed.", name);
+    return false;
+}
+
+bool NetGetSysIPv6byName(const char* name, char* addr, int ipLen, char* perfix, int perFixLen)
+{
+    if (addr == nullptr || perfix == nullptr || !CardExists(name)) return false;
+    if (Net6_GetIPv6byName(name, addr, ipLen, perfix, perFixLen)) return true;
+
+    LOG_WARN("get %s ipv6 addr from sys failed.", name);
+    return false;
+}
+
+bool NetGetLinkLocalAddressIpv6(const char* name, char* addr, int ipLen)
+{
+    if (addr == nullptr || !CardExists(name)) return false;
+    if (Net6_GetLinkLocalAddressIpv6(name, addr, ipLen)) return true;
+
+    char mac[kMacTextSize] = {};
+    return Net_GetMacbyName(name, mac) && Net6_GetLinkLocalFromMac(addr, ipLen, mac);
+}
+
+bool NetSetGatewayIPv6byName(const char* name, const char* addr)
+{
+    if (name == nullptr || addr == nullptr) return false;
+
+    LOG_INFO("ipv6gwAdd name:%s addr:%s", name, addr);
+    if (!CardExists(name)) return false;
+    if (SetGatewayv6ByConfig(name, addr)) return true;
+
+    LOG_ERROR("set %s default gateway failed.", name);
+    return false;
+}
+
+bool NetGetGatewayIPv6byName(const char* name, char* addr, int len)
+{
+    if (addr == nullptr || !CardExists(name)) return false;
+    if (GetGatewayv6ByConfig(name, addr, len)) return true;
+
+    LOG_ERROR("get %s default gateway failed.", name);
+    return false;
 }
 
 // ==== Bonds ====
@@ -1269,135 +1403,133 @@ int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr)
     return NetInterfaceWired;
 }
 
-// ==== Traffic shaping ====
+// ==== Switch and PoE ====
 
 namespace vorlix {
 
 namespace {
 
-constexpr char kAllPeers[] = "0.0.0.0";
-constexpr int kLimitsKept = 32;  // by a rebuild
+constexpr unsigned char BroadCastMac[kMacSize] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+constexpr unsigned char AllZeroMac[kMacSize] = {};
+constexpr char kIPv4Type = 4;
+constexpr int kMaskWidth = 32;
 
-/// Applies one limit and saves it when that succeeded.
-bool SetLimit(const char* operation, const char* name, const NetTc& limit)
+/// Only what is nothing but a switch interface is one here.
+bool IsSwitchCard(const char* operation, const char* name)
 {
-    const bool send = limit.flags == 0;
-    if (send ? TC_SetSendBand(name, limit) : TC_SetRcvBand(name, limit)) {
-        (void)TC_SaveToConfig(name, limit);  // it is in force, saved or not
-        return true;
-    }
-    char address[sizeof(limit.ipAddr)];
-    CopyText(address, limit.ipAddr);  // a record may fill its field
-    LOG_ERROR_AS(operation, "set %s band faild.dev %s,ip %s,band %d", send ? "send" : "rcv", name,
-                 address, limit.bandWidth);
+    if (isSwitchByName(name) == 1) return true;
+
+    LOG_ERROR_AS(operation, "%s is not a switch", name);
     return false;
 }
 
-void ClearLimits(const char* name)
+bool HasLink(unsigned mask, int port)
 {
-    (void)TC_DeinitDev(name);
-    (void)TC_DelConfig(name);
+    return port < kMaskWidth && (mask >> static_cast<unsigned>(port) & 1U) != 0;
+}
+
+bool IsNobodysMac(const unsigned char* mac)
+{
+    return memcmp(mac, BroadCastMac, kMacSize) == 0 || memcmp(mac, AllZeroMac, kMacSize) == 0;
+}
+
+/// Writes the hardware address behind a port, or leaves the text empty. The two messages count
+/// ports from 1 and from 0.
+void DescribeMac(const char* name, int port, SwitchPortStatus* status)
+{
+    unsigned char mac[kMacSize] = {};
+    if (!Switch_GetMacByPort(name, port, reinterpret_cast<char*>(mac))) {
+        LOG_ERROR_AS("GetSwitchStatus", "GetMacByPort %d error.", port + 1);
+        return;
+    }
+    if (IsNobodysMac(mac)) {
+        LOG_ERROR_AS("GetSwitchStatus", "Get port[%d]' mac error ,BroadCastMac || AllZeroMac",
+                     port);
+        return;
+    }
+    PrintMac(mac, status->mac);
+}
+
+void DescribePort(const char* name, int port, bool hasLink, SwitchPortStatus* status)
+{
+    (void)Switch_PortIsOk(name, port);  // a port that stays closed is listed all the same
+    status->port = static_cast<unsigned char>(port);
+    status->ipType = kIPv4Type;
+    status->link = hasLink ? 1 : 0;
+    CopyText(status->ip, kAnyIPv4);
+    if (hasLink) DescribeMac(name, port, status);
 }
 
 }  // namespace
 
 }  // namespace vorlix
 
-bool TrafCtrlSetBand(const char* name, const NetTc* tc, int num)
+bool GetSwitchPortByMac(const char* name, const char* mac, int* port)
 {
-    if (name == nullptr || tc == nullptr || !CardExists(name)) return false;
+    if (name == nullptr || mac == nullptr || port == nullptr) return false;
+    if (!IsSwitchCard(__func__, name)) return false;
 
-    bool done = true;
-    for (int i = 0; i < num; ++i) {
-        if (!SetLimit(__func__, name, tc[i])) done = false;
-    }
-    return done;
+    unsigned char wanted[1][kMacSize] = {};
+    (void)ParseMac(mac, wanted[0]);  // bytes that are missing count as 0
+    return Switch_GetPortBymac(name, wanted, port, 1);
 }
 
-bool TrafCtrlGetBand(const char* name, NetTc* tc, int* num)
+bool GetSwitchPortNum(const char* name, int* num)
 {
-    if (name == nullptr || tc == nullptr || num == nullptr || !CardExists(name)) return false;
+    if (name == nullptr || num == nullptr) return false;
 
-    return TC_GetFromConfig(name, tc, num);
+    return IsSwitchCard(__func__, name) && Switch_GetSwitchPortInfo(name, num, nullptr);
 }
 
-bool TrafCtrlUnSetBand(const char* name, const char* ipAddr)
+bool GetSwitchMask(const char* name, int* mask)
 {
-    if (name == nullptr || ipAddr == nullptr || !CardExists(name)) return false;
-    if (Equal(ipAddr, kAllPeers)) {
-        ClearLimits(name);
-        return true;
-    }
-    NetTc limits[kLimitsKept] = {};
-    int count = kLimitsKept;
-    (void)TC_GetFromConfig(name, limits, &count);  // without a file all 32 empty limits are set
-    ClearLimits(name);
-    for (int i = 0; i < count; ++i) {
-        if (!Equal(limits[i].ipAddr, ipAddr)) (void)SetLimit(__func__, name, limits[i]);
-    }
+    if (name == nullptr || mask == nullptr || !IsSwitchCard(__func__, name)) return false;
+
+    unsigned links = 0;
+    if (!Switch_GetSwitchPortInfo(name, nullptr, &links)) return false;
+
+    *mask = static_cast<int>(links);
     return true;
 }
 
-// ==== Port filtering ====
-
-namespace vorlix {
-
-namespace {
-
-constexpr char kAllAddresses[] = "0.0.0.0";
-constexpr char kUnfilteredCard[] = "eth16";
-constexpr int kPortTextSize = 256;
-
-bool IsIPv4Text(const char* address)
+bool GetSwitchStatus(const char* name, SwitchPortStatus* status, int* num)
 {
-    return Contains(address, ".");
-}
+    if (name == nullptr || status == nullptr || num == nullptr) return false;
+    if (!IsSwitchCard(__func__, name)) return false;
 
-/// Blocks a port of the addresses that a card has now, one of each family.
-void DisablePortOf(const char* card, int port)
-{
-    char address[kPortTextSize] = {};
-    char mask[kPortTextSize] = {};
-    if (Net_GetIPbyName(card, address, mask)) {
-        (void)PortCtrl_DisableIPv4Port(address, port);
-    } else {
-        LOG_ERROR_AS("PortCtrlDisablePort", "get %s's ip from sys failed.", card);
+    const int capacity = std::max(*num, 0);
+    memset(status, 0, static_cast<size_t>(capacity) * sizeof(*status));
+    int count = 0;
+    unsigned mask = 0;
+    (void)Switch_GetSwitchPortInfo(name, &count, &mask);  // no answer, no ports
+    if (capacity < count) {
+        LOG_WARN("too much Switch port number actually: portNum:[%d],inputNum:[%d]", count,
+                 capacity);
+        count = capacity;
     }
-    if (Net6_GetIPv6byName(card, address, sizeof(address), mask, sizeof(mask))) {
-        (void)PortCtrl_DisableIPv6Port(address, port);
-    } else {
-        LOG_ERROR_AS("PortCtrlDisablePort", "get %s's ipv6 from sys failed.", card);
+    for (int port = 0; port < count; ++port) {
+        DescribePort(name, port, HasLink(mask, port), &status[port]);
     }
-}
-
-}  // namespace
-
-}  // namespace vorlix
-
-bool PortCtrlEnablePort(const char* ipAddr, int port)
-{
-    if (ipAddr == nullptr) return false;
-    if (Equal(ipAddr, kAllAddresses)) return PortCtrl_EnableAllIPPort();
-
-    return IsIPv4Text(ipAddr) ? PortCtrl_EnableIPv4Port(ipAddr, port)
-                              : PortCtrl_EnableIPv6Port(ipAddr, port);
-}
-
-bool PortCtrlDisablePort(const char* ipAddr, int port)
-{
-    if (ipAddr == nullptr) return false;
-    if (!Equal(ipAddr, kAllAddresses)) {
-        return IsIPv4Text(ipAddr) ? PortCtrl_DisableIPv4Port(ipAddr, port)
-                                  : PortCtrl_DisableIPv6Port(ipAddr, port);
-    }
-    char names[kMaxInterfaces][kNameSize];
-    int count = kMaxInterfaces;
-    if (!GetAllInterfaceInfo(names, &count)) {
-        LOG_ERROR("GetAllInterfaceInfo failed");
-        return false;
-    }
-    for (int i = 0; i < count; ++i) {
-        if (!Equal(names[i], kUnfilteredCard)) DisablePortOf(names[i], port);
-    }
+    *num = count;
     return true;
+}
+
+bool GetPoEPowerInfo(PoeInfo_t* poe_info)
+{
+    return PoE_GetPowerInfo(poe_info);
+}
+
+bool SetPoEPowerOn(uint32_t portmask)
+{
+    return PoE_SetPowerOn(portmask);
+}
+
+bool SetPoEPowerOff(uint32_t portmask)
+{
+    return PoE_SetPowerOff(portmask);
+}
+
+bool SetPoETotalPower(uint32_t power)
+{
+    return PoE_SetTotalPower(power);
 }

@@ -6,11 +6,11 @@
 /// Contents:
 ///   Routes: routes by text or by record, the default card and its route
 ///   IPv4 operations: address, gateway, hardware address, link of one card
+///   IPv6 operations: address and gateway of one card
 ///   Bonds: building and ending a bond, and putting a card's saved settings back
 ///   Bridges: building and ending a bridge, its edge ports and spanning tree
 ///   Interface list and MTU: what knows cards, bonds and bridges alike
-///   Traffic shaping: limits on what a card sends to single peers
-///   Port filtering: ports of one address or of all addresses, blocked and freed
+///   Switch and PoE: ports of the switch chip, power on its ports
 
 #include "Types.h"
 
@@ -192,6 +192,62 @@ VORLIX_API bool NetGetEthWorkMode(const char* name, NetWorkMode* mode);
 /// @errors a master whose name is not saved: Warn, and the card's own link counts
 VORLIX_API bool NetMiiDiag(const char* name, bool bcheckSlaves);
 
+// ==== IPv6 operations ====
+//
+// A card's values live in the kernel and in its IPv6 setting file; the backup memory holds none. A
+// card that does not exist gives false, with the Error of `CheckEthExist`. Nothing is retried.
+
+/// Replaces the address of a card: in the kernel, then in the setting file. The card has none in
+/// between. An address that the card has already with this prefix is left alone, and so is the
+/// file.
+///
+/// @param addr    address text without prefix; an empty text takes the address away and saves
+///                "0:0:0::0" and "64"
+/// @param perfix  prefix length in decimal, up to 128
+/// @return result of the kernel, or of the setting file for an empty address. After false from the
+///         kernel the old address is gone there, and still stands in the file
+/// @errors another prefix length: Error; an old address that cannot be removed, an empty address:
+///         Warn
+VORLIX_API bool NetSetIPv6byName(const char* name, const char* addr, const char* perfix);
+
+/// Takes the address of a card away: from the kernel, then from the setting file, where "0:0:0::0"
+/// and "64" stand for none.
+///
+/// @param addr  address text, alone or as address/prefix. The latter must be writable: it is cut at
+///              the "/" in place
+/// @return result of the kernel; true for a card without an address
+/// @errors a prefix length above 128: Error, with nothing removed
+VORLIX_API bool NetDelIPAddressIpv6(const char* name, const char* addr);
+
+/// Tells the address: from the kernel, else from the setting file.
+///
+/// @param addr    `ipLen` bytes; the shortened form takes up to 40
+/// @param perfix  `perFixLen` bytes
+/// @errors neither has one: Error
+VORLIX_API bool NetGetIPv6byName(const char* name, char* addr, int ipLen, char* perfix,
+                                 int perFixLen);
+
+/// The same from the kernel alone.
+/// @errors it has none: Warn
+VORLIX_API bool NetGetSysIPv6byName(const char* name, char* addr, int ipLen, char* perfix,
+                                    int perFixLen);
+
+/// Tells the link-local address: the one that the kernel has, as address/prefix, or else the one
+/// that belongs to the hardware address, without a prefix.
+///
+/// @param addr  `ipLen` bytes; a text that needs more is cut
+VORLIX_API bool NetGetLinkLocalAddressIpv6(const char* name, char* addr, int ipLen);
+
+/// Saves the gateway in the setting file. No route is changed: `RouteAddDefIPv6` applies it.
+/// @errors a failed save: Error
+VORLIX_API bool NetSetGatewayIPv6byName(const char* name, const char* addr);
+
+/// Tells the saved gateway. The kernel is not asked.
+///
+/// @param addr  `len` bytes
+/// @errors none: Error
+VORLIX_API bool NetGetGatewayIPv6byName(const char* name, char* addr, int len);
+
 // ==== Bonds ====
 //
 // A bond's device has "bond" in its name. It runs when `Bond_GetBondMembers` can read its members.
@@ -351,53 +407,47 @@ VORLIX_API bool NetGetAllInterface(NetInterfaceInfo* list, int32_t* num);
 /// @return 2 for fibre, 0 for everything else
 VORLIX_API int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr);
 
-// ==== Traffic shaping ====
+// ==== Switch and PoE ====
 //
-// What is applied is told by the shell runner alone: a limit that `tc` refuses is applied and saved
-// like any other. The saved limits are not put back at a start. Callers keep apart.
+// A switch is an interface for which `isSwitchByName` gives 1; any other name is refused with an
+// Error. Nothing is saved here.
 
-/// Sets limits on a card that exists, in the order of the records, and saves each behind those that
-/// are saved already. A limit that cannot be applied is not saved, and the next one follows.
+/// Finds the port behind which a hardware address was seen.
 ///
-/// @param tc   `num` records; `flags` 0 is a send limit, any other a receive limit, which fails
-/// @param num  below 1: nothing is done
-/// @return true when all were applied, whether or not they could be saved
-/// @errors a limit that was not applied: Error
-VORLIX_API bool TrafCtrlSetBand(const char* name, const NetTc* tc, int num);
+/// @param mac   six hexadecimal bytes with colons between them; bytes that are missing count as 0
+/// @param port  counted from 0; -1 when the switch does not know the address
+/// @return true also when the switch does not know the address
+/// @errors as `Switch_GetPortBymac`
+VORLIX_API bool GetSwitchPortByMac(const char* name, const char* mac, int* port);
 
-/// Lists the saved limits of a card that exists, as `TC_GetFromConfig`.
+/// Tells the number of ports. The driver is asked once for the same switch.
+VORLIX_API bool GetSwitchPortNum(const char* name, int* num);
+
+/// Tells which ports have a link: bit n for port n.
+VORLIX_API bool GetSwitchMask(const char* name, int* mask);
+
+/// Lists the ports with their link and the hardware address behind each. Every port listed is
+/// enabled on the way.
 ///
-/// @param tc   `*num` records
-/// @param num  capacity on entry, number of limits on return; unchanged on failure
-VORLIX_API bool TrafCtrlGetBand(const char* name, NetTc* tc, int* num);
+/// @param status  `*num` records, all cleared first. `ip` is always "0.0.0.0" and `ipType` 4; `mac`
+///                is empty for a port without link or with no address to tell
+/// @param num     capacity on entry, below 1 counts as none; number of records on return
+/// @return true also when the driver told of no port
+/// @errors more ports than records: Warn; a port whose address cannot be read, or is all zeros or
+///         all ones: Error, and the rest follow
+VORLIX_API bool GetSwitchStatus(const char* name, SwitchPortStatus* status, int* num);
 
-/// Removes the limits of one peer of a card that exists, or all limits for the exact text
-/// "0.0.0.0".
-///
-/// One peer's are removed by building the card's set again without them: the others are unshaped
-/// meanwhile, get new class numbers, and are saved again as far as they could be applied. At most
-/// 32 of them survive that. A card without a file gets 32 records without an address in a new one,
-/// which `TrafCtrlGetBand` does not list.
-///
-/// @return true for every card that exists
-/// @errors a limit that was not applied: Error
-VORLIX_API bool TrafCtrlUnSetBand(const char* name, const char* ipAddr);
+/// `PoE_GetPowerInfo`.
+VORLIX_API bool GetPoEPowerInfo(PoeInfo_t* poe_info);
 
-// ==== Port filtering ====
-//
-// The exact text "0.0.0.0" stands for all addresses. Any other with a dot in it is an IPv4 address,
-// everything else an IPv6 address.
+/// `PoE_SetPowerOn`.
+VORLIX_API bool SetPoEPowerOn(uint32_t portmask);
 
-/// Frees a port of one address. For all addresses every port is freed: the chain is flushed.
-VORLIX_API bool PortCtrlEnablePort(const char* ipAddr, int port);
+/// `PoE_SetPowerOff`.
+VORLIX_API bool SetPoEPowerOff(uint32_t portmask);
 
-/// Blocks a port of one address, or of each address that the listed interfaces have now, save those
-/// of "eth16". An address that comes later is not blocked.
-///
-/// @return for one address whether the rules could be run; for all of them true, once the
-///         interfaces could be listed
-/// @errors no list, an interface without an address of one of the families: Error
-VORLIX_API bool PortCtrlDisablePort(const char* ipAddr, int port);
+/// `PoE_SetTotalPower`.
+VORLIX_API bool SetPoETotalPower(uint32_t power);
 
 #ifdef __cplusplus
 }  // extern "C"
