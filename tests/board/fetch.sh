@@ -10,7 +10,7 @@ set -eu
 arch=$1
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/vorlix-board
 state=$cache/apt-$arch
-tools="busybox-static dash net-tools bridge-utils iproute2 iputils-ping libc6"
+tools="busybox-static dash net-tools bridge-utils iproute2 iputils-ping ifupdown ifenslave libc6"
 
 apt()
 {
@@ -33,7 +33,8 @@ fi
 kernel=$(apt apt-cache depends "linux-image-$arch" | sed -n 's/^ *Depends: \(linux-image-[0-9].*\)/\1/p' | head -n 1)
 version=${kernel#linux-image-}
 board=$cache/$version
-if [ -e "$board/complete" ]; then
+# A list of tools that has changed is fetched anew.
+if [ "$(cat "$board/complete" 2>/dev/null)" = "$tools" ]; then
     echo "$board"
     exit 0
 fi
@@ -65,5 +66,5 @@ if [ "$arch" = amd64 ]; then
 else
     mv "$board/boot/vmlinuz" "$board/boot/kernel"
 fi
-touch "$board/complete"
+echo "$tools" >"$board/complete"
 echo "$board"

@@ -9,8 +9,10 @@ set -eu
 board=$1
 here=$(cd "$(dirname "$0")" && pwd)
 version=$(cat "$board/version")
-modules="virtio_pci virtio_net bonding bridge 8021q dummy veth"
-tools="usr/bin/dash bin/dash sbin/ifconfig sbin/route sbin/brctl bin/ip sbin/ip usr/bin/ping bin/ping"
+modules="virtio_pci virtio_net bonding bridge 8021q dummy veth macvlan ipvlan
+    sch_htb sch_sfq sch_ingress cls_u32"
+tools="usr/bin/dash bin/dash sbin/ifconfig sbin/route sbin/brctl bin/ip sbin/ip sbin/tc usr/bin/ping
+    bin/ping sbin/ifup"
 
 sum=$(cat "$here/image.sh" "$here/init" "$here"/tools/* | cksum | cut -d' ' -f1)
 image=$board/base-$sum.cpio
@@ -48,6 +50,14 @@ for tool in $tools; do
     provide "$file"
 done
 [ -e "$root/lib/ld-linux-x86-64.so.2" ] && cp "$root/lib/ld-linux-x86-64.so.2" "$root/lib64/"
+
+# What ifup runs for a bond.
+mkdir -p "$root/run/network"
+for script in "$board"/root/etc/network/if-*.d/ifenslave; do
+    folder=$root/etc/network/$(basename "$(dirname "$script")")
+    mkdir -p "$folder"
+    cp "$script" "$folder/"
+done
 
 cp "$board/root/bin/busybox" "$root/bin/busybox"
 # The shell is dash: busybox's own would run its own applets before the tools on PATH.
