@@ -5,6 +5,8 @@
 //   Bonds: building and ending a bond, and putting a card's saved settings back
 //   Bridges: building and ending a bridge, its edge ports and spanning tree
 //   Interface list and MTU: what knows cards, bonds and bridges alike
+//   Traffic shaping: limits on what a card sends to single peers
+//   Port filtering: ports of one address or of all addresses, blocked and freed
 //   Switch and PoE: ports of the switch chip, power on its ports
 //
 // Each chapter has its own helpers directly above its operations and calls only operations of the
@@ -19,12 +21,14 @@
 #include "Config.h"
 #include "Network.h"
 #include "Network6.h"
+#include "PortControl.h"
 #include "Route.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
 #include "Support/NameList.h"
 #include "Support/Text.h"
 #include "Switch.h"
+#include "TrafficControl.h"
 
 #include <algorithm>
 #include <atomic>
@@ -1401,6 +1405,139 @@ int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr)
         }
     }
     return NetInterfaceWired;
+}
+
+// ==== Traffic shaping ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr char kAllPeers[] = "0.0.0.0";
+constexpr int kLimitsKept = 32;  // by a rebuild
+
+/// Applies one limit and saves it when that succeeded.
+bool SetLimit(const char* operation, const char* name, const NetTc& limit)
+{
+    const bool send = limit.flags == 0;
+    if (send ? TC_SetSendBand(name, limit) : TC_SetRcvBand(name, limit)) {
+        (void)TC_SaveToConfig(name, limit);  // it is in force, saved or not
+        return true;
+    }
+    char address[sizeof(limit.ipAddr)];
+    CopyText(address, limit.ipAddr);  // a record may fill its field
+    LOG_ERROR_AS(operation, "set %s band faild.dev %s,ip %s,band %d", send ? "send" : "rcv", name,
+                 address, limit.bandWidth);
+    return false;
+}
+
+void ClearLimits(const char* name)
+{
+    (void)TC_DeinitDev(name);
+    (void)TC_DelConfig(name);
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool TrafCtrlSetBand(const char* name, const NetTc* tc, int num)
+{
+    if (name == nullptr || tc == nullptr || !CardExists(name)) return false;
+
+    bool done = true;
+    for (int i = 0; i < num; ++i) {
+        if (!SetLimit(__func__, name, tc[i])) done = false;
+    }
+    return done;
+}
+
+bool TrafCtrlGetBand(const char* name, NetTc* tc, int* num)
+{
+    if (name == nullptr || tc == nullptr || num == nullptr || !CardExists(name)) return false;
+
+    return TC_GetFromConfig(name, tc, num);
+}
+
+bool TrafCtrlUnSetBand(const char* name, const char* ipAddr)
+{
+    if (name == nullptr || ipAddr == nullptr || !CardExists(name)) return false;
+    if (Equal(ipAddr, kAllPeers)) {
+        ClearLimits(name);
+        return true;
+    }
+    NetTc limits[kLimitsKept] = {};
+    int count = kLimitsKept;
+    (void)TC_GetFromConfig(name, limits, &count);  // without a file all 32 empty limits are set
+    ClearLimits(name);
+    for (int i = 0; i < count; ++i) {
+        if (!Equal(limits[i].ipAddr, ipAddr)) (void)SetLimit(__func__, name, limits[i]);
+    }
+    return true;
+}
+
+// ==== Port filtering ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr char kAllAddresses[] = "0.0.0.0";
+constexpr char kUnfilteredCard[] = "eth16";
+constexpr int kPortTextSize = 256;
+
+bool IsIPv4Text(const char* address)
+{
+    return Contains(address, ".");
+}
+
+/// Blocks a port of the addresses that a card has now, one of each family.
+void DisablePortOf(const char* card, int port)
+{
+    char address[kPortTextSize] = {};
+    char mask[kPortTextSize] = {};
+    if (Net_GetIPbyName(card, address, mask)) {
+        (void)PortCtrl_DisableIPv4Port(address, port);
+    } else {
+        LOG_ERROR_AS("PortCtrlDisablePort", "get %s's ip from sys failed.", card);
+    }
+    if (Net6_GetIPv6byName(card, address, sizeof(address), mask, sizeof(mask))) {
+        (void)PortCtrl_DisableIPv6Port(address, port);
+    } else {
+        LOG_ERROR_AS("PortCtrlDisablePort", "get %s's ipv6 from sys failed.", card);
+    }
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+bool PortCtrlEnablePort(const char* ipAddr, int port)
+{
+    if (ipAddr == nullptr) return false;
+    if (Equal(ipAddr, kAllAddresses)) return PortCtrl_EnableAllIPPort();
+
+    return IsIPv4Text(ipAddr) ? PortCtrl_EnableIPv4Port(ipAddr, port)
+                              : PortCtrl_EnableIPv6Port(ipAddr, port);
+}
+
+bool PortCtrlDisablePort(const char* ipAddr, int port)
+{
+    if (ipAddr == nullptr) return false;
+    if (!Equal(ipAddr, kAllAddresses)) {
+        return IsIPv4Text(ipAddr) ? PortCtrl_DisableIPv4Port(ipAddr, port)
+                                  : PortCtrl_DisableIPv6Port(ipAddr, port);
+    }
+    char names[kMaxInterfaces][kNameSize];
+    int count = kMaxInterfaces;
+    if (!GetAllInterfaceInfo(names, &count)) {
+        LOG_ERROR("GetAllInterfaceInfo failed");
+        return false;
+    }
+    for (int i = 0; i < count; ++i) {
+        if (!Equal(names[i], kUnfilteredCard)) DisablePortOf(names[i], port);
+    }
+    return true;
 }
 
 // ==== Switch and PoE ====

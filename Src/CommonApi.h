@@ -10,6 +10,8 @@
 ///   Bonds: building and ending a bond, and putting a card's saved settings back
 ///   Bridges: building and ending a bridge, its edge ports and spanning tree
 ///   Interface list and MTU: what knows cards, bonds and bridges alike
+///   Traffic shaping: limits on what a card sends to single peers
+///   Port filtering: ports of one address or of all addresses, blocked and freed
 ///   Switch and PoE: ports of the switch chip, power on its ports
 
 #include "Types.h"
@@ -406,6 +408,54 @@ VORLIX_API bool NetGetAllInterface(NetInterfaceInfo* list, int32_t* num);
 /// @param isBr  a bridge, otherwise a bond
 /// @return 2 for fibre, 0 for everything else
 VORLIX_API int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr);
+
+// ==== Traffic shaping ====
+//
+// What is applied is told by the shell runner alone: a limit that `tc` refuses is applied and saved
+// like any other. The saved limits are not put back at a start. Callers keep apart.
+
+/// Sets limits on a card that exists, in the order of the records, and saves each behind those that
+/// are saved already. A limit that cannot be applied is not saved, and the next one follows.
+///
+/// @param tc   `num` records; `flags` 0 is a send limit, any other a receive limit, which fails
+/// @param num  below 1: nothing is done
+/// @return true when all were applied, whether or not they could be saved
+/// @errors a limit that was not applied: Error
+VORLIX_API bool TrafCtrlSetBand(const char* name, const NetTc* tc, int num);
+
+/// Lists the saved limits of a card that exists, as `TC_GetFromConfig`.
+///
+/// @param tc   `*num` records
+/// @param num  capacity on entry, number of limits on return; unchanged on failure
+VORLIX_API bool TrafCtrlGetBand(const char* name, NetTc* tc, int* num);
+
+/// Removes the limits of one peer of a card that exists, or all limits for the exact text
+/// "0.0.0.0".
+///
+/// One peer's are removed by building the card's set again without them: the others are unshaped
+/// meanwhile, get new class numbers, and are saved again as far as they could be applied. At most
+/// 32 of them survive that. A card without a file gets 32 records without an address in a new one,
+/// which `TrafCtrlGetBand` does not list.
+///
+/// @return true for every card that exists
+/// @errors a limit that was not applied: Error
+VORLIX_API bool TrafCtrlUnSetBand(const char* name, const char* ipAddr);
+
+// ==== Port filtering ====
+//
+// The exact text "0.0.0.0" stands for all addresses. Any other with a dot in it is an IPv4 address,
+// everything else an IPv6 address.
+
+/// Frees a port of one address. For all addresses every port is freed: the chain is flushed.
+VORLIX_API bool PortCtrlEnablePort(const char* ipAddr, int port);
+
+/// Blocks a port of one address, or of each address that the listed interfaces have now, save those
+/// of "eth16". An address that comes later is not blocked.
+///
+/// @return for one address whether the rules could be run; for all of them true, once the
+///         interfaces could be listed
+/// @errors no list, an interface without an address of one of the families: Error
+VORLIX_API bool PortCtrlDisablePort(const char* ipAddr, int port);
 
 // ==== Switch and PoE ====
 //
