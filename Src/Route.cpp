@@ -2,6 +2,7 @@
 
 #include "Network6.h"
 #include "Support/Handles.h"
+#include "Support/KeptTable.h"
 #include "Support/Lines.h"
 #include "Support/Log.h"
 #include "Support/Text.h"
@@ -37,25 +38,6 @@ constexpr int kLongestPrefix = 128;
 constexpr size_t kUnusedSize = 128;
 
 // ---- tables
-
-/// A table of the kernel, opened by its first reader and never closed.
-struct KeptTable {
-    const char* path;
-    pthread_mutex_t routeLock = PTHREAD_MUTEX_INITIALIZER;
-    int fd = -1;  // guarded by routeLock
-};
-
-/// Opens the table when it is not yet; the caller holds its lock.
-bool OpenTable(KeptTable* table)
-{
-    if (table->fd >= 0) return true;
-
-    table->fd = open(table->path, O_RDONLY);
-    if (table->fd < 0) return false;
-
-    KeepFromChildren(table->fd);
-    return true;
-}
 
 /// What so many rows and the titles of their columns take.
 size_t BytesFor(int rows)
