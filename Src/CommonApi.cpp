@@ -5,6 +5,8 @@
 //   Bonds: building and ending a bond, and putting a card's saved settings back
 //   Bridges: building and ending a bridge, its edge ports and spanning tree
 //   Interface list and MTU: what knows cards, bonds and bridges alike
+//   Reachability probes: who else uses a card's address, and whether a host answers
+//   Neighbours: addresses and hardware addresses of the kernel's neighbour table
 //   Traffic shaping: limits on what a card sends to single peers
 //   Port filtering: ports of one address or of all addresses, blocked and freed
 //   Switch and PoE: ports of the switch chip, power on its ports
@@ -14,6 +16,7 @@
 
 #include "CommonApi.h"
 
+#include "Arp_Ping.h"
 #include "Backup.h"
 #include "Base.h"
 #include "Bond.h"
@@ -21,6 +24,7 @@
 #include "Config.h"
 #include "Network.h"
 #include "Network6.h"
+#include "Other.h"
 #include "PortControl.h"
 #include "Route.h"
 #include "Support/Handles.h"
@@ -1405,6 +1409,63 @@ int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr)
         }
     }
     return NetInterfaceWired;
+}
+
+// ==== Reachability probes ====
+
+namespace vorlix {
+
+namespace {
+
+constexpr char kBroadcast[] = "ff:ff:ff:ff:ff:ff";
+constexpr int kListenSeconds = 3;
+
+}  // namespace
+
+}  // namespace vorlix
+
+int NetArpCheck(const char* name)
+{
+    if (name == nullptr) return -1;
+
+    char ip[kIPv4TextSize] = {};
+    char unusedMask[kIPv4TextSize] = {};
+    if (!NetGetIPbyName(name, ip, unusedMask)) {
+        LOG_ERROR("NetGetIPbyName failed");
+        return -1;
+    }
+    char mac[kMacTextSize] = {};
+    if (!NetGetMacbyName(name, mac)) {
+        LOG_ERROR("NetGetMacbyName failed");
+        return -1;
+    }
+    return Arp_Ckeck(name, ip, mac, ip, kBroadcast, kListenSeconds);
+}
+
+bool NetPingCheck(const char* name, const char* ip, int timeout)
+{
+    if (ip == nullptr) return false;
+    if (name == nullptr) return Ping_CheckAlive(nullptr, nullptr, ip, timeout);
+
+    char ours[kIPv4TextSize] = {};
+    char unusedMask[kIPv4TextSize] = {};
+    if (!NetGetIPbyName(name, ours, unusedMask)) {
+        LOG_ERROR("NetGetIPbyName failed");
+        return Ping_CheckAlive(nullptr, nullptr, ip, timeout);
+    }
+    return Ping_CheckAlive(name, ours, ip, timeout);
+}
+
+// ==== Neighbours ====
+
+bool GetIPByMacFromARP(const char* mac, char* ip)
+{
+    return mac != nullptr && ip != nullptr && Other_GetIPByMac(mac, ip);
+}
+
+bool GetMacByIPFromARP(const char* ip, char* mac)
+{
+    return ip != nullptr && mac != nullptr && Other_GetMacByIP(ip, mac);
 }
 
 // ==== Traffic shaping ====

@@ -10,6 +10,8 @@
 ///   Bonds: building and ending a bond, and putting a card's saved settings back
 ///   Bridges: building and ending a bridge, its edge ports and spanning tree
 ///   Interface list and MTU: what knows cards, bonds and bridges alike
+///   Reachability probes: who else uses a card's address, and whether a host answers
+///   Neighbours: addresses and hardware addresses of the kernel's neighbour table
 ///   Traffic shaping: limits on what a card sends to single peers
 ///   Port filtering: ports of one address or of all addresses, blocked and freed
 ///   Switch and PoE: ports of the switch chip, power on its ports
@@ -408,6 +410,38 @@ VORLIX_API bool NetGetAllInterface(NetInterfaceInfo* list, int32_t* num);
 /// @param isBr  a bridge, otherwise a bond
 /// @return 2 for fibre, 0 for everything else
 VORLIX_API int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr);
+
+// ==== Reachability probes ====
+
+/// `Arp_Ckeck` for a card's own address: asks for it by broadcast and listens for 3 seconds.
+///
+/// @return -1 when the check could not be run; otherwise 0, or a sum of 1 (the card's hardware
+///         address is used with another address) and 2 (its address is used by another card)
+/// @errors  NULL: silent; no address, no hardware address: Error
+VORLIX_API int NetArpCheck(const char* name);
+
+/// `Ping_CheckAlive` from a card with its address.
+///
+/// @param name     NULL, and a card without address: whichever way the kernel picks
+/// @param ip       host, dotted text
+/// @param timeout  seconds
+/// @return true when the host answered
+/// @errors  a NULL `ip`: silent; no address: Error, and the host is asked all the same
+VORLIX_API bool NetPingCheck(const char* name, const char* ip, int timeout);
+
+// ==== Neighbours ====
+
+/// `Other_GetIPByMac`.
+///
+/// @param mac  17 characters in lower case
+/// @param ip   16 bytes
+VORLIX_API bool GetIPByMacFromARP(const char* mac, char* ip);
+
+/// `Other_GetMacByIP`.
+///
+/// @param ip   dotted text
+/// @param mac  18 bytes
+VORLIX_API bool GetMacByIPFromARP(const char* ip, char* mac);
 
 // ==== Traffic shaping ====
 //
