@@ -1,5 +1,6 @@
 // Contents:
 //   Routes: routes by text or by record, the default card and its route
+//   Virtual links: IPVLAN and MACVLAN links on a card
 //   IPv4 operations: address, gateway, hardware address, link of one card
 //   IPv6 operations: address and gateway of one card
 //   Bonds: building and ending a bond, and putting a card's saved settings back
@@ -33,6 +34,7 @@
 #include "Support/Text.h"
 #include "Switch.h"
 #include "TrafficControl.h"
+#include "VirtInter.h"
 
 #include <algorithm>
 #include <atomic>
@@ -469,6 +471,79 @@ bool RouteAdd(NetRouteTableInfo* cmd)
 bool RouteDel(NetRouteTableInfo* cmd)
 {
     return ChangeByRecord(__func__, *cmd, Route_DelIPv4Route, RouteDelIPv6);
+}
+
+// ==== Virtual links ====
+
+namespace vorlix {
+
+namespace {
+
+/// The names of a record, which may fill their fields, as texts.
+struct LinkNames {
+    // cppcheck-suppress uninitMemberVar  ; the copies fill both
+    explicit LinkNames(const NetVirtInterName& names)
+    {
+        CopyText(host, names.hostName);
+        CopyText(virt, names.virtName);
+    }
+    char host[sizeof(NetVirtInterName::hostName) + 1];
+    char virt[sizeof(NetVirtInterName::virtName) + 1];
+};
+
+/// Tells of a type that nothing is made of. Always false.
+bool UnknownType(const char* operation, const LinkNames& names, NetVirtInterType type)
+{
+    LOG_ERROR_AS(operation, "[%s:%s]invalid type %d", names.host, names.virt, type);
+    return false;
+}
+
+bool AddIpVlan(LinkNames* names, const NetIpVlanAttr& attributes)
+{
+    return VirtInter_IpVlanAdd(names->host, names->virt, static_cast<uint32_t>(attributes.eMode),
+                               static_cast<uint32_t>(attributes.eFlag)) == 0;
+}
+
+bool AddMacVlan(LinkNames* names, NetMacVlanAttr* attributes)
+{
+    return VirtInter_MacVlanAdd(names->host, names->virt, static_cast<uint32_t>(attributes->eMode),
+                                static_cast<uint32_t>(attributes->eFlag),
+                                static_cast<uint32_t>(attributes->eAddrMode),
+                                attributes->macAddr) == 0;
+}
+
+}  // namespace
+
+}  // namespace vorlix
+
+// A request is told of at Error level: what reads the logs of devices in the field looks there.
+
+bool NetVirtInterAdd(NetVirtInterInfo* pstInterInfo)
+{
+    if (pstInterInfo == nullptr) return false;
+
+    LinkNames names(pstInterInfo->interName);
+    const NetVirtInterType type = pstInterInfo->interName.eType;
+    LOG_ERROR("[%s:%s] add virt interface type %d", names.host, names.virt, type);
+    switch (type) {
+    case virtTypeIpVlan: return AddIpVlan(&names, pstInterInfo->interParam.ipVlAttr);
+    case virtTypeMacVlan: return AddMacVlan(&names, &pstInterInfo->interParam.macVlAttr);
+    default: return UnknownType(__func__, names, type);
+    }
+}
+
+bool NetVirtInterDel(NetVirtInterName* pstInterName)
+{
+    if (pstInterName == nullptr) return false;
+
+    LinkNames names(*pstInterName);
+    const NetVirtInterType type = pstInterName->eType;
+    LOG_ERROR("[%s:%s] del virt interface type %d", names.host, names.virt, type);
+    switch (type) {
+    case virtTypeIpVlan: return VirtInter_IpVlanDel(names.host, names.virt) == 0;
+    case virtTypeMacVlan: return VirtInter_MacVlanDel(names.host, names.virt) == 0;
+    default: return UnknownType(__func__, names, type);
+    }
 }
 
 // ==== IPv4 operations ====

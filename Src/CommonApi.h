@@ -5,6 +5,7 @@
 ///
 /// Contents:
 ///   Routes: routes by text or by record, the default card and its route
+///   Virtual links: IPVLAN and MACVLAN links on a card
 ///   IPv4 operations: address, gateway, hardware address, link of one card
 ///   IPv6 operations: address and gateway of one card
 ///   Bonds: building and ending a bond, and putting a card's saved settings back
@@ -107,6 +108,20 @@ VORLIX_API bool RouteAdd(NetRouteTableInfo* cmd);
 
 /// Deletes the route of a record, not NULL, over a card that exists.
 VORLIX_API bool RouteDel(NetRouteTableInfo* cmd);
+
+// ==== Virtual links ====
+
+/// Creates an IPVLAN or MACVLAN link on a card; it comes up at once. Nothing is saved.
+///
+/// @param pstInterInfo  names, which may fill their fields, and the parameters of the type's own
+///                      member of the union
+/// @return true when the kernel made the link
+/// @errors NULL: silent; another type, and every request as such: Error; a refusal: Warn
+/// @source rtnetlink, RTM_NEWLINK
+VORLIX_API bool NetVirtInterAdd(NetVirtInterInfo* pstInterInfo);
+
+/// Deletes a virtual link by its name; messages as above.
+VORLIX_API bool NetVirtInterDel(NetVirtInterName* pstInterName);
 
 // ==== IPv4 operations ====
 //

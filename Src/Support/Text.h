@@ -47,6 +47,12 @@ inline bool IsDigit(char character)
     return character >= '0' && character <= '9';
 }
 
+/// A text for a message, where it may be missing.
+inline const char* Shown(const char* text)
+{
+    return text != nullptr ? text : "(null)";
+}
+
 /// Copies at most `size` - 1 characters of `src` and zeroes the rest of `dest`. A size below 1
 /// copies nothing.
 void CopyText(char* dest, size_t size, const char* src);

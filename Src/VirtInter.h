@@ -1,0 +1,27 @@
+#pragma once
+
+/// Virtual links on a host interface: one operation for each kind and verb, in front of the
+/// requests of `Netlink`, whose results and messages they have.
+
+#include "Types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// Creates an IPVLAN link; arguments and result as `Netlink_Ipv4Link_IpVlan`.
+VORLIX_API int VirtInter_IpVlanAdd(char* host, char* virt, uint32_t mode, uint32_t flag);
+
+/// Deletes an IPVLAN link.
+VORLIX_API int VirtInter_IpVlanDel(char* host, char* virt);
+
+/// Creates a MACVLAN link; arguments and result as `Netlink_Ipv4Link_MacVlan`.
+VORLIX_API int VirtInter_MacVlanAdd(char* host, char* virt, uint32_t mode, uint32_t flag,
+                                    uint32_t addrMode, char* addr);
+
+/// Deletes a MACVLAN link.
+VORLIX_API int VirtInter_MacVlanDel(char* host, char* virt);
+
+#ifdef __cplusplus
+}  // extern "C"
+#endif
