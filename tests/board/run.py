@@ -20,7 +20,6 @@ import tempfile
 import threading
 
 HERE = os.path.dirname(os.path.abspath(__file__))
-TIME_LIMIT = 60  # seconds, for the whole of a case
 SKIPPED = 77
 
 MACHINES = {
@@ -30,10 +29,11 @@ MACHINES = {
 CONSOLES = {"amd64": "ttyS0", "arm64": "ttyAMA0"}
 
 
-def wires_of(case):
+def head_of(case, name, default):
+    """A number that the case gives in its head."""
     with open(case, encoding="utf-8") as text:
-        found = re.search(r"^# wires: (\d+)", text.read(), re.M)
-    return int(found.group(1)) if found else 1
+        found = re.search(rf"^# {name}: (\d+)", text.read(), re.M)
+    return int(found.group(1)) if found else default
 
 
 def case_image(build, case, folder):
@@ -138,10 +138,10 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         image = make_image(board, build, case, folder)
         control = os.path.join(folder, "control")
-        machine = subprocess.Popen(command_line(arch, board, image, wires_of(case), control),
+        machine = subprocess.Popen(command_line(arch, board, image, head_of(case, "wires", 1), control),
                                    stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                    stderr=subprocess.STDOUT, text=True, errors="replace")
-        limit = threading.Timer(TIME_LIMIT, machine.kill)
+        limit = threading.Timer(head_of(case, "limit", 60), machine.kill)
         limit.start()
         result = serve(machine, control)
         machine.wait()
