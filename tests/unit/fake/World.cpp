@@ -1,5 +1,7 @@
 #include "fake/World.h"
 
+#include "fake/Rtnetlink.h"
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -134,6 +136,7 @@ void World::SetUp()
     ASSERT_NE(scratch, "");
     ResetCalls();
     ResetKernel();
+    ResetRtnetlink();
     ResetTools();
     MakeFolder("/mnt/mtd/Config");
     CatchLog();

@@ -1,8 +1,10 @@
 // The C calls as the product meets them in a unit test. The linker sends each call of the list in
 // Wraps.txt here; what is not modelled goes on to libc.
 
+#include "fake/Rtnetlink.h"
 #include "fake/World.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
@@ -123,6 +125,33 @@ int Known(DIR* folder)
 std::string SignalText(int signal)
 {
     return signal == SIGINT ? "SIGINT" : "SIGQUIT";
+}
+
+std::string FamilyText(int family)
+{
+    switch (family) {
+    case AF_INET: return "AF_INET";
+    case AF_INET6: return "AF_INET6";
+    case AF_NETLINK: return "AF_NETLINK";
+    default: return "other";
+    }
+}
+
+/// "AF_NETLINK 0 0": family, port and groups.
+std::string AddressText(const sockaddr* address, socklen_t length)
+{
+    if (address->sa_family != AF_NETLINK || length < sizeof(sockaddr_nl)) return "other";
+
+    sockaddr_nl netlink{};
+    memcpy(&netlink, address, sizeof(netlink));
+    return "AF_NETLINK " + std::to_string(netlink.nl_pid) + " " + std::to_string(netlink.nl_groups);
+}
+
+bool IsNetlink(int fd)
+{
+    if (FamilyOf(fd) == AF_NETLINK) return true;
+    errno = EBADF;
+    return false;
 }
 
 void LeaveCall(const std::string& call)
@@ -353,9 +382,7 @@ int __wrap_remove(const char* path)
 
 int __wrap_socket(int family, int type, int protocol)
 {
-    const std::string call = std::string("socket ") + (family == AF_INET6  ? "AF_INET6"
-                                                       : family == AF_INET ? "AF_INET"
-                                                                           : "other");
+    const std::string call = "socket " + FamilyText(family);
     if (!Note(call)) return -1;
     // A descriptor with nothing behind it: all requests go to the model.
     const int fd = __real_open("/dev/null", O_RDWR);
@@ -375,6 +402,36 @@ int __wrap_ioctl(int fd, unsigned long request, ...)
     if (error == 0) return ResultOf(request);
     errno = error;
     return -1;
+}
+
+// ---- netlink
+
+int __wrap_bind(int, const sockaddr* address, socklen_t length)
+{
+    return Note("bind " + AddressText(address, length)) ? 0 : -1;
+}
+
+int __wrap_getsockname(int fd, sockaddr* address, socklen_t* length)
+{
+    if (!Note("getsockname " + PathOf(fd) + " " + std::to_string(*length))) return -1;
+    sockaddr_nl own{};
+    own.nl_family = AF_NETLINK;
+    own.nl_pid = rtnetlink.port;
+    memcpy(address, &own, std::min<size_t>(*length, sizeof(own)));
+    *length = sizeof(own);
+    return 0;
+}
+
+ssize_t __wrap_sendmsg(int fd, const msghdr* message, int flags)
+{
+    if (!Note("sendmsg " + std::to_string(flags))) return -1;
+    return IsNetlink(fd) ? TakeRequest(*message) : -1;
+}
+
+ssize_t __wrap_recvmsg(int fd, msghdr* message, int flags)
+{
+    if (!Note("recvmsg " + std::to_string(flags))) return -1;
+    return IsNetlink(fd) ? GiveAnswer(message) : -1;
 }
 
 // ---- processes and signals
