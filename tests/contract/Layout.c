@@ -3,6 +3,7 @@
  * and tools were built against them. Compiled as C11 and as C++17; to compile is to pass.
  */
 #include "Backup.h"
+#include "Net3.h"
 #include "Route.h"
 #include "Switch.h"
 #include "Types.h"
@@ -239,3 +240,182 @@ FIELD(SwitchToolInfo, u8PortIndex, 3);
 FIELD(SwitchToolInfo, u8MacAddr, 4);
 FIELD(SwitchToolInfo, u16enable, 10);
 FIELD(SwitchToolInfo, u16port_isolation, 12);
+
+SIZE(WLanEncryption, 4);
+
+SIZE(NetInterfaceDesc, 136);
+ALIGNMENT(NetInterfaceDesc, 8);
+FIELD(NetInterfaceDesc, reserved, 8);
+
+SIZE(TelnetInfo, 64);
+ALIGNMENT(TelnetInfo, 1);
+FIELD(TelnetInfo, reserved, 1);
+
+SIZE(QV_PAL_NetBondParams, 64);
+ALIGNMENT(QV_PAL_NetBondParams, 1);
+FIELD(QV_PAL_NetBondParams, reserved, 1);
+
+SIZE(WLanConfig, 256);
+ALIGNMENT(WLanConfig, 4);
+FIELD(WLanConfig, ssid, 3);
+FIELD(WLanConfig, keys, 42);
+FIELD(WLanConfig, reserved, 172);
+
+SIZE(WLanAccessPoint, 124);
+ALIGNMENT(WLanAccessPoint, 4);
+FIELD(WLanAccessPoint, reserved, 40);
+
+SIZE(QV_PAL_NetIPv6InfoFilter, 128);
+ALIGNMENT(QV_PAL_NetIPv6InfoFilter, 1);
+FIELD(QV_PAL_NetIPv6InfoFilter, reserved, 40);
+
+SIZE(QV_PAL_NetIPv6Info, 128);
+ALIGNMENT(QV_PAL_NetIPv6Info, 1);
+FIELD(QV_PAL_NetIPv6Info, ethName, 40);
+FIELD(QV_PAL_NetIPv6Info, macAddr, 56);
+FIELD(QV_PAL_NetIPv6Info, reserved, 74);
+
+SIZE(union QV_PAL_RouteAddr, 16);
+ALIGNMENT(union QV_PAL_RouteAddr, 4);
+
+SIZE(QV_PAL_RouteTableInfo, 128);
+ALIGNMENT(QV_PAL_RouteTableInfo, 4);
+FIELD(QV_PAL_RouteTableInfo, userFlag, 1);
+FIELD(QV_PAL_RouteTableInfo, resv, 2);
+FIELD(QV_PAL_RouteTableInfo, dst, 4);
+FIELD(QV_PAL_RouteTableInfo, gw, 20);
+FIELD(QV_PAL_RouteTableInfo, mask, 36);
+FIELD(QV_PAL_RouteTableInfo, viaDev, 40);
+FIELD(QV_PAL_RouteTableInfo, reserved, 56);
+
+SIZE(QV_PAL_ARPEntry, 64);
+ALIGNMENT(QV_PAL_ARPEntry, 1);
+FIELD(QV_PAL_ARPEntry, ip, 16);
+FIELD(QV_PAL_ARPEntry, mac, 32);
+FIELD(QV_PAL_ARPEntry, reserved, 50);
+
+SIZE(QV_PAL_PoeInfo, 256);
+ALIGNMENT(QV_PAL_PoeInfo, 4);
+FIELD(QV_PAL_PoeInfo, powerFlag, 4);
+FIELD(QV_PAL_PoeInfo, totalPower, 8);
+FIELD(QV_PAL_PoeInfo, power, 12);
+FIELD(QV_PAL_PoeInfo, powerOff, 76);
+FIELD(QV_PAL_PoeInfo, powerFail, 80);
+FIELD(QV_PAL_PoeInfo, powerOnMask, 84);
+FIELD(QV_PAL_PoeInfo, powerOffMask, 88);
+FIELD(QV_PAL_PoeInfo, ratePower, 92);
+FIELD(QV_PAL_PoeInfo, availablePower, 96);
+FIELD(QV_PAL_PoeInfo, averagePower, 100);
+FIELD(QV_PAL_PoeInfo, reserved, 104);
+
+SIZE(QV_PAL_NetControlDesc, 128);
+ALIGNMENT(QV_PAL_NetControlDesc, 4);
+
+SIZE(NetBrDesc, 136);
+ALIGNMENT(NetBrDesc, 8);
+FIELD(NetBrDesc, subDev, 8);
+FIELD(NetBrDesc, num, 16);
+FIELD(NetBrDesc, reserved, 20);
+
+SIZE(QV_PAL_NetBrDevice, 128);
+ALIGNMENT(QV_PAL_NetBrDevice, 1);
+
+SIZE(NetInterface, 1024);
+ALIGNMENT(NetInterface, 8);
+FIELD(NetInterface, priv, 0);
+FIELD(NetInterface, addRef, 8);
+FIELD(NetInterface, release, 16);
+FIELD(NetInterface, up, 24);
+FIELD(NetInterface, down, 32);
+FIELD(NetInterface, setHostIP, 40);
+FIELD(NetInterface, setGateway, 48);
+FIELD(NetInterface, getHostIP, 56);
+FIELD(NetInterface, getGateway, 64);
+FIELD(NetInterface, getDataStat, 72);
+FIELD(NetInterface, configBeenReset, 80);
+FIELD(NetInterface, getMAC, 88);
+FIELD(NetInterface, setMAC, 96);
+FIELD(NetInterface, getDNSAddress, 104);
+FIELD(NetInterface, setDNSAddress, 112);
+FIELD(NetInterface, getWLanConfig, 120);
+FIELD(NetInterface, setWLanConfig, 128);
+FIELD(NetInterface, scanWLanAccessPoint, 136);
+FIELD(NetInterface, miiDiag, 144);
+FIELD(NetInterface, arpCheck, 152);
+FIELD(NetInterface, getMTU, 160);
+FIELD(NetInterface, setMTU, 168);
+FIELD(NetInterface, getBondMembers, 176);
+FIELD(NetInterface, bond, 184);
+FIELD(NetInterface, unbond, 192);
+FIELD(NetInterface, addRoute, 200);
+FIELD(NetInterface, delRoute, 208);
+FIELD(NetInterface, setHostIpv6, 216);
+FIELD(NetInterface, getHostIpv6, 224);
+FIELD(NetInterface, setGatewayIpv6, 232);
+FIELD(NetInterface, getGatewayIpv6, 240);
+FIELD(NetInterface, setDNSAddressIpv6, 248);
+FIELD(NetInterface, getDNSAddressIpv6, 256);
+FIELD(NetInterface, getLinkLocalAddressIpv6, 264);
+FIELD(NetInterface, ping, 272);
+FIELD(NetInterface, getSwitchPort, 280);
+FIELD(NetInterface, getSwitchLinkMask, 288);
+FIELD(NetInterface, setSTP, 296);
+FIELD(NetInterface, addRouteIpv6, 304);
+FIELD(NetInterface, delRouteIpv6, 312);
+FIELD(NetInterface, getLinkSpeed, 320);
+FIELD(NetInterface, getSwitchPortNum, 328);
+FIELD(NetInterface, getSwitchPortStatus, 336);
+FIELD(NetInterface, getBondMode, 344);
+FIELD(NetInterface, getEthWorkMode, 352);
+FIELD(NetInterface, setBandWidth, 360);
+FIELD(NetInterface, getBandWidth, 368);
+FIELD(NetInterface, unsetBandWidth, 376);
+FIELD(NetInterface, ipPortCtrl, 384);
+FIELD(NetInterface, setTelnet, 392);
+FIELD(NetInterface, ipToMac, 400);
+FIELD(NetInterface, getRealHostIP, 408);
+FIELD(NetInterface, setMediumPrefer, 416);
+FIELD(NetInterface, setNetModeAndSpeed, 424);
+FIELD(NetInterface, delIPaddressIpv6, 432);
+FIELD(NetInterface, getIPv6NeighborTableInfo, 440);
+FIELD(NetInterface, setSSH, 448);
+FIELD(NetInterface, getNetLinkCaps, 456);
+FIELD(NetInterface, setBondParams, 464);
+FIELD(NetInterface, getBondParams, 472);
+FIELD(NetInterface, miiDiagEx, 480);
+FIELD(NetInterface, getSystemHostIpv6, 488);
+FIELD(NetInterface, getNetPortState, 496);
+FIELD(NetInterface, getPhyExceptionInfo, 504);
+FIELD(NetInterface, reserved, 512);
+
+SIZE(QV_PAL_NetControl, 1024);
+ALIGNMENT(QV_PAL_NetControl, 8);
+FIELD(QV_PAL_NetControl, priv, 0);
+FIELD(QV_PAL_NetControl, addRef, 8);
+FIELD(QV_PAL_NetControl, release, 16);
+FIELD(QV_PAL_NetControl, getPoEPowerInfo, 24);
+FIELD(QV_PAL_NetControl, setPoEPowerOn, 32);
+FIELD(QV_PAL_NetControl, setPoEPowerOff, 40);
+FIELD(QV_PAL_NetControl, getAllRouteInfo, 48);
+FIELD(QV_PAL_NetControl, addRoute, 56);
+FIELD(QV_PAL_NetControl, delRoute, 64);
+FIELD(QV_PAL_NetControl, addArpStaticEntry, 72);
+FIELD(QV_PAL_NetControl, delArpStaticEntry, 80);
+FIELD(QV_PAL_NetControl, getAllArpStaticEntry, 88);
+FIELD(QV_PAL_NetControl, getArpStaticInfoByIp, 96);
+FIELD(QV_PAL_NetControl, setPoETotalPower, 104);
+FIELD(QV_PAL_NetControl, setPhyWolMode, 112);
+FIELD(QV_PAL_NetControl, reserved, 120);
+
+SIZE(NetBridge, 256);
+ALIGNMENT(NetBridge, 8);
+FIELD(NetBridge, priv, 0);
+FIELD(NetBridge, addRef, 8);
+FIELD(NetBridge, release, 16);
+FIELD(NetBridge, getBridgeDevicesInfo, 24);
+FIELD(NetBridge, isEdgePort, 32);
+FIELD(NetBridge, edgePortCtrl, 40);
+FIELD(NetBridge, getInfo, 48);
+FIELD(NetBridge, bridgeCtrl, 56);
+FIELD(NetBridge, getBridgeDevices, 64);
+FIELD(NetBridge, reserved, 72);
