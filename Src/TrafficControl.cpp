@@ -80,11 +80,10 @@ bool RemoveRoot(const char* operation, const char* name)
 
 // ---- the list of cards
 
-/// A card's entry in the list, with its comma; NULL when the card has no root from this process.
-char* FindEntry(const char* name)
+/// The card's name in the list; NULL when the card has no root from this process.
+char* FindCard(const char* name)
 {
-    char* word = FindWordInLine(devHaveInited, name, kSeparator);
-    return word == nullptr || word == devHaveInited ? word : word - 1;
+    return FindWordInLine(devHaveInited, name, kSeparator);
 }
 
 bool FitsList(const char* name)
@@ -92,15 +91,17 @@ bool FitsList(const char* name)
     return strlen(devHaveInited) + strlen(name) + 1 < sizeof(devHaveInited);
 }
 
-void AddEntry(const char* name)
+void AddCard(const char* name)
 {
     (void)Strcat(devHaveInited, sizeof(devHaveInited), ",", nullptr);
     (void)Strcat(devHaveInited, sizeof(devHaveInited), name, nullptr);
 }
 
-void CutEntry(char* entry, const char* name)
+/// Takes the name that was found out of the list, with the comma before it.
+void CutCard(char* found, const char* name)
 {
-    const char* behind = entry + (*entry == kSeparator ? 1 : 0) + strlen(name);
+    char* entry = found == devHaveInited ? found : found - 1;  // a name may bring its own comma
+    const char* behind = found + strlen(name);
     memmove(entry, behind, strlen(behind) + 1);
 }
 
@@ -145,7 +146,7 @@ using namespace vorlix;
 bool TC_InitDev(const char* name)
 {
     if (name == nullptr) return false;
-    if (FindEntry(name) != nullptr) return true;
+    if (FindCard(name) != nullptr) return true;
     if (!FitsList(name)) {
         LOG_ERROR("too many dev has been init.[%s,%s]", name, devHaveInited);
         return false;
@@ -153,7 +154,7 @@ bool TC_InitDev(const char* name)
     (void)RemoveRoot(__func__, name);  // there is none, most of the time
     if (!Run(__func__, FormCommand(kAddRoot, name))) return false;
 
-    AddEntry(name);
+    AddCard(name);
     return true;
 }
 
@@ -161,12 +162,12 @@ bool TC_DeinitDev(const char* name)
 {
     if (name == nullptr) return false;
 
-    char* entry = FindEntry(name);
-    if (entry == nullptr) return true;
+    char* found = FindCard(name);
+    if (found == nullptr) return true;
 
     const bool rootRemoved = RemoveRoot(__func__, name);
     const bool ingressRemoved = Run(__func__, FormCommand(kRemoveIngress, name));
-    CutEntry(entry, name);
+    CutCard(found, name);
     return rootRemoved && ingressRemoved;
 }
 

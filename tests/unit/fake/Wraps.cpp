@@ -34,6 +34,7 @@ int __real_close(int);
 ssize_t __real_pread(int, void*, size_t, off_t);
 ssize_t __real_read(int, void*, size_t);
 ssize_t __real_write(int, const void*, size_t);
+size_t __real_fwrite(const void*, size_t, size_t, FILE*);
 int __real_fflush(FILE*);
 int __real_fileno(FILE*);
 int __real_fcntl(int, int, ...);
@@ -272,6 +273,13 @@ ssize_t __wrap_write(int fd, const void* buffer, size_t size)
 {
     if (!Note("write " + PathOf(fd))) return -1;
     return __real_write(fd, buffer, size);
+}
+
+size_t __wrap_fwrite(const void* items, size_t size, size_t count, FILE* stream)
+{
+    const int known = Known(stream);
+    if (known >= 0 && !Note("fwrite " + PathOf(known))) return 0;
+    return __real_fwrite(items, size, count, stream);
 }
 
 int __wrap_fflush(FILE* stream)
