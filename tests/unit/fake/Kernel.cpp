@@ -30,6 +30,15 @@ struct RtcRecord {
     uint8_t* bytes;
 };
 
+struct SwitchRecord {
+    uint16_t links;
+    uint8_t ports;
+    uint8_t port;
+    uint8_t mac[6];
+    uint16_t enable;
+    uint16_t isolation;
+};
+
 struct SramFile {
     void* handle;
     const char* name;
@@ -52,19 +61,40 @@ constexpr unsigned long kSramRead = 0xC0085102U;
 constexpr unsigned long kSramWrite = 0xC0085103U;
 constexpr unsigned long kRtcRead = 0xC0085200U;
 constexpr unsigned long kRtcWrite = 0xC0085201U;
-constexpr unsigned long kMediumPrefer = 0x89F2;
+constexpr unsigned long kSwitchInfo = 0x89F1;
+constexpr unsigned long kSwitchMac = 0x89F2;  // without a chip: the medium a card prefers
+constexpr unsigned long kSwitchPort = 0x89F3;
+constexpr unsigned long kSwitchEnable = 0x89F4;
+constexpr unsigned long kSwitchIsolate = 0x89F8;
+constexpr unsigned long kPowerInfo = 0x81005001U;
+constexpr unsigned long kPowerOff = 0x40045002U;
+constexpr unsigned long kPowerOn = 0x40045003U;
+constexpr unsigned long kPowerTotal = 0x40045005U;
 
-const std::map<unsigned long, std::string> kRequestNames = {
-    {SIOCADDRT, "SIOCADDRT"},           {SIOCDELRT, "SIOCDELRT"},
-    {SIOCGIFFLAGS, "SIOCGIFFLAGS"},     {SIOCSIFFLAGS, "SIOCSIFFLAGS"},
-    {SIOCGIFADDR, "SIOCGIFADDR"},       {SIOCSIFADDR, "SIOCSIFADDR"},
-    {SIOCDIFADDR, "SIOCDIFADDR"},       {SIOCGIFNETMASK, "SIOCGIFNETMASK"},
-    {SIOCSIFNETMASK, "SIOCSIFNETMASK"}, {SIOCGIFMTU, "SIOCGIFMTU"},
-    {SIOCSIFMTU, "SIOCSIFMTU"},         {SIOCGIFHWADDR, "SIOCGIFHWADDR"},
-    {SIOCSIFHWADDR, "SIOCSIFHWADDR"},   {SIOCGIFINDEX, "SIOCGIFINDEX"},
-    {kMediumPrefer, "0x89F2"},          {kSramCreate, "PDC_SRAMFILE_CREATE"},
-    {kSramRead, "PDC_SRAMFILE_READ"},   {kSramWrite, "PDC_SRAMFILE_WRITE"},
-    {kRtcRead, "PDC_RTC_READSRAM"},     {kRtcWrite, "PDC_RTC_WRITESRAM"}};
+const std::map<unsigned long, std::string> kRequestNames = {{SIOCADDRT, "SIOCADDRT"},
+                                                            {SIOCDELRT, "SIOCDELRT"},
+                                                            {SIOCGIFFLAGS, "SIOCGIFFLAGS"},
+                                                            {SIOCSIFFLAGS, "SIOCSIFFLAGS"},
+                                                            {SIOCGIFADDR, "SIOCGIFADDR"},
+                                                            {SIOCSIFADDR, "SIOCSIFADDR"},
+                                                            {SIOCDIFADDR, "SIOCDIFADDR"},
+                                                            {SIOCGIFNETMASK, "SIOCGIFNETMASK"},
+                                                            {SIOCSIFNETMASK, "SIOCSIFNETMASK"},
+                                                            {SIOCGIFMTU, "SIOCGIFMTU"},
+                                                            {SIOCSIFMTU, "SIOCSIFMTU"},
+                                                            {SIOCGIFHWADDR, "SIOCGIFHWADDR"},
+                                                            {SIOCSIFHWADDR, "SIOCSIFHWADDR"},
+                                                            {SIOCGIFINDEX, "SIOCGIFINDEX"},
+                                                            {kSwitchInfo, "0x89F1"},
+                                                            {kSwitchMac, "0x89F2"},
+                                                            {kSwitchPort, "0x89F3"},
+                                                            {kSwitchEnable, "0x89F4"},
+                                                            {kSwitchIsolate, "0x89F8"},
+                                                            {kSramCreate, "PDC_SRAMFILE_CREATE"},
+                                                            {kSramRead, "PDC_SRAMFILE_READ"},
+                                                            {kSramWrite, "PDC_SRAMFILE_WRITE"},
+                                                            {kRtcRead, "PDC_RTC_READSRAM"},
+                                                            {kRtcWrite, "PDC_RTC_WRITESRAM"}};
 
 std::string Text4(const sockaddr& address)
 {
@@ -156,6 +186,65 @@ std::string MacIn(const sockaddr& address)
     return text;
 }
 
+// ---- requests on the switch chip of a card
+
+int OnPort(SwitchChip& chip, unsigned long request, SwitchRecord* record)
+{
+    if (record->port >= chip.ports.size()) return EINVAL;
+    SwitchPort& port = chip.ports[record->port];
+    if (request == kSwitchEnable) {
+        port.enabled = record->enable != 0;
+        return 0;
+    }
+    sscanf(port.mac.c_str(), "%02hhx:%02hhx:%02hhx:%02hhx:%02hhx:%02hhx", record->mac,
+           record->mac + 1, record->mac + 2, record->mac + 3, record->mac + 4, record->mac + 5);
+    return 0;
+}
+
+int FindPort(const SwitchChip& chip, SwitchRecord* record)
+{
+    char mac[18];
+    snprintf(mac, sizeof(mac), "%02x:%02x:%02x:%02x:%02x:%02x", record->mac[0], record->mac[1],
+             record->mac[2], record->mac[3], record->mac[4], record->mac[5]);
+    for (size_t i = 0; i < chip.ports.size(); ++i) {
+        if (chip.ports[i].mac != mac) continue;
+        record->port = static_cast<uint8_t>(i);
+        return 0;
+    }
+    return ENOENT;
+}
+
+void DescribeChip(const SwitchChip& chip, SwitchRecord* record)
+{
+    record->ports = static_cast<uint8_t>(chip.ports.size());
+    record->links = 0;
+    for (size_t i = 0; i < chip.ports.size() && i < 16; ++i) {
+        if (chip.ports[i].link) record->links = static_cast<uint16_t>(record->links | 1U << i);
+    }
+}
+
+int OnChip(SwitchChip& chip, unsigned long request, void* behindName)
+{
+    SwitchRecord record{};
+    memcpy(&record, behindName, sizeof(record));
+    int error = 0;
+    switch (request) {
+    case kSwitchInfo: DescribeChip(chip, &record); break;
+    case kSwitchMac:
+    case kSwitchEnable: error = OnPort(chip, request, &record); break;
+    case kSwitchPort: error = FindPort(chip, &record); break;
+    default: ++chip.isolations; break;
+    }
+    memcpy(behindName, &record, sizeof(record));
+    return error;
+}
+
+int OnPrivate(Card& card, unsigned long request, ifreq* record)
+{
+    if (card.chip) return OnChip(*card.chip, request, &record->ifr_ifru);
+    return request == kSwitchMac ? 0 : EOPNOTSUPP;
+}
+
 int OnCard(unsigned long request, ifreq* record)
 {
     Card* card = kernel.Find(NameIn(record));
@@ -180,7 +269,11 @@ int OnCard(unsigned long request, ifreq* record)
     case SIOCSIFHWADDR: card->mac = MacIn(record->ifr_hwaddr); return 0;
     case SIOCGIFINDEX: record->ifr_ifindex = card->index; return 0;
     case SIOCETHTOOL: return Ethtool(*card, record->ifr_data);
-    case kMediumPrefer: return 0;
+    case kSwitchInfo:
+    case kSwitchMac:
+    case kSwitchPort:
+    case kSwitchEnable:
+    case kSwitchIsolate: return OnPrivate(*card, request, record);
     default: return ENOTTY;
     }
 }
@@ -290,6 +383,35 @@ int OnBackup(unsigned long request, void* record)
     const auto* data = static_cast<RtcRecord*>(record);
     return Move(kernel.rtc, request == kRtcRead ? "READ" : "WRITE", data->offset, data->length,
                 data->bytes);
+}
+
+// ---- the power supply
+
+bool IsOfPower(unsigned long request)
+{
+    return request == kPowerInfo || request == kPowerOff || request == kPowerOn ||
+           request == kPowerTotal;
+}
+
+/// Its requests carry a value in the place of a record, except the one for its state.
+int OnPower(unsigned long request, void* argument)
+{
+    PowerSupply& power = kernel.power;
+    const auto value = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(argument));
+    switch (request) {
+    case kPowerInfo: memcpy(argument, power.info, sizeof(power.info)); return 0;
+    case kPowerOff: power.on &= ~value; return 0;
+    case kPowerOn: power.on |= value; return 0;
+    default: power.total = value; return 0;
+    }
+}
+
+std::string PowerText(unsigned long request, const void* argument)
+{
+    char text[64];
+    if (request == kPowerInfo) return "0x81005001";
+    snprintf(text, sizeof(text), "0x%lx %lu", request, reinterpret_cast<unsigned long>(argument));
+    return text;
 }
 
 // ---- tables
@@ -434,6 +556,7 @@ std::string RequestText(unsigned long request, const void* record, int family)
                                                        : "ETHTOOL ";
         return name + NameIn(record);
     }
+    if (IsOfPower(request)) return PowerText(request, record);
     const auto known = kRequestNames.find(request);
     if (known == kRequestNames.end()) return std::to_string(request);
     const bool named = request >= SIOCGIFNAME && request < 0x8a00 &&
@@ -444,6 +567,7 @@ std::string RequestText(unsigned long request, const void* record, int family)
 int Perform(unsigned long request, void* record, int family)
 {
     if (request >= 0xC0000000U) return OnBackup(request, record);
+    if (IsOfPower(request)) return OnPower(request, record);
 
     const bool six = family == AF_INET6;
     if (request == SIOCADDRT || request == SIOCDELRT) {
@@ -464,7 +588,7 @@ int ResultOf(unsigned long request)
     case kSramWrite: return kernel.sram.result;
     case kRtcRead:
     case kRtcWrite: return kernel.rtc.result;
-    default: return 0;
+    default: return IsOfPower(request) ? kernel.power.result : 0;
     }
 }
 

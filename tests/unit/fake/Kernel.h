@@ -20,6 +20,19 @@ struct Address6 {
     unsigned scope;
 };
 
+/// A port of a switch chip. The chip knows the hardware address of a device as that of its port.
+struct SwitchPort {
+    bool link = false;
+    std::string mac = "00:00:00:00:00:00";
+    bool enabled = false;
+};
+
+/// The switch chip behind a card.
+struct SwitchChip {
+    std::vector<SwitchPort> ports;
+    int isolations = 0;  // requests for its port isolation
+};
+
 struct Card {
     std::string name;
     int index = 0;
@@ -34,6 +47,7 @@ struct Card {
     std::vector<Address6> addresses6;
     std::string counters = "0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0";
     bool refusesMtuWhileUp = false;
+    std::optional<SwitchChip> chip;
 };
 
 struct Route {
@@ -69,12 +83,21 @@ struct BackupMemory {
     int result = 0;       // of a request that was carried out; 0 alone is a driver's success
 };
 
+/// The power supply of the ports behind /dev/qv_poe.
+struct PowerSupply {
+    uint8_t info[256] = {};  // answer to the request for its state
+    uint32_t on = 0;         // ports, by their bits
+    uint32_t total = 0;
+    int result = 0;  // of a request that was carried out; any that is not negative is a success
+};
+
 struct Kernel {
     std::list<Card> cards;  // in the order of /proc/net/dev
     std::vector<Route> routes;
     std::vector<Route6> routes6;
     BackupMemory rtc;
     BackupMemory sram;
+    PowerSupply power;
 
     /// Adds a card behind the others and returns it.
     Card& Add(const std::string& name);
