@@ -220,6 +220,17 @@ Texts Addresses6(const std::string& card)
     return AddressesOf("-6 addr show scope global dev " + card);
 }
 
+std::string AwaitLinkLocal(const std::string& card)
+{
+    for (;;) {
+        for (const auto& record : Ip("-6 addr show scope link dev " + card)) {
+            if (record.count("local") != 0) {
+                return record.at("local") + "/" + record.at("prefixlen");
+            }
+        }
+    }
+}
+
 bool IsUp(const std::string& card)
 {
     return Contains(Link(card)["flags"], "\"UP\"");

@@ -116,6 +116,10 @@ Texts Addresses(const std::string& card);
 /// The same for IPv6, without link-local addresses.
 Texts Addresses6(const std::string& card);
 
+/// The link-local address of a running card, "fe80::1/64": waits until the kernel has given it one,
+/// which it does as soon as it sees the link.
+std::string AwaitLinkLocal(const std::string& card);
+
 bool IsUp(const std::string& card);
 std::string Mac(const std::string& card);
 int Mtu(const std::string& card);

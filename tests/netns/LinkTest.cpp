@@ -244,18 +244,6 @@ TEST_F(Address6Test, TheFirstListedOfTwoIsTheOneReported)
     EXPECT_EQ(reported, std::string("2001:db8::") + first[31] + "/64");
 }
 
-/// The link-local address of a running card; the kernel gives it one as soon as it sees the link.
-std::string AwaitLinkLocal(const std::string& card)
-{
-    for (;;) {
-        for (const auto& record : Ip("-6 addr show scope link dev " + card)) {
-            if (record.count("local") != 0) {
-                return record.at("local") + "/" + record.at("prefixlen");
-            }
-        }
-    }
-}
-
 TEST_F(Address6Test, ALinkLocalAddressAloneIsNoAddress)
 {
     Must("ip link set eth0 up");
