@@ -141,7 +141,7 @@ std::string FamilyText(int family)
 /// "AF_NETLINK 0 0": family, port and groups.
 std::string AddressText(const sockaddr* address, socklen_t length)
 {
-    if (address->sa_family != AF_NETLINK || length < sizeof(sockaddr_nl)) return "other";
+    if (address->sa_family != AF_NETLINK || length != sizeof(sockaddr_nl)) return "other";
 
     sockaddr_nl netlink{};
     memcpy(&netlink, address, sizeof(netlink));
