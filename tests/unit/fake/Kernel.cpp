@@ -10,6 +10,7 @@
 #include <arpa/inet.h>
 #include <linux/sockios.h>
 #include <net/if.h>
+#include <net/if_arp.h>
 #include <net/route.h>
 
 namespace fake {
@@ -267,9 +268,7 @@ int OnCard(unsigned long request, ifreq* record)
     case SIOCSIFMTU: return SetMtu(*card, record->ifr_mtu);
     case SIOCGIFHWADDR: StoreMac(&record->ifr_hwaddr, card->mac); return 0;
     case SIOCSIFHWADDR: card->mac = MacIn(record->ifr_hwaddr); return 0;
-    case SIOCGIFINDEX:
-        if (card->index != 0) record->ifr_ifindex = card->index;
-        return 0;
+    case SIOCGIFINDEX: record->ifr_ifindex = card->index; return 0;
     case SIOCETHTOOL: return Ethtool(*card, record->ifr_data);
     case kSwitchInfo:
     case kSwitchMac:
@@ -337,6 +336,35 @@ int OnAddress6(unsigned long request, const Request6& record)
     }
     if (found == addresses.end()) return EADDRNOTAVAIL;
     addresses.erase(found);
+    return 0;
+}
+
+// ---- neighbours
+
+/// A request without a card is for the one that the routes name, here the first.
+int OnNeighbour(unsigned long request, const arpreq& record)
+{
+    const std::string named(record.arp_dev, strnlen(record.arp_dev, sizeof(record.arp_dev)));
+    const Card* card = !named.empty()         ? kernel.Find(named)
+                       : kernel.cards.empty() ? nullptr
+                                              : &kernel.cards.front();
+    if (record.arp_pa.sa_family != AF_INET) return EPFNOSUPPORT;
+    if (card == nullptr) return ENODEV;
+
+    const std::string ip = Text4(record.arp_pa);
+    auto found = kernel.neighbours.begin();
+    while (found != kernel.neighbours.end() && (found->ip != ip || found->card != card->name)) {
+        ++found;
+    }
+    if (request == SIOCDARP) {
+        if (found == kernel.neighbours.end()) return ENXIO;
+        kernel.neighbours.erase(found);
+        return 0;
+    }
+    if (record.arp_ha.sa_family != ARPHRD_ETHER) return EINVAL;
+    if (found != kernel.neighbours.end()) kernel.neighbours.erase(found);
+    kernel.neighbours.push_back(
+        {ip, MacIn(record.arp_ha), card->name, static_cast<unsigned>(record.arp_flags)});
     return 0;
 }
 
@@ -477,6 +505,20 @@ std::string Route6Table()
     return text;
 }
 
+std::string NeighbourTable()
+{
+    std::string text =
+        "IP address       HW type     Flags       HW address            Mask     Device\n";
+    for (const Neighbour& neighbour : kernel.neighbours) {
+        char line[256];
+        snprintf(line, sizeof(line), "%-16s 0x%-10x0x%-10x%s     *        %s\n",
+                 neighbour.ip.c_str(), ARPHRD_ETHER, neighbour.flags, neighbour.mac.c_str(),
+                 neighbour.card.c_str());
+        text += line;
+    }
+    return text;
+}
+
 std::string Address6Table()
 {
     std::string text;
@@ -504,6 +546,12 @@ std::ostream& operator<<(std::ostream& out, const Route6& route)
 {
     return out << route.destination << "/" << route.prefix << " via " << route.gateway << " dev "
                << route.card;
+}
+
+std::ostream& operator<<(std::ostream& out, const Neighbour& neighbour)
+{
+    return out << neighbour.ip << " is " << neighbour.mac << " dev " << neighbour.card << " flags "
+               << neighbour.flags;
 }
 
 Card& Kernel::Add(const std::string& name)
@@ -544,6 +592,7 @@ std::optional<std::string> TableText(const std::string& path)
     if (path == "/proc/net/route") return RouteTable();
     if (path == "/proc/net/ipv6_route") return Route6Table();
     if (path == "/proc/net/if_inet6") return Address6Table();
+    if (path == "/proc/net/arp") return NeighbourTable();
     return std::nullopt;
 }
 
@@ -559,6 +608,10 @@ std::string RequestText(unsigned long request, const void* record, int family)
         return name + NameIn(record);
     }
     if (IsOfPower(request)) return PowerText(request, record);
+    if (request == SIOCSARP || request == SIOCDARP) {
+        return (request == SIOCSARP ? "SIOCSARP " : "SIOCDARP ") +
+               Text4(static_cast<const arpreq*>(record)->arp_pa);
+    }
     const auto known = kRequestNames.find(request);
     if (known == kRequestNames.end()) return std::to_string(request);
     const bool named = request >= SIOCGIFNAME && request < 0x8a00 &&
@@ -572,6 +625,9 @@ int Perform(unsigned long request, void* record, int family)
     if (IsOfPower(request)) return OnPower(request, record);
 
     const bool six = family == AF_INET6;
+    if (request == SIOCSARP || request == SIOCDARP) {
+        return OnNeighbour(request, *static_cast<arpreq*>(record));
+    }
     if (request == SIOCADDRT || request == SIOCDELRT) {
         return six ? OnRoute6(request, *static_cast<in6_rtmsg*>(record))
                    : OnRoute(request, *static_cast<rtentry*>(record));

@@ -35,7 +35,7 @@ struct SwitchChip {
 
 struct Card {
     std::string name;
-    int index = 0;  // 0: the request for it leaves its record as it was
+    int index = 0;
     short flags = 0;
     std::string address;  // empty: none
     std::string mask = "255.255.255.255";
@@ -75,6 +75,18 @@ struct Route6 {
     }
 };
 
+/// One line of /proc/net/arp; flags are the ATF_ bits. An unknown hardware address is all zero.
+struct Neighbour {
+    std::string ip;
+    std::string mac;
+    std::string card;
+    unsigned flags = 2;
+    bool operator==(const Neighbour& other) const
+    {
+        return ip == other.ip && mac == other.mac && card == other.card && flags == other.flags;
+    }
+};
+
 /// Memory of a backup device: 256 bytes, read and written by its requests.
 struct BackupMemory {
     uint8_t bytes[256] = {};
@@ -95,6 +107,7 @@ struct Kernel {
     std::list<Card> cards;  // in the order of /proc/net/dev
     std::vector<Route> routes;
     std::vector<Route6> routes6;
+    std::vector<Neighbour> neighbours;
     BackupMemory rtc;
     BackupMemory sram;
     PowerSupply power;
@@ -112,6 +125,7 @@ extern Kernel kernel;
 
 std::ostream& operator<<(std::ostream& out, const Route& route);
 std::ostream& operator<<(std::ostream& out, const Route6& route);
+std::ostream& operator<<(std::ostream& out, const Neighbour& neighbour);
 
 // ---- for the parts of the fake
 

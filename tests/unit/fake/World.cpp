@@ -138,6 +138,7 @@ void World::SetUp()
     ResetKernel();
     ResetRtnetlink();
     ResetTools();
+    ResetWire();
     MakeFolder("/mnt/mtd/Config");
     CatchLog();
 }

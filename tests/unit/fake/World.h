@@ -8,6 +8,7 @@
 #include "fake/Kernel.h"
 #include "fake/Log.h"
 #include "fake/Tools.h"
+#include "fake/Wire.h"
 
 #include <gtest/gtest.h>
 
