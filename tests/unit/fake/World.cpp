@@ -2,6 +2,7 @@
 
 #include "fake/Rtnetlink.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -66,7 +67,9 @@ bool Exists(const std::string& path)
 
 void Remove(const std::string& path)
 {
-    fs::remove_all(Mapped(path.c_str()));
+    const std::string mapped = Mapped(path.c_str());
+    if (mapped == path) abort();  // a path of this machine, not of the device
+    fs::remove_all(mapped);
 }
 
 void MakeFolder(const std::string& path)

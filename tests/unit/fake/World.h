@@ -32,6 +32,8 @@ void Put(const std::string& path, const std::string& text);
 std::string Get(const std::string& path);
 
 bool Exists(const std::string& path);
+
+/// Removes a file or folder of the device, with all in it. Any other path ends the test.
 void Remove(const std::string& path);
 void MakeFolder(const std::string& path);
 

@@ -1,0 +1,134 @@
+#include "Fuzz.h"
+
+#include "fake/Rtnetlink.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace fuzz {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string folder;
+
+void RemoveFolder()
+{
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+}
+
+void Begin()
+{
+    char name[] = "/dev/shm/vorlix-fuzz-XXXXXX";
+    if (mkdtemp(name) == nullptr) abort();
+    folder = name;
+    atexit(RemoveFolder);
+    fake::UseScratch(folder);
+    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+    dup2(nowhere, STDOUT_FILENO);
+    close(nowhere);
+}
+
+}  // namespace
+
+uint8_t Input::Byte()
+{
+    if (size_ == 0) return 0;
+    --size_;
+    return *data_++;
+}
+
+std::string Input::Bytes(size_t longest)
+{
+    const size_t length = std::min({static_cast<size_t>(Byte()), longest, size_});
+    std::string taken(reinterpret_cast<const char*>(data_), length);
+    data_ += length;
+    size_ -= length;
+    return taken;
+}
+
+std::string Input::Text(size_t longest, const std::string& alphabet)
+{
+    std::string text = Bytes(longest);
+    for (char& character : text) {
+        character = alphabet[static_cast<unsigned char>(character) % alphabet.size()];
+    }
+    return text;
+}
+
+std::string Input::Rest()
+{
+    std::string rest(reinterpret_cast<const char*>(data_), size_);
+    size_ = 0;
+    return rest;
+}
+
+std::string Address(Input& input)
+{
+    std::string text = std::to_string(1 + input.Below(223));
+    for (int part = 0; part < 3; ++part) text += "." + std::to_string(input.Byte());
+    return text;
+}
+
+void FreshWorld()
+{
+    const fake::OwnCalls preparing;
+    if (folder.empty()) Begin();
+    fs::remove_all(fake::Mapped("/mnt/mtd"));
+    fake::ResetCalls();
+    fake::ResetKernel();
+    fake::ResetTools();
+    fake::ResetRtnetlink();
+    fake::MakeFolder("/mnt/mtd/Config");
+    for (const char* name : {"eth0", "eth1"}) fake::kernel.Add(name);
+}
+
+void Broken(const char* property, const char* file, int line)
+{
+    fprintf(stderr, "%s:%d: does not hold: %s\n", file, line, property);
+    RemoveFolder();
+    abort();
+}
+
+std::vector<std::string> Lines(const std::string& content, size_t size)
+{
+    std::vector<std::string> lines;
+    for (size_t at = 0; at < content.size();) {
+        size_t end = content.find('\n', at);
+        end = end == std::string::npos ? content.size() : end + 1;
+        end = std::min(end, at + size - 1);
+        lines.emplace_back(content.substr(at, end - at).c_str());
+        at = end;
+    }
+    return lines;
+}
+
+Buffer::Buffer(size_t size) : size_(size), bytes_(new char[size])
+{
+    memset(bytes_, 0x5a, size_);
+}
+
+Buffer::~Buffer()
+{
+    delete[] bytes_;
+}
+
+bool Buffer::IsText() const
+{
+    return memchr(bytes_, '\0', size_) != nullptr;
+}
+
+bool Buffer::IsUntouched() const
+{
+    return std::all_of(bytes_, bytes_ + size_, [](char byte) { return byte == 0x5a; });
+}
+
+}  // namespace fuzz

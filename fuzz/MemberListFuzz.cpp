@@ -1,0 +1,112 @@
+// Saved members of bonds and bridges and saved edge ports: any list is read within its buffers, and
+// what is saved over it comes back.
+
+#include "Fuzz.h"
+
+#include "Config.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+constexpr size_t kNames = 8;
+constexpr char kNameCharacters[] = "abcdefghijklmnopqrstuvwxyz0123456789.";
+
+struct Names {
+    explicit Names(size_t nameSize)
+    {
+        for (size_t i = 0; i < kNames; ++i) {
+            // A bridge's list is read into zeroed buffers.
+            buffers[i] = std::make_unique<char[]>(nameSize);
+            pointers[i] = buffers[i].get();
+        }
+    }
+
+    std::vector<std::string> Texts(int count) const
+    {
+        std::vector<std::string> texts;
+        for (int i = 0; i < count; ++i) texts.emplace_back(pointers[i]);
+        return texts;
+    }
+
+    std::unique_ptr<char[]> buffers[kNames];
+    char* pointers[kNames];
+};
+
+bool AreNames(const std::vector<std::string>& names, size_t longest)
+{
+    return std::all_of(names.begin(), names.end(), [&](const std::string& name) {
+        return !name.empty() && name.size() <= longest && name.find(',') == std::string::npos;
+    });
+}
+
+std::vector<std::string> BondMembers(bool* found)
+{
+    const Names names(16);
+    int count = kNames;
+    *found = GetBondMemberByConfig("bond0", const_cast<char**>(names.pointers), &count);
+    HOLDS(count >= 0 && count <= static_cast<int>(kNames));
+    return *found ? names.Texts(count) : std::vector<std::string>{};
+}
+
+std::vector<std::string> BridgeMembers(bool* found)
+{
+    const Names names(33);
+    int count = kNames;
+    *found = GetBridgeMemberByConfig("br0", const_cast<char**>(names.pointers), &count);
+    HOLDS(count >= 0 && count <= static_cast<int>(kNames));
+    return *found ? names.Texts(count) : std::vector<std::string>{};
+}
+
+void SaveOver(const std::vector<std::string>& members)
+{
+    const char* pointers[kNames];
+    for (size_t i = 0; i < members.size(); ++i) pointers[i] = members[i].c_str();
+    const int count = static_cast<int>(members.size());
+    bool found = false;
+
+    HOLDS(SetBondMemberByConfig("bond0", pointers, count));
+    HOLDS(BondMembers(&found) == members && found);
+    HOLDS(SetBridgeMemberByConfig("br0", pointers, count));
+    HOLDS(BridgeMembers(&found) == members && found);
+}
+
+void ChangeEdgePorts(const std::string& port)
+{
+    if (!AddEdgePortByconfig("br0", port.c_str())) return;  // no room
+
+    HOLDS(IsEdgePortByconfig("br0", port.c_str()));
+    HOLDS(AddEdgePortByconfig("br0", port.c_str()));
+    (void)DelEdgePortByconfig("br0", port.c_str());
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    fuzz::Input input(data, size);
+    std::vector<std::string> members(static_cast<size_t>(1 + input.Below(kNames)));
+    for (std::string& name : members) name = "e" + input.Text(14, kNameCharacters);
+    const std::string content = input.Rest();
+    fuzz::FreshWorld();
+    for (const char* file : {"/mnt/mtd/Config/networkbond0", "/mnt/mtd/Config/networkbr0",
+                             "/mnt/mtd/Config/rsbridgeinit.conf"}) {
+        fake::Put(file, content);
+    }
+    bool found = false;
+    HOLDS(AreNames(BondMembers(&found), 15));
+    HOLDS(AreNames(BridgeMembers(&found), 32));
+    bool trunk = false;
+    char bond[] = "bond0";
+    (void)IsTrunkBondConfig(bond, &trunk);
+    (void)IsEdgePortByconfig("br0", members[0].c_str());
+
+    if (fuzz::Lines(content).size() <= 8) {
+        SaveOver(members);
+        ChangeEdgePorts(members[0]);
+    }
+    HOLDS(fake::OpenHandles().empty());
+    return 0;
+}

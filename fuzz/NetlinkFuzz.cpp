@@ -1,0 +1,72 @@
+// Answers of the routing netlink of any bytes. An answer of somebody else stalls an exchange for
+// good, as designed, since nobody else can reach its socket; so all messages here carry our marks.
+
+#include "Fuzz.h"
+
+#include "Netlink.h"
+#include "fake/Rtnetlink.h"
+
+#include <cstring>
+#include <ctime>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr size_t kHeader = sizeof(nlmsghdr);
+constexpr uint32_t kAligned = ~uint32_t{NLMSG_ALIGNTO - 1};
+
+/// Puts our marks on each message as far as lengths lead. What then has no whole message left is
+/// told to be cut, as the kernel tells it.
+void Mark(fake::Datagram* answer, uint32_t sequence)
+{
+    fake::Bytes& bytes = answer->bytes;
+    size_t at = 0;
+    while (bytes.size() - at >= kHeader) {
+        nlmsghdr header;
+        memcpy(&header, bytes.data() + at, kHeader);
+        header.nlmsg_pid = fake::rtnetlink.port;
+        header.nlmsg_seq = sequence;
+        memcpy(bytes.data() + at, &header, kHeader);
+        if (header.nlmsg_len < kHeader || header.nlmsg_len > bytes.size() - at) {
+            answer->flags |= MSG_TRUNC;
+            return;
+        }
+        const size_t step = (header.nlmsg_len + NLMSG_ALIGNTO - 1) & kAligned;
+        if (step > bytes.size() - at) return;
+        at += step;
+    }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    fuzz::Input input(data, size);
+    fuzz::FreshWorld();
+    fake::SetClock(1000);
+    while (true) {
+        fake::Datagram answer;
+        if ((input.Byte() & 1) != 0) answer.flags = MSG_TRUNC;
+        const std::string bytes = input.Bytes(255);
+        if (bytes.empty()) break;
+        answer.bytes.assign(bytes.begin(), bytes.end());
+        Mark(&answer, 1001);
+        fake::rtnetlink.script.push_back(answer);
+    }
+
+    rtnl_handle handle;
+    (void)rtnl_open(&handle);
+    struct {
+        nlmsghdr header;
+        char room[64];
+    } request{};
+    request.header.nlmsg_len = kHeader;
+    errno = 0;
+    const int result = rtnl_talk(&handle, &request.header, 0, 0, nullptr, nullptr, nullptr);
+    HOLDS(result == 0 || result == -1);
+    HOLDS(fake::rtnetlink.requests.size() == 1);
+    close(handle.fd);
+    HOLDS(fake::OpenHandles().empty());
+    return 0;
+}

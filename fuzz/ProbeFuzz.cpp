@@ -1,0 +1,77 @@
+// Answers to the probes, of any bytes, in buffers of the sizes that the probes receive into.
+
+#include "Fuzz.h"
+
+#include "Arp_Ping.h"
+
+#include <cstring>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr char kOurIP[] = "10.1.2.3";
+constexpr char kOurMac[] = "02:00:00:0a:0b:0c";
+constexpr unsigned char kIP[4] = {10, 1, 2, 3};
+constexpr unsigned char kMac[6] = {2, 0, 0, 0x0a, 0x0b, 0x0c};
+constexpr unsigned char kNobody[6] = {};
+
+/// A conflict, told from the frame's layout alone: 1 on the hardware address, 2 on the IP address.
+int Foretold(const unsigned char* frame)
+{
+    if (frame[20] != 0 || frame[21] != 2) return 0;
+    if (memcmp(frame + 32, kMac, 6) != 0 && memcmp(frame + 32, kNobody, 6) != 0) return 0;
+    const bool ourMac = memcmp(frame + 22, kMac, 6) == 0;
+    const bool ourIP = memcmp(frame + 28, kIP, 4) == 0;
+    return ourMac == ourIP ? 0 : ourMac ? 1 : 2;
+}
+
+void CheckFrame(const std::string& bytes)
+{
+    const fuzz::Buffer frame(60);
+    memset(frame.Get(), 0, 60);
+    memcpy(frame.Get(), bytes.data(), std::min(bytes.size(), size_t{60}));
+    const auto* raw = reinterpret_cast<const unsigned char*>(frame.Get());
+    HOLDS(ParseArpPacket(frame.Get(), 60, kOurIP, kOurMac) == Foretold(raw));
+}
+
+void CheckEcho(const std::string& bytes)
+{
+    const auto size = static_cast<int>(std::min(bytes.size(), size_t{64}));
+    const fuzz::Buffer echo(static_cast<size_t>(size) + 1);
+    memcpy(echo.Get(), bytes.data(), static_cast<size_t>(size));
+    const auto us = static_cast<uint16_t>(getpid());
+    uint16_t id = 0;
+    if (size >= 6) memcpy(&id, echo.Get() + 4, sizeof(id));
+    const bool ours = size >= 28 && echo.Get()[0] == 0 && id == us;
+    HOLDS(ParseICMPPacket(echo.Get(), size) == ours);
+}
+
+/// A checksum that is put into its own sum makes the sum zero.
+void CheckSumOf(const std::string& bytes)
+{
+    const size_t even = std::min(bytes.size(), size_t{64}) & ~size_t{1};
+    uint16_t words[33] = {};
+    memcpy(words, bytes.data(), even);
+    words[even / 2] = CheckSum(words, static_cast<int32_t>(even));
+    const uint16_t whole = CheckSum(words, static_cast<int32_t>(even + 2));
+    HOLDS(whole == 0 || whole == 0xffff);
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    fuzz::Input input(data, size);
+    fuzz::FreshWorld();
+    const bool ourEcho = (input.Byte() & 1) != 0;
+    std::string bytes = input.Rest();
+    CheckFrame(bytes);
+    CheckSumOf(bytes);
+    if (ourEcho && bytes.size() >= 6) {
+        const auto us = static_cast<uint16_t>(getpid());
+        memcpy(bytes.data() + 4, &us, sizeof(us));
+    }
+    CheckEcho(bytes);
+    return 0;
+}

@@ -1,0 +1,100 @@
+// A setting file of any content: what a write makes of it, and that it reads back.
+
+#include "Fuzz.h"
+
+#include "Support/KeyFile.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr char kFile[] = "/mnt/mtd/Config/network1";
+constexpr char kValueCharacters[] = "0123456789.:,abcefh/-_ ";
+constexpr size_t kLookedAt = 32;
+constexpr size_t kKept = 16;
+
+bool HoldsKnownKey(const std::string& line)
+{
+    for (int key = 0; key < HOST_NET_END; ++key) {
+        if (line.find(vorlix::KeyText(static_cast<KEYENUM>(key))) != std::string::npos) return true;
+    }
+    return false;
+}
+
+/// The lines that a write keeps, ended as it ends them.
+std::vector<std::string> KeptLines(const std::string& content)
+{
+    std::vector<std::string> lines = fuzz::Lines(content);
+    lines.resize(std::min(lines.size(), kLookedAt));
+    std::vector<std::string> kept;
+    for (std::string& line : lines) {
+        if (kept.size() == kKept) break;
+        if (!HoldsKnownKey(line)) continue;
+        if (line.size() < 255 && line.back() != '\n') line += '\n';
+        kept.push_back(line);
+    }
+    return kept;
+}
+
+/// What the file holds after the write; nothing when it must be refused.
+std::string Foretold(const std::string& content, const std::string& key, const std::string& value,
+                     bool* refused)
+{
+    std::vector<std::string> lines = KeptLines(content);
+    const auto holds = [&](const std::string& line) { return line.find(key) != std::string::npos; };
+    const auto place = std::find_if(lines.begin(), lines.end(), holds);
+    *refused = place == lines.end() && lines.size() == kKept;
+    if (*refused) return content;
+
+    const std::string written = key + " = " + value + "\n";
+    if (place != lines.end()) {
+        *place = written;
+    } else {
+        lines.push_back(written);
+    }
+    std::string text;
+    for (const std::string& line : lines) text += line;
+    return text;
+}
+
+/// A value comes back without the blanks around it; an empty one does not come back.
+std::string Stripped(const std::string& value)
+{
+    const size_t first = value.find_first_not_of(' ');
+    if (first == std::string::npos) return "";
+    return value.substr(first, value.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    fuzz::Input input(data, size);
+    const std::string key = vorlix::KeyText(static_cast<KEYENUM>(input.Below(HOST_NET_END)));
+    const std::string value = input.Text(60, kValueCharacters);
+    const std::string content = input.Rest();
+    fuzz::FreshWorld();
+    fake::Put(kFile, content);
+
+    // Any reader of any key keeps to its buffer.
+    const fuzz::Buffer small(16);
+    const bool found = GetValueByKey(kFile, key.c_str(), small.Get(), 16);
+    HOLDS(found ? small.IsText() : small.IsUntouched());
+    HOLDS(fake::Get(kFile) == content);
+
+    bool refused = false;
+    const std::string foretold = Foretold(content, key, value, &refused);
+    HOLDS(SetValueByKey(kFile, key.c_str(), value.c_str()) == !refused);
+    HOLDS(fake::Get(kFile) == foretold);
+
+    if (!refused) {
+        const fuzz::Buffer back(256);
+        HOLDS(GetValueByKey(kFile, key.c_str(), back.Get(), 256) == !Stripped(value).empty());
+        HOLDS(Stripped(value).empty() || back.Get() == Stripped(value));
+        HOLDS(SetValueByKey(kFile, key.c_str(), value.c_str()));
+        HOLDS(fake::Get(kFile) == foretold);
+    }
+    HOLDS(fake::OpenHandles().empty());
+    HOLDS(fake::HeldMutexes() == 0);
+    return 0;
+}

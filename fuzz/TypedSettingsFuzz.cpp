@@ -1,0 +1,111 @@
+// The typed settings over a file of any content: what is given out is what it says to be, and what
+// is saved over it comes back.
+
+#include "Fuzz.h"
+
+#include "Config.h"
+
+#include <cstring>
+
+#include <arpa/inet.h>
+
+namespace {
+
+constexpr char kCard[] = "eth2";
+
+bool IsIPv4(const char* text)
+{
+    in_addr address;
+    return inet_aton(text, &address) != 0;
+}
+
+bool IsIPv6(const char* text)
+{
+    in6_addr address;
+    return inet_pton(AF_INET6, text, &address) == 1;
+}
+
+void ReadAddresses()
+{
+    const fuzz::Buffer ip(16);
+    const fuzz::Buffer mask(16);
+    if (GetIPByConfig(kCard, ip.Get(), mask.Get())) {
+        HOLDS(ip.IsText() && IsIPv4(ip.Get()));
+        HOLDS(mask.IsText() && IsIPv4(mask.Get()));
+    }
+    const fuzz::Buffer gateway(16);
+    if (GetGatewayByConfig(kCard, gateway.Get())) {
+        HOLDS(gateway.IsText() && IsIPv4(gateway.Get()));
+    }
+    const fuzz::Buffer ip6(46);
+    const fuzz::Buffer prefix(16);
+    if (GetIPv6ByConfig(kCard, ip6.Get(), 46, prefix.Get(), 16)) {
+        HOLDS(ip6.IsText() && IsIPv6(ip6.Get()));
+        HOLDS(prefix.IsText());
+        HOLDS(prefix.Get()[strspn(prefix.Get(), "0123456789")] == '\0');
+    }
+    const fuzz::Buffer gateway6(46);
+    if (GetGatewayv6ByConfig(kCard, gateway6.Get(), 46)) {
+        HOLDS(gateway6.IsText() && IsIPv6(gateway6.Get()));
+    }
+}
+
+void ReadRoles()
+{
+    int mtu = 0;
+    HOLDS(!GetMtuByConfig(kCard, &mtu) || mtu > 0);
+    NetWorkMode mode = netModeInvalid;
+    HOLDS(GetWorkModeByConfig(kCard, &mode));
+    bool flag = false;
+    (void)GetEthIsBondedByConfig(kCard, &flag);
+    (void)GetEthIsBridgedByConfig(kCard, &flag);
+    const fuzz::Buffer name(16);
+    HOLDS(!GetEthBondNameByConfig(kCard, name.Get(), 16) || name.IsText());
+    HOLDS(!GetEthBridgeNameByConfig(kCard, name.Get(), 16) || name.IsText());
+    HOLDS(!GetDefaultEthByConfig(name.Get(), 16) || name.IsText());
+}
+
+/// True when every line of the file may stay: one more key has room.
+bool HasRoom(const std::string& content)
+{
+    return fuzz::Lines(content).size() <= 8;
+}
+
+void SaveOver(const std::string& address, const std::string& gateway)
+{
+    HOLDS(SetIPByConfig(kCard, address.c_str(), "255.255.255.0"));
+    HOLDS(SetGatewayByConfig(kCard, gateway.c_str()));
+    HOLDS(SetMtuByConfig(kCard, 1400));
+    HOLDS(SetWorkModeByConfig(kCard, netModeBridge));
+    HOLDS(SetEthBondNameByConfig(kCard, "bond3"));
+
+    char ip[16];
+    char mask[16];
+    HOLDS(GetIPByConfig(kCard, ip, mask) && ip == address && strcmp(mask, "255.255.255.0") == 0);
+    HOLDS(GetGatewayByConfig(kCard, ip) && ip == gateway);
+    int mtu = 0;
+    HOLDS(GetMtuByConfig(kCard, &mtu) && mtu == 1400);
+    NetWorkMode mode = netModeInvalid;
+    HOLDS(GetWorkModeByConfig(kCard, &mode) && mode == netModeBridge);
+    HOLDS(GetEthBondNameByConfig(kCard, ip, 16) && strcmp(ip, "bond3") == 0);
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    fuzz::Input input(data, size);
+    const std::string address = fuzz::Address(input);
+    const std::string gateway = fuzz::Address(input);
+    const std::string content = input.Rest();
+    fuzz::FreshWorld();
+    for (const char* file : {"/mnt/mtd/Config/networketh2", "/mnt/mtd/Config/networkip6eth2",
+                             "/mnt/mtd/Config/network"}) {
+        fake::Put(file, content);
+    }
+    ReadAddresses();
+    ReadRoles();
+    if (HasRoom(content)) SaveOver(address, gateway);
+    HOLDS(fake::OpenHandles().empty());
+    return 0;
+}
