@@ -7,6 +7,8 @@
 #include <regex>
 #include <sstream>
 
+#include <fcntl.h>
+#include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -169,6 +171,20 @@ void AddCardWithGateway(const std::string& name, const std::string& address)
     Must("ip link add " + name + " type veth peer name eth0 netns " + machine);
     Must("ip -n " + machine + " addr add " + address + " dev eth0");
     Must("ip -n " + machine + " link set eth0 up");
+}
+
+AtMachine::AtMachine(const std::string& name)
+    : home_(open("/proc/thread-self/ns/net", O_RDONLY | O_CLOEXEC))
+{
+    const int there = open(("/run/netns/" + name).c_str(), O_RDONLY | O_CLOEXEC);
+    EXPECT_EQ(setns(there, CLONE_NEWNET), 0) << name;
+    close(there);
+}
+
+AtMachine::~AtMachine()
+{
+    EXPECT_EQ(setns(home_, CLONE_NEWNET), 0);
+    close(home_);
 }
 
 bool TryLink(const std::string& words)

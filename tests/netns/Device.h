@@ -84,6 +84,19 @@ void AddCards(int count);
 /// and routes for nobody. The machine is the namespace "gw-<name>".
 void AddCardWithGateway(const std::string& name, const std::string& address);
 
+/// This thread as part of another machine, for the length of a scope. Sockets and files of
+/// /proc/thread-self/net that are opened meanwhile stay there.
+class AtMachine {
+public:
+    explicit AtMachine(const std::string& name);
+    ~AtMachine();
+    AtMachine(const AtMachine&) = delete;
+    AtMachine& operator=(const AtMachine&) = delete;
+
+private:
+    int home_;
+};
+
 /// Tries to make a link of a kind that a kernel may be built without, by the words behind
 /// "ip link add". False when the kernel has no such kind.
 bool TryLink(const std::string& words);
