@@ -4,6 +4,7 @@
  */
 #include "Backup.h"
 #include "Net3.h"
+#include "Netlink.h"
 #include "Route.h"
 #include "Switch.h"
 #include "Types.h"
@@ -18,6 +19,7 @@
 
 #define SIZE(record, size) LAYOUT_ASSERT(sizeof(record) == (size))
 #define ALIGNMENT(record, bytes) LAYOUT_ASSERT(ALIGN_OF(record) == (bytes))
+#define VALUE(name, number) LAYOUT_ASSERT((name) == (number))
 #define FIELD(record, field, offset) LAYOUT_ASSERT(offsetof(record, field) == (offset))
 
 SIZE(NetWorkMode, 4);
@@ -206,6 +208,48 @@ SIZE(IPv6Route, 52);
 FIELD(IPv6Route, perfix, 16);
 FIELD(IPv6Route, gw, 20);
 FIELD(IPv6Route, viaDev, 36);
+
+SIZE(rtnl_handle, 36);
+ALIGNMENT(rtnl_handle, 4);
+FIELD(rtnl_handle, fd, 0);
+FIELD(rtnl_handle, local, 4);
+FIELD(rtnl_handle, peer, 16);
+FIELD(rtnl_handle, seq, 28);
+FIELD(rtnl_handle, dump, 32);
+
+/* Two requests, with room for 1024 bytes of attributes. */
+LAYOUT_ASSERT(sizeof(struct nlmsghdr) + sizeof(struct ifinfomsg) + 1024 == 1056);
+LAYOUT_ASSERT(sizeof(struct nlmsghdr) + sizeof(struct rtmsg) + 1024 == 1052);
+
+VALUE(virtTypeAlias, 0);
+VALUE(virtTypeVlan, 1);
+VALUE(virtTypeIpVlan, 2);
+VALUE(virtTypeMacVlan, 3);
+VALUE(virtTypeDummy, 4);
+VALUE(virtTypeTun, 5);
+VALUE(virtTypeTap, 6);
+VALUE(virtTypeVeth, 7);
+VALUE(virtTypeBut, 8);
+
+/* These go into the requests unchanged: they are the kernel's numbers. */
+VALUE(ipVlanModeL2, 0);
+VALUE(ipVlanModeL3, 1);
+VALUE(ipVlanModeL3S, 2);
+VALUE(ipVlanModeBut, 3);
+VALUE(ipVlanBridge, 0);
+VALUE(ipVlanPrivate, 1);
+VALUE(ipVlanVepa, 2);
+VALUE(macVlanModePrivate, 1);
+VALUE(macVlanModeVepa, 2);
+VALUE(macVlanModeBridge, 4);
+VALUE(macVlanModePassthru, 8);
+VALUE(macVlanModeSource, 16);
+VALUE(macVlanAddrAdd, 0);
+VALUE(macVlanAddrDel, 1);
+VALUE(macVlanAddrFlush, 2);
+VALUE(macVlanAddrSet, 3);
+VALUE(macVlanNoPromisc, 1);
+VALUE(macVlanNoDst, 2);
 
 SIZE(struct CmosCaps, 16);
 FIELD(struct CmosCaps, UseTable, 4);

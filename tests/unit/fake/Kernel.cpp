@@ -268,7 +268,9 @@ int OnCard(unsigned long request, ifreq* record)
     case SIOCSIFMTU: return SetMtu(*card, record->ifr_mtu);
     case SIOCGIFHWADDR: StoreMac(&record->ifr_hwaddr, card->mac); return 0;
     case SIOCSIFHWADDR: card->mac = MacIn(record->ifr_hwaddr); return 0;
-    case SIOCGIFINDEX: record->ifr_ifindex = card->index; return 0;
+    case SIOCGIFINDEX:
+        if (card->index != 0) record->ifr_ifindex = card->index;
+        return 0;
     case SIOCETHTOOL: return Ethtool(*card, record->ifr_data);
     case kSwitchInfo:
     case kSwitchMac:

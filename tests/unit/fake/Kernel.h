@@ -35,7 +35,7 @@ struct SwitchChip {
 
 struct Card {
     std::string name;
-    int index = 0;
+    int index = 0;  // 0: the request for it leaves its record as it was
     short flags = 0;
     std::string address;  // empty: none
     std::string mask = "255.255.255.255";

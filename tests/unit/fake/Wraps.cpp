@@ -40,6 +40,7 @@ int __real_fileno(FILE*);
 int __real_fcntl(int, int, ...);
 int __real_access(const char*, int);
 int __real_stat(const char*, struct stat*);
+int __real_fstat(int, struct stat*);
 int __real_lstat(const char*, struct stat*);
 DIR* __real_opendir(const char*);
 dirent* __real_readdir(DIR*);
@@ -141,7 +142,7 @@ std::string FamilyText(int family)
 /// "AF_NETLINK 0 0": family, port and groups.
 std::string AddressText(const sockaddr* address, socklen_t length)
 {
-    if (address->sa_family != AF_NETLINK || length < sizeof(sockaddr_nl)) return "other";
+    if (address->sa_family != AF_NETLINK || length != sizeof(sockaddr_nl)) return "other";
 
     sockaddr_nl netlink{};
     memcpy(&netlink, address, sizeof(netlink));
@@ -329,6 +330,12 @@ int __wrap_stat(const char* path, struct stat* status)
 {
     if (!Note(std::string("stat ") + path)) return -1;
     return __real_stat(Mapped(path).c_str(), status);
+}
+
+int __wrap_fstat(int fd, struct stat* status)
+{
+    if (!Note("fstat " + PathOf(fd))) return -1;
+    return __real_fstat(fd, status);
 }
 
 int __wrap_lstat(const char* path, struct stat* status)
