@@ -126,7 +126,7 @@ TEST_F(RtnlTalkTest, TheRequestGoesToTheKernelWithItsNumberAndAsksForAnAnswer)
 {
     EXPECT_EQ(Talk(), 0);
     EXPECT_EQ(errno, 0);
-    EXPECT_EQ(Sent(), Hex("10000000 1000 0504 04030201 00000000"));
+    EXPECT_EQ(SentBytes(), Hex("10000000 1000 0504 04030201 00000000"));
     EXPECT_EQ(handle.seq, 0x01020304U);
     EXPECT_EQ(request.nlmsg_seq, 0x01020304U);
     EXPECT_EQ(rtnetlink.peers[0].nl_family, AF_NETLINK);
@@ -152,7 +152,7 @@ TEST_F(RtnlTalkTest, AsManyBytesAreSentAsTheHeaderTells)
     } longer = {request, {1, 2, 3, 4, 5, 6, 7, 8}};
     longer.header.nlmsg_len = 19;
     EXPECT_EQ(rtnl_talk(&handle, &longer.header, 0, 0, nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(Sent(), Hex("13000000 1000 0504 04030201 00000000 010203"));
+    EXPECT_EQ(SentBytes(), Hex("13000000 1000 0504 04030201 00000000 010203"));
 }
 
 TEST_F(RtnlTalkTest, AnotherPeerIsSpokenToAndAnswers)

@@ -65,11 +65,11 @@ constexpr char kMac[] = "\x02\x03\x04\x05\x06\xf7";
 TEST_F(LinkRequestTest, AnIpVlanIsAskedForUp)
 {
     EXPECT_EQ(IpVlan(RTM_NEWLINK, ipVlanModeL3S, ipVlanVepa), 0);
-    EXPECT_EQ(Sent(), Hex("58000000 1000 0504 04030201 00000000" + kUp + kNames + "2400 1200" +
-                          kIpVlanKind +             // IFLA_LINKINFO
-                          "1400 0200"               // IFLA_INFO_DATA
-                          "0600 0100 0200 0000"     // IFLA_IPVLAN_MODE
-                          "0600 0200 0200 0000"));  // IFLA_IPVLAN_FLAGS
+    EXPECT_EQ(SentBytes(), Hex("58000000 1000 0504 04030201 00000000" + kUp + kNames + "2400 1200" +
+                               kIpVlanKind +             // IFLA_LINKINFO
+                               "1400 0200"               // IFLA_INFO_DATA
+                               "0600 0100 0200 0000"     // IFLA_IPVLAN_MODE
+                               "0600 0200 0200 0000"));  // IFLA_IPVLAN_FLAGS
     EXPECT_EQ(Log(), (LogLines{Info(kIpVlan, "iplink add ipvlan [eth0 : ipvl0] mode 2 flag 2")}));
 }
 
@@ -87,7 +87,7 @@ TEST_F(LinkRequestTest, TheHostIsLookedUpBeforeTheHandleIsOpened)
 TEST_F(LinkRequestTest, ADeletionHasTheSameAttributesAndAsksForDown)
 {
     EXPECT_EQ(IpVlan(RTM_DELLINK), 0);
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1100 0500 04030201 00000000" + kDown + kNames + "2400 1200" +
                   kIpVlanKind + "1400 0200" + "0600 0100 0000 0000" + "0600 0200 0000 0000"));
     EXPECT_EQ(Log(), (LogLines{Info(kIpVlan, "iplink del ipvlan [eth0 : ipvl0] mode 0 flag 0")}));
@@ -96,7 +96,7 @@ TEST_F(LinkRequestTest, ADeletionHasTheSameAttributesAndAsksForDown)
 TEST_F(LinkRequestTest, AnyOtherCommandCountsAsADeletion)
 {
     EXPECT_EQ(IpVlan(0x1213, 1, 1), 0);
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1312 0500 04030201 00000000" + kDown + kNames + "2400 1200" +
                   kIpVlanKind + "1400 0200" + "0600 0100 0100 0000" + "0600 0200 0100 0000"));
     EXPECT_EQ(Log(), (LogLines{Info(kIpVlan, "iplink del ipvlan [eth0 : ipvl0] mode 1 flag 1")}));
@@ -105,7 +105,7 @@ TEST_F(LinkRequestTest, AnyOtherCommandCountsAsADeletion)
 TEST_F(LinkRequestTest, ModeAndFlagOfAnIpVlanAreCutToSixteenBits)
 {
     EXPECT_EQ(IpVlan(RTM_NEWLINK, 0x89ab0001, 0xffff0102), 0);
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1000 0504 04030201 00000000" + kUp + kNames + "2400 1200" +
                   kIpVlanKind + "1400 0200" + "0600 0100 0100 0000" + "0600 0200 0201 0000"));
     EXPECT_EQ(Log(), (LogLines{Info(kIpVlan, "iplink add ipvlan [eth0 : ipvl0] mode 2309685249 "
@@ -117,11 +117,11 @@ TEST_F(LinkRequestTest, ModeAndFlagOfAnIpVlanAreCutToSixteenBits)
 TEST_F(LinkRequestTest, AMacVlanIsAskedForUp)
 {
     EXPECT_EQ(MacVlan(RTM_NEWLINK, macVlanModeBridge, macVlanNoPromisc, macVlanAddrFlush), 0);
-    EXPECT_EQ(Sent(), Hex("58000000 1000 0504 04030201 00000000" + kUp + kNames + "2400 1200" +
-                          kMacVlanKind +            // IFLA_LINKINFO
-                          "1400 0200"               // IFLA_INFO_DATA
-                          "0800 0100 04000000"      // IFLA_MACVLAN_MODE
-                          "0600 0200 0100 0000"));  // IFLA_MACVLAN_FLAGS
+    EXPECT_EQ(SentBytes(), Hex("58000000 1000 0504 04030201 00000000" + kUp + kNames + "2400 1200" +
+                               kMacVlanKind +            // IFLA_LINKINFO
+                               "1400 0200"               // IFLA_INFO_DATA
+                               "0800 0100 04000000"      // IFLA_MACVLAN_MODE
+                               "0600 0200 0100 0000"));  // IFLA_MACVLAN_FLAGS
     EXPECT_EQ(Log(), (LogLines{Info(kMacVlan, "iplink add macvlan [eth0 : ipvl0] mode 4 flag 1 "
                                               "addrmode 2")}));
 }
@@ -129,7 +129,7 @@ TEST_F(LinkRequestTest, AMacVlanIsAskedForUp)
 TEST_F(LinkRequestTest, ADeletionOfAMacVlanAsksForDown)
 {
     EXPECT_EQ(MacVlan(RTM_DELLINK, 0), 0);
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1100 0500 04030201 00000000" + kDown + kNames + "2400 1200" +
                   kMacVlanKind + "1400 0200" + "0800 0100 00000000" + "0600 0200 0000 0000"));
     EXPECT_EQ(Log(), (LogLines{Info(kMacVlan, "iplink del macvlan [eth0 : ipvl0] mode 0 flag 0 "
@@ -139,7 +139,7 @@ TEST_F(LinkRequestTest, ADeletionOfAMacVlanAsksForDown)
 TEST_F(LinkRequestTest, OnlyTheFlagsOfAMacVlanAreCutToSixteenBits)
 {
     EXPECT_EQ(MacVlan(RTM_NEWLINK, 0x12340010, 0x56780003), 0);
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1000 0504 04030201 00000000" + kUp + kNames + "2400 1200" +
                   kMacVlanKind + "1400 0200" + "0800 0100 10003412" + "0600 0200 0300 0000"));
 }
@@ -165,10 +165,10 @@ TEST_F(LinkRequestTest, AnAddressIsAddedOrDeletedByItself)
         ClearLog();
         const auto number = static_cast<uint32_t>(mode);
         EXPECT_EQ(MacVlan(RTM_NEWLINK, macVlanModeSource, 0, number, kMac), 0);
-        EXPECT_EQ(Sent(), Source("6c000000", "3800", "2800",
-                                 "0800 0300 0" + std::to_string(number) +
-                                     "000000"                          // ..._MODE
-                                     "0a00 0400 0203040506f7 0000"));  // ..._MACADDR
+        EXPECT_EQ(SentBytes(), Source("6c000000", "3800", "2800",
+                                      "0800 0300 0" + std::to_string(number) +
+                                          "000000"                          // ..._MODE
+                                          "0a00 0400 0203040506f7 0000"));  // ..._MACADDR
         EXPECT_EQ(Log(),
                   (LogLines{Adds(number), Info(kMacVlan, "macvlan mac[02:03:04:05:06:f7]")}));
     }
@@ -177,7 +177,7 @@ TEST_F(LinkRequestTest, AnAddressIsAddedOrDeletedByItself)
 TEST_F(LinkRequestTest, AnAddressThatIsToBeTheOnlyOneStandsInAList)
 {
     EXPECT_EQ(MacVlan(RTM_NEWLINK, macVlanModeSource, 0, macVlanAddrSet, kMac), 0);
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Source("70000000", "3c00", "2c00",
                      "0800 0300 03000000"
                      "1000 0500 0a00 0400 0203040506f7 0000"));  // IFLA_MACVLAN_MACADDR_DATA
@@ -187,12 +187,12 @@ TEST_F(LinkRequestTest, AnAddressThatIsToBeTheOnlyOneStandsInAList)
 TEST_F(LinkRequestTest, AFlushAndAnythingAboveSendNoAddress)
 {
     EXPECT_EQ(MacVlan(RTM_NEWLINK, macVlanModeSource, 0, macVlanAddrFlush, kMac), 0);
-    EXPECT_EQ(Sent(), Source("60000000", "2c00", "1c00", "0800 0300 02000000"));
+    EXPECT_EQ(SentBytes(), Source("60000000", "2c00", "1c00", "0800 0300 02000000"));
     EXPECT_EQ(Log(), (LogLines{Adds(2), Info(kMacVlan, "macvlan mac[02:03:04:05:06:f7]")}));
 
     rtnetlink.requests.clear();
     EXPECT_EQ(MacVlan(RTM_NEWLINK, macVlanModeSource, 0, 0x01000004, kMac), 0);
-    EXPECT_EQ(Sent(), Source("60000000", "2c00", "1c00", "0800 0300 04000001"));
+    EXPECT_EQ(SentBytes(), Source("60000000", "2c00", "1c00", "0800 0300 04000001"));
 }
 
 TEST_F(LinkRequestTest, SourceModeWithoutAnAddressSendsNothing)
@@ -246,9 +246,10 @@ TEST_F(LinkRequestTest, AnUnknownHostIsLeftToTheKernelToRefuse)
     char virt[] = "ipvl0";
     rtnetlink.refusal = ENODEV;
     EXPECT_EQ(Netlink_Ipv4Link_IpVlan(RTM_NEWLINK, host, virt, 0, 0), -2);
-    EXPECT_EQ(Sent(), Hex("58000000 1000 0504 04030201 00000000" + kUp +
-                          "0800 0500 00000000 0a00 0300 6970766c3000 0000 2400 1200" + kIpVlanKind +
-                          "1400 0200" + "0600 0100 0000 0000" + "0600 0200 0000 0000"));
+    EXPECT_EQ(SentBytes(),
+              Hex("58000000 1000 0504 04030201 00000000" + kUp +
+                  "0800 0500 00000000 0a00 0300 6970766c3000 0000 2400 1200" + kIpVlanKind +
+                  "1400 0200" + "0600 0100 0000 0000" + "0600 0200 0000 0000"));
     EXPECT_EQ(Log(), (LogLines{Info(kIpVlan, "iplink add ipvlan [eth9 : ipvl0] mode 0 flag 0"),
                                NoDevice("eth9"), Answers(ENODEV), TalkError(kIpVlan, ENODEV)}));
 }
@@ -257,9 +258,10 @@ TEST_F(LinkRequestTest, TheIndexOfAFailedLookUpIsSentAsItIs)
 {
     kernel.At("eth0").index = -3;
     EXPECT_EQ(IpVlan(RTM_DELLINK), 0);
-    EXPECT_EQ(Sent(), Hex("58000000 1100 0500 04030201 00000000" + kDown +
-                          "0800 0500 fdffffff 0a00 0300 6970766c3000 0000 2400 1200" + kIpVlanKind +
-                          "1400 0200" + "0600 0100 0000 0000" + "0600 0200 0000 0000"));
+    EXPECT_EQ(SentBytes(),
+              Hex("58000000 1100 0500 04030201 00000000" + kDown +
+                  "0800 0500 fdffffff 0a00 0300 6970766c3000 0000 2400 1200" + kIpVlanKind +
+                  "1400 0200" + "0600 0100 0000 0000" + "0600 0200 0000 0000"));
 }
 
 TEST_F(LinkRequestTest, ANameThatDoesNotFitTheRequestIsMissingFromIt)
@@ -267,9 +269,9 @@ TEST_F(LinkRequestTest, ANameThatDoesNotFitTheRequestIsMissingFromIt)
     char host[] = "eth0";
     std::string virt(1012, 'v');  // one too many
     EXPECT_EQ(Netlink_Ipv4Link_IpVlan(RTM_NEWLINK, host, virt.data(), 0, 0), 0);
-    EXPECT_EQ(Sent(), Hex("4c000000 1000 0504 04030201 00000000" + kUp + "0800 0500 02000000" +
-                          "2400 1200" + kIpVlanKind + "1400 0200" + "0600 0100 0000 0000" +
-                          "0600 0200 0000 0000"));
+    EXPECT_EQ(SentBytes(), Hex("4c000000 1000 0504 04030201 00000000" + kUp + "0800 0500 02000000" +
+                               "2400 1200" + kIpVlanKind + "1400 0200" + "0600 0100 0000 0000" +
+                               "0600 0200 0000 0000"));
 }
 
 TEST_F(LinkRequestTest, ANameMayLeaveNoRoomForTheRest)
@@ -279,8 +281,8 @@ TEST_F(LinkRequestTest, ANameMayLeaveNoRoomForTheRest)
     std::string name;
     for (int i = 0; i < 1011; ++i) name += "76";
     EXPECT_EQ(Netlink_Ipv4Link_MacVlan(RTM_NEWLINK, host, virt.data(), 4, 0, 0, nullptr), 0);
-    EXPECT_EQ(Sent(), Hex("20040000 1000 0504 04030201 00000000" + kUp + "0800 0500 02000000" +
-                          "f803 0300" + name + "00"));
+    EXPECT_EQ(SentBytes(), Hex("20040000 1000 0504 04030201 00000000" + kUp + "0800 0500 02000000" +
+                               "f803 0300" + name + "00"));
 }
 
 // ---- refusals
@@ -405,7 +407,7 @@ TEST_F(NetVirtInterTest, AnIpVlanIsAddedWithItsOwnParameters)
     info.interParam.ipVlAttr.eMode = ipVlanModeL3;
     info.interParam.ipVlAttr.eFlag = ipVlanPrivate;
     EXPECT_TRUE(NetVirtInterAdd(&info));
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1000 0504 04030201 00000000" + kUp + kNames + "2400 1200" +
                   kIpVlanKind + "1400 0200" + "0600 0100 0100 0000" + "0600 0200 0100 0000"));
     EXPECT_EQ(Log(), (LogLines{Error("NetVirtInterAdd", "[eth0:ipvl0] add virt interface type 2"),
@@ -421,7 +423,7 @@ TEST_F(NetVirtInterTest, AMacVlanIsAddedWithItsOwnParameters)
     attributes.eAddrMode = macVlanAddrSet;
     memcpy(attributes.macAddr, kMac, 6);
     EXPECT_TRUE(NetVirtInterAdd(&info));
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("70000000 1000 0504 04030201 00000000" + kUp + kNames + "3c00 1200" +
                   kMacVlanKind + "2c00 0200" + "0800 0100 10000000" + "0600 0200 0200 0000" +
                   "0800 0300 03000000" + "1000 0500 0a00 0400 0203040506f7 0000"));
@@ -435,7 +437,7 @@ TEST_F(NetVirtInterTest, LinksAreDeletedByTheirNames)
 {
     NetVirtInterName name = Record(virtTypeIpVlan).interName;
     EXPECT_TRUE(NetVirtInterDel(&name));
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1100 0500 04030201 00000000" + kDown + kNames + "2400 1200" +
                   kIpVlanKind + "1400 0200" + "0600 0100 0000 0000" + "0600 0200 0000 0000"));
     EXPECT_EQ(Log(), (LogLines{Error("NetVirtInterDel", "[eth0:ipvl0] del virt interface type 2"),
@@ -445,7 +447,7 @@ TEST_F(NetVirtInterTest, LinksAreDeletedByTheirNames)
     rtnetlink.requests.clear();
     ClearLog();
     EXPECT_TRUE(NetVirtInterDel(&name));
-    EXPECT_EQ(Sent(),
+    EXPECT_EQ(SentBytes(),
               Hex("58000000 1100 0500 04030201 00000000" + kDown + kNames + "2400 1200" +
                   kMacVlanKind + "1400 0200" + "0800 0100 00000000" + "0600 0200 0000 0000"));
     EXPECT_EQ(Log(), (LogLines{Error("NetVirtInterDel", "[eth0:ipvl0] del virt interface type 3"),

@@ -51,52 +51,52 @@ protected:
 TEST_F(RuleTest, ARuleIsAddedOnlyOnce)
 {
     EXPECT_EQ(Netlink_IPv4Rule(RTM_NEWRULE, "10.0.0.2", 42, 1000), 0);
-    EXPECT_EQ(Sent(), Hex("2c000000 2000 0506 04030201 00000000"  // EXCL, CREATE
-                          "02 00 20 00  2a 03 00 01  00000000"    // /32, table 42, BOOT, UNICAST
-                          "0800 0200 0a000002"                    // FRA_SRC
-                          "0800 0600 e8030000"));                 // FRA_PRIORITY
+    EXPECT_EQ(SentBytes(), Hex("2c000000 2000 0506 04030201 00000000"  // EXCL, CREATE
+                               "02 00 20 00  2a 03 00 01  00000000"  // /32, table 42, BOOT, UNICAST
+                               "0800 0200 0a000002"                  // FRA_SRC
+                               "0800 0600 e8030000"));               // FRA_PRIORITY
     EXPECT_EQ(Log(), LogLines{Does("add from 10.0.0.2 table 42")});
 }
 
 TEST_F(RuleTest, ADeletionNamesTheSameRule)
 {
     EXPECT_EQ(Netlink_IPv4Rule(RTM_DELRULE, "10.0.0.2", 42, 1000), 0);
-    EXPECT_EQ(Sent(), Hex("2c000000 2100 0500 04030201 00000000"
-                          "02 00 20 00  2a 03 00 00  00000000"
-                          "0800 0200 0a000002"
-                          "0800 0600 e8030000"));
+    EXPECT_EQ(SentBytes(), Hex("2c000000 2100 0500 04030201 00000000"
+                               "02 00 20 00  2a 03 00 00  00000000"
+                               "0800 0200 0a000002"
+                               "0800 0600 e8030000"));
     EXPECT_EQ(Log(), LogLines{Does("del from 10.0.0.2 table 42")});
 }
 
 TEST_F(RuleTest, AnyOtherCommandCountsAsADeletion)
 {
     EXPECT_EQ(Netlink_IPv4Rule(0x1223, nullptr, 0, 0), 0);
-    EXPECT_EQ(Sent(), Bare("02 00 00 00  00 03 00 00  00000000", "2312 0500"));
+    EXPECT_EQ(SentBytes(), Bare("02 00 00 00  00 03 00 00  00000000", "2312 0500"));
     EXPECT_EQ(Log(), LogLines{Does("del from (null) table 0")});
 }
 
 TEST_F(RuleTest, WithoutATableAnAdditionMeansTheMainOne)
 {
     EXPECT_EQ(Netlink_IPv4Rule(RTM_NEWRULE, nullptr, 0, 0), 0);
-    EXPECT_EQ(Sent(), Bare("02 00 00 00  fe 03 00 01  00000000", "2000 0506"));
+    EXPECT_EQ(SentBytes(), Bare("02 00 00 00  fe 03 00 01  00000000", "2000 0506"));
     EXPECT_EQ(Log(), LogLines{Does("add from (null) table 0")});
 }
 
 TEST_F(RuleTest, WithoutATableADeletionMeansAny)
 {
     EXPECT_EQ(Netlink_IPv4Rule(RTM_DELRULE, nullptr, 0, 0), 0);
-    EXPECT_EQ(Sent(), Bare("02 00 00 00  00 03 00 00  00000000", "2100 0500"));
+    EXPECT_EQ(SentBytes(), Bare("02 00 00 00  00 03 00 00  00000000", "2100 0500"));
 }
 
 TEST_F(RuleTest, ATableIsCutToItsLowByte)
 {
     EXPECT_EQ(Netlink_IPv4Rule(RTM_NEWRULE, nullptr, 0xfffffe2c, 0), 0);
-    EXPECT_EQ(Sent(), Bare("02 00 00 00  2c 03 00 01  00000000", "2000 0506"));
+    EXPECT_EQ(SentBytes(), Bare("02 00 00 00  2c 03 00 01  00000000", "2000 0506"));
     EXPECT_EQ(Log(), LogLines{Does("add from (null) table -468")});  // printed as signed
 
     rtnetlink.requests.clear();
     EXPECT_EQ(Netlink_IPv4Rule(RTM_DELRULE, nullptr, 256, 0), 0);
-    EXPECT_EQ(Sent(), Bare("02 00 00 00  00 03 00 00  00000000", "2100 0500"));
+    EXPECT_EQ(SentBytes(), Bare("02 00 00 00  00 03 00 00  00000000", "2100 0500"));
 }
 
 TEST_F(RuleTest, AnAddressThatDoesNotParseOpensNothing)
@@ -153,13 +153,14 @@ TEST_F(TableRouteTest, ARouteTakesThePlaceOfOneOfTheSameKey)
     EXPECT_EQ(
         Netlink_IPv4Route(RTM_NEWROUTE, 100, 24, "192.168.1.0", "10.0.0.2", "10.0.0.1", "eth0", 5),
         0);
-    EXPECT_EQ(Sent(), Hex("44000000 1800 0505 04030201 00000000"  // REPLACE, CREATE
-                          "02 18 00 00  64 02 00 01  00000000"    // /24, table 100, KERNEL, UNICAST
-                          "0800 0700 0a000002"                    // RTA_PREFSRC
-                          "0800 0500 0a000001"                    // RTA_GATEWAY
-                          "0800 0100 c0a80100"                    // RTA_DST
-                          "0800 0400 02000000"                    // RTA_OIF
-                          "0800 0600 05000000"));                 // RTA_PRIORITY
+    EXPECT_EQ(SentBytes(),
+              Hex("44000000 1800 0505 04030201 00000000"  // REPLACE, CREATE
+                  "02 18 00 00  64 02 00 01  00000000"    // /24, table 100, KERNEL, UNICAST
+                  "0800 0700 0a000002"                    // RTA_PREFSRC
+                  "0800 0500 0a000001"                    // RTA_GATEWAY
+                  "0800 0100 c0a80100"                    // RTA_DST
+                  "0800 0400 02000000"                    // RTA_OIF
+                  "0800 0600 05000000"));                 // RTA_PRIORITY
     EXPECT_EQ(Log(), LogLines{Does("add 192.168.1.0 10.0.0.2 10.0.0.1 dev eth0 table 100")});
 }
 
@@ -168,13 +169,13 @@ TEST_F(TableRouteTest, ADeletionNamesTheSameRoute)
     EXPECT_EQ(
         Netlink_IPv4Route(RTM_DELROUTE, 100, 24, "192.168.1.0", "10.0.0.2", "10.0.0.1", "eth0", 5),
         0);
-    EXPECT_EQ(Sent(), Hex("44000000 1900 0500 04030201 00000000"
-                          "02 18 00 00  64 00 ff 00  00000000"  // scope NOWHERE
-                          "0800 0700 0a000002"
-                          "0800 0500 0a000001"
-                          "0800 0100 c0a80100"
-                          "0800 0400 02000000"
-                          "0800 0600 05000000"));
+    EXPECT_EQ(SentBytes(), Hex("44000000 1900 0500 04030201 00000000"
+                               "02 18 00 00  64 00 ff 00  00000000"  // scope NOWHERE
+                               "0800 0700 0a000002"
+                               "0800 0500 0a000001"
+                               "0800 0100 c0a80100"
+                               "0800 0400 02000000"
+                               "0800 0600 05000000"));
     EXPECT_EQ(Log(), LogLines{Does("del 192.168.1.0 10.0.0.2 10.0.0.1 dev eth0 table 100")});
 }
 
@@ -182,17 +183,17 @@ TEST_F(TableRouteTest, ADeletionWithoutAGatewayHasTheSameScope)
 {
     EXPECT_EQ(Netlink_IPv4Route(RTM_DELROUTE, 0, 24, "192.168.1.0", nullptr, nullptr, nullptr, 0),
               0);
-    EXPECT_EQ(Sent(), Hex("24000000 1900 0500 04030201 00000000"
-                          "02 18 00 00  fe 00 ff 00  00000000"
-                          "0800 0100 c0a80100"));
+    EXPECT_EQ(SentBytes(), Hex("24000000 1900 0500 04030201 00000000"
+                               "02 18 00 00  fe 00 ff 00  00000000"
+                               "0800 0100 c0a80100"));
     EXPECT_EQ(Log(), LogLines{Does("del 192.168.1.0 (null) (null) dev (null) table 0")});
 }
 
 TEST_F(TableRouteTest, AnyOtherCommandCountsAsAnAddition)
 {
     EXPECT_EQ(Netlink_IPv4Route(0x121a, 0, 24, nullptr, nullptr, nullptr, nullptr, 0), 0);
-    EXPECT_EQ(Sent(), Hex("1c000000 1a12 0505 04030201 00000000"
-                          "02 00 00 00  fe 02 fd 01  00000000"));
+    EXPECT_EQ(SentBytes(), Hex("1c000000 1a12 0505 04030201 00000000"
+                               "02 00 00 00  fe 02 fd 01  00000000"));
     EXPECT_EQ(Log(), LogLines{Does("add (null) (null) (null) dev (null) table 0")});
 }
 
@@ -202,9 +203,9 @@ TEST_F(TableRouteTest, TheDefaultDestinationHasNoAttribute)
         rtnetlink.requests.clear();
         EXPECT_EQ(Netlink_IPv4Route(RTM_NEWROUTE, 0, 24, route, nullptr, "10.0.0.1", nullptr, 0),
                   0);
-        EXPECT_EQ(Sent(), Hex("24000000 1800 0505 04030201 00000000"
-                              "02 00 00 00  fe 02 00 01  00000000"  // /0, main table, UNIVERSE
-                              "0800 0500 0a000001"));
+        EXPECT_EQ(SentBytes(), Hex("24000000 1800 0505 04030201 00000000"
+                                   "02 00 00 00  fe 02 00 01  00000000"  // /0, main table, UNIVERSE
+                                   "0800 0500 0a000001"));
     }
     EXPECT_EQ(Netlink_IPv4Route(RTM_NEWROUTE, 0, 0, "Default", nullptr, nullptr, nullptr, 0), -1);
     EXPECT_EQ(Netlink_IPv4Route(RTM_NEWROUTE, 0, 0, "anything", nullptr, nullptr, nullptr, 0), -1);
@@ -213,18 +214,18 @@ TEST_F(TableRouteTest, TheDefaultDestinationHasNoAttribute)
 TEST_F(TableRouteTest, WithoutADestinationTheLengthIsNotUsed)
 {
     EXPECT_EQ(Netlink_IPv4Route(RTM_NEWROUTE, 0, 24, nullptr, nullptr, "10.0.0.1", nullptr, 0), 0);
-    EXPECT_EQ(Sent(), Hex("24000000 1800 0505 04030201 00000000"
-                          "02 00 00 00  fe 02 00 01  00000000"
-                          "0800 0500 0a000001"));
+    EXPECT_EQ(SentBytes(), Hex("24000000 1800 0505 04030201 00000000"
+                               "02 00 00 00  fe 02 00 01  00000000"
+                               "0800 0500 0a000001"));
 }
 
 TEST_F(TableRouteTest, ARouteWithoutAGatewayIsOnTheLink)
 {
     EXPECT_EQ(Netlink_IPv4Route(RTM_NEWROUTE, 0, 16, "10.1.0.0", nullptr, nullptr, "eth0", 0), 0);
-    EXPECT_EQ(Sent(), Hex("2c000000 1800 0505 04030201 00000000"
-                          "02 10 00 00  fe 02 fd 01  00000000"
-                          "0800 0100 0a010000"
-                          "0800 0400 02000000"));
+    EXPECT_EQ(SentBytes(), Hex("2c000000 1800 0505 04030201 00000000"
+                               "02 10 00 00  fe 02 fd 01  00000000"
+                               "0800 0100 0a010000"
+                               "0800 0400 02000000"));
     EXPECT_EQ(Log(), LogLines{Does("add 10.1.0.0 (null) (null) dev eth0 table 0")});
 }
 
@@ -232,17 +233,17 @@ TEST_F(TableRouteTest, TableAndLengthAreCutToTheirLowBytes)
 {
     EXPECT_EQ(
         Netlink_IPv4Route(RTM_NEWROUTE, 300, 0x7f20, "10.1.2.3", nullptr, nullptr, nullptr, 0), 0);
-    EXPECT_EQ(Sent(), Hex("24000000 1800 0505 04030201 00000000"
-                          "02 20 00 00  2c 02 fd 01  00000000"
-                          "0800 0100 0a010203"));
+    EXPECT_EQ(SentBytes(), Hex("24000000 1800 0505 04030201 00000000"
+                               "02 20 00 00  2c 02 fd 01  00000000"
+                               "0800 0100 0a010203"));
     EXPECT_EQ(Log(), LogLines{Does("add 10.1.2.3 (null) (null) dev (null) table 300")});
 
     rtnetlink.requests.clear();
     EXPECT_EQ(Netlink_IPv4Route(RTM_DELROUTE, -256, -1, "10.1.2.3", nullptr, nullptr, nullptr, 0),
               0);
-    EXPECT_EQ(Sent(), Hex("24000000 1900 0500 04030201 00000000"
-                          "02 ff 00 00  00 00 ff 00  00000000"
-                          "0800 0100 0a010203"));
+    EXPECT_EQ(SentBytes(), Hex("24000000 1900 0500 04030201 00000000"
+                               "02 ff 00 00  00 00 ff 00  00000000"
+                               "0800 0100 0a010203"));
     EXPECT_EQ(Log().back(), Does("del 10.1.2.3 (null) (null) dev (null) table -256"));
 }
 
@@ -251,10 +252,10 @@ TEST_F(TableRouteTest, AMetricOfFourBytesIsSent)
     EXPECT_EQ(
         Netlink_IPv4Route(RTM_NEWROUTE, 0, 0, nullptr, nullptr, "10.0.0.1", nullptr, 0x89abcdef),
         0);
-    EXPECT_EQ(Sent(), Hex("2c000000 1800 0505 04030201 00000000"
-                          "02 00 00 00  fe 02 00 01  00000000"
-                          "0800 0500 0a000001"
-                          "0800 0600 efcdab89"));
+    EXPECT_EQ(SentBytes(), Hex("2c000000 1800 0505 04030201 00000000"
+                               "02 00 00 00  fe 02 00 01  00000000"
+                               "0800 0500 0a000001"
+                               "0800 0600 efcdab89"));
 }
 
 TEST_F(TableRouteTest, AddressesThatDoNotParseOpenNothing)
@@ -294,9 +295,9 @@ TEST_F(TableRouteTest, AnUnknownCardIsLeftToTheKernelToRefuse)
 {
     rtnetlink.refusal = ENODEV;
     EXPECT_EQ(Netlink_IPv4Route(RTM_NEWROUTE, 0, 0, nullptr, nullptr, nullptr, "eth9", 0), -1);
-    EXPECT_EQ(Sent(), Hex("24000000 1800 0505 04030201 00000000"
-                          "02 00 00 00  fe 02 fd 01  00000000"
-                          "0800 0400 00000000"));
+    EXPECT_EQ(SentBytes(), Hex("24000000 1800 0505 04030201 00000000"
+                               "02 00 00 00  fe 02 fd 01  00000000"
+                               "0800 0400 00000000"));
     EXPECT_EQ(Log(), (LogLines{Does("add (null) (null) (null) dev eth9 table 0"), NoDevice("eth9"),
                                Answers(ENODEV)}));
 }

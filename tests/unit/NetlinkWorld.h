@@ -59,7 +59,7 @@ inline std::string Hex(const std::string& text)
 }
 
 /// The one request that was sent.
-inline std::string Sent()
+inline std::string SentBytes()
 {
     if (fake::rtnetlink.requests.size() == 1) return Hex(fake::rtnetlink.requests[0]);
     return std::to_string(fake::rtnetlink.requests.size()) + " requests";
