@@ -2,13 +2,18 @@
 //
 // In one set of namespaces and in the same rounds, one behind the other: lanrise with its settings
 // in memory, a shell script around `ip -batch`, one around net-tools, and a program of bare
-// requests. Between two runs all cards are taken down and lose their addresses, outside of the
+// requests; with a folder of bench/peers.sh also the network managers that a user would take in
+// its place. Between two runs all cards are taken down and lose their addresses, outside of the
 // measured time; after each run the end state is looked at, so that nobody is fast by doing less.
+// A manager that stays is measured until that state is there, and ended then.
 //
-// usage: tests/netns/enter.sh build/release/bench/boot LANRISE BARE [ROUNDS]
+// usage: tests/netns/enter.sh build/release/bench/boot LANRISE BARE [ROUNDS [PEERS [TABLE]]]
+//
+// TABLE is a file for the medians of cards, one line a contender, for bench/plot.sh.
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -33,6 +38,7 @@ struct Contender {
     std::string name;
     std::vector<std::string> command;
     std::vector<double> milliseconds;
+    bool stays = false;  // goes on running when its work is done
 };
 
 /// What is brought up, by whom, and how it is told whether it came up.
@@ -40,10 +46,12 @@ struct Device {
     std::string title;
     std::function<void()> takeDown;
     std::function<void(const std::string& who)> check;
+    std::function<bool()> isUp;         // asked of contenders that stay
     std::vector<Contender> contenders;  // lanrise is the first
 };
 
 int control = -1;
+FILE* medians = nullptr;
 
 [[noreturn]] void Give(const std::string& reason)
 {
@@ -120,36 +128,62 @@ void TakeDown(int count)
     }
 }
 
-void CheckCard(const std::string& who, int card)
+bool IsCardUp(int card)
 {
     ifreq request = RequestFor(card);
-    if (ioctl(control, SIOCGIFFLAGS, &request) < 0 || (request.ifr_flags & IFF_UP) == 0) {
-        Give(who + " left " + CardName(card) + " down");
-    }
-    request = RequestFor(card);
+    return ioctl(control, SIOCGIFFLAGS, &request) == 0 && (request.ifr_flags & IFF_UP) != 0;
+}
+
+bool HasAddress(int card)
+{
+    ifreq request = RequestFor(card);
     sockaddr_in address{};
     if (ioctl(control, SIOCGIFADDR, &request) == 0) {
         memcpy(&address, &request.ifr_addr, sizeof(address));
     }
-    if (Net(card, "2") != inet_ntoa(address.sin_addr)) {
-        Give(who + " left " + CardName(card) + " without its address");
+    return Net(card, "2") == inet_ntoa(address.sin_addr);
+}
+
+struct Routes {
+    int rows;
+    int defaults;
+};
+
+Routes ReadRoutes()
+{
+    std::ifstream table("/proc/net/route");
+    std::string line;
+    Routes routes = {-1, 0};  // the header is none
+    while (std::getline(table, line)) {
+        ++routes.rows;
+        if (line.find("\t00000000\t0100000A\t") != std::string::npos) ++routes.defaults;
     }
+    return routes;
 }
 
 /// Every card up and addressed, its net routed once, one default route.
 void CheckEndState(const std::string& who, int count)
 {
-    for (int card = 0; card < count; ++card) CheckCard(who, card);
-
-    std::ifstream table("/proc/net/route");
-    std::string line;
-    int rows = -1;  // the header
-    int defaults = 0;
-    while (std::getline(table, line)) {
-        ++rows;
-        if (line.find("\t00000000\t0100000A\t") != std::string::npos) ++defaults;
+    for (int card = 0; card < count; ++card) {
+        if (!IsCardUp(card)) Give(who + " left " + CardName(card) + " down");
+        if (!HasAddress(card)) Give(who + " left " + CardName(card) + " without its address");
     }
-    if (rows != count + 1 || defaults != 1) Give(who + " left the routes wrong");
+    const Routes routes = ReadRoutes();
+    // connman adds a route to the gateway itself.
+    const int extra = who == "connman" ? 1 : 0;
+    if (routes.rows != count + 1 + extra || routes.defaults != 1) {
+        Give(who + " left the routes wrong");
+    }
+}
+
+/// The last things to come, first: the default route, and each card's address.
+bool CardsAreUp(int count)
+{
+    for (int card = count - 1; card >= 0; --card) {
+        if (!HasAddress(card)) return false;
+    }
+    const Routes routes = ReadRoutes();
+    return routes.rows > count && routes.defaults == 1;
 }
 
 // ---- running
@@ -171,18 +205,42 @@ std::vector<char*> Arguments(const std::vector<std::string>& command)
     _exit(127);
 }
 
+using Clock = std::chrono::steady_clock;
+
+double Since(Clock::time_point begin)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
 double Run(const std::vector<std::string>& command)
 {
     const std::vector<char*> arguments = Arguments(command);
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = Clock::now();
     const pid_t child = vfork();
     if (child == 0) Become(arguments);
     int status = 0;
     waitpid(child, &status, 0);
-    const std::chrono::duration<double, std::milli> taken =
-        std::chrono::steady_clock::now() - begin;
+    const double taken = Since(begin);
     if (status != 0) Give(command[0] + " failed");
-    return taken.count();
+    return taken;
+}
+
+/// Runs what does not end by itself until the device is up, asked every half millisecond. The end
+/// state is looked at before it is ended: some take it with them.
+double RunUntilUp(const Contender& contender, const Device& device)
+{
+    constexpr double kLongest = 20000;
+    const std::vector<char*> arguments = Arguments(contender.command);
+    const auto begin = Clock::now();
+    const pid_t child = vfork();
+    if (child == 0) Become(arguments);
+    while (!device.isUp() && Since(begin) < kLongest) usleep(500);
+    const double taken = Since(begin);
+    if (taken < kLongest) device.check(contender.name);
+    kill(child, SIGTERM);
+    waitpid(child, nullptr, 0);
+    if (taken >= kLongest) Give(contender.name + " did not come up");
+    return taken;
 }
 
 double Median(std::vector<double> values)
@@ -268,8 +326,9 @@ void Measure(Device device, int rounds)
     for (int round = -1; round < rounds; ++round) {  // the first is thrown away
         for (Contender& contender : device.contenders) {
             device.takeDown();
-            const double taken = Run(contender.command);
-            device.check(contender.name);
+            const double taken =
+                contender.stays ? RunUntilUp(contender, device) : Run(contender.command);
+            if (!contender.stays) device.check(contender.name);
             if (round >= 0) contender.milliseconds.push_back(taken);
         }
     }
@@ -280,25 +339,135 @@ void Measure(Device device, int rounds)
     for (const Contender& contender : device.contenders) {
         const double median = Median(contender.milliseconds);
         printf("  %-16s %10.2f %18.2f\n", contender.name.c_str(), median, ours / median);
+        if (medians != nullptr) {
+            fprintf(medians, "%s\t%s\t%.2f\n", device.title.c_str(), contender.name.c_str(),
+                    median);
+        }
     }
     device.takeDown();
     const Inside inside = LookInside(device.contenders[0].command);
     printf("  lanrise: peak memory %ld kB, %d child processes\n\n", inside.peakKb, inside.children);
 }
 
-void MeasureCards(int count, int rounds, const std::string& lanrise, const std::string& bare)
+// ---- the managers that a user would take
+
+/// Lines of an interfaces file; `method` stands behind each card's name.
+std::string InterfacesFile(int count, const std::string& method, const std::string& address)
+{
+    std::string text;
+    for (int card = 0; card < count; ++card) {
+        text += "auto " + CardName(card) + "\niface " + CardName(card) + method + "\n  address " +
+                Net(card, "2") + address + "\n";
+        if (card == 0) text += "  gateway 10.0.0.1\n";
+    }
+    return text;
+}
+
+void WriteNetworkdFiles(int count)
+{
+    (void)!system("rm -rf /run/systemd; mkdir -p /run/systemd/network /run/systemd/netif");
+    for (int card = 0; card < count; ++card) {
+        Write("/run/systemd/network/10-" + CardName(card) + ".network",
+              "[Match]\nName=" + CardName(card) +
+                  "\n[Network]\nLinkLocalAddressing=no\nIPv6AcceptRA=no\nAddress=" +
+                  Net(card, "2") + "/24\n" + (card == 0 ? "Gateway=10.0.0.1\n" : ""));
+    }
+}
+
+bool Has(const std::string& path)
+{
+    return access(path.c_str(), X_OK) == 0;
+}
+
+/// Those whose programs lie under `peers`, as bench/peers.sh fetches them.
+std::vector<Contender> Managers(int count, const std::string& peers)
+{
+    std::vector<Contender> managers;
+    if (peers.empty()) return managers;
+
+    const std::string libraries = "LD_LIBRARY_PATH=" + peers +
+                                  "/usr/lib/x86_64-linux-gnu/systemd:" + peers +
+                                  "/usr/lib/x86_64-linux-gnu";
+    Write("/mnt/interfaces-debian", InterfacesFile(count, " inet static", "/24"));
+    Write("/mnt/interfaces-busybox",
+          InterfacesFile(count, " inet static", "\n  netmask 255.255.255.0"));
+    Write("/mnt/interfaces-ng", InterfacesFile(count, "", "/24"));
+    WriteNetworkdFiles(count);
+    if (Has(peers + "/ifupdown/sbin/ifup")) {
+        managers.push_back({"ifupdown",
+                            {peers + "/ifupdown/sbin/ifup", "-a", "-i", "/mnt/interfaces-debian"},
+                            {}});
+    }
+    if (Has(peers + "/ifupdown-ng/sbin/ifup")) {
+        const std::string root = peers + "/ifupdown-ng";
+        managers.push_back({"ifupdown-ng",
+                            {root + "/sbin/ifup", "-a", "-i", "/mnt/interfaces-ng", "-E",
+                             root + "/usr/libexec/ifupdown-ng", "-S", "/run/ng-state"},
+                            {}});
+    }
+    if (Has(peers + "/bin/busybox")) {
+        managers.push_back({"busybox ifup",
+                            {peers + "/bin/busybox", "ifup", "-a", "-i", "/mnt/interfaces-busybox"},
+                            {}});
+    }
+    if (Has(peers + "/lib/systemd/systemd-networkd")) {
+        managers.push_back({"systemd-networkd",
+                            {"env", libraries, peers + "/lib/systemd/systemd-networkd"},
+                            {},
+                            true});
+    }
+    // It connects one card by itself and no more.
+    if (count == 1 && Has(peers + "/usr/sbin/connmand")) {
+        managers.push_back(
+            {"connman", {peers + "/usr/sbin/connmand", "-n", "--config=/dev/null"}, {}, true});
+    }
+    return managers;
+}
+
+/// What the managers keep of a run before; a boot has none of it.
+void ForgetManagers()
+{
+    (void)!system("rm -rf /run/network /run/ifstate /run/ng-state /run/systemd/netif; "
+                  "mkdir -p /run/network /run/systemd/netif");
+}
+
+/// What connman needs beside itself: a message bus, and its settings.
+void PrepareConnman(const std::string& peers)
+{
+    Write("/mnt/bus.conf",
+          "<busconfig><type>system</type><listen>unix:path=/run/dbus/system_bus_socket</listen>"
+          "<auth>EXTERNAL</auth><policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
+          "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>");
+    (void)!system("mount -t tmpfs tmpfs /var/lib; mkdir -p /var/lib/connman /run/dbus");
+    Write("/var/lib/connman/cards.config", "[service_eth0]\nType = ethernet\nDeviceName = eth0\n"
+                                           "IPv4 = 10.0.0.2/255.255.255.0/10.0.0.1\nIPv6 = off\n");
+    const std::string bus = peers + "/usr/bin/dbus-daemon --config-file=/mnt/bus.conf --fork "
+                                    "--print-pid=1 >/mnt/bus.pid 2>/dev/null";
+    if (system(bus.c_str()) != 0) Give("no message bus");
+}
+
+void MeasureCards(int count, int rounds, const std::string& lanrise, const std::string& bare,
+                  const std::string& peers)
 {
     WriteSettings(count);
     Write("/mnt/ip.sh", IpScript(count));
     Write("/mnt/net-tools.sh", NetToolsScript(count));
-    Measure({std::to_string(count) + (count == 1 ? " card" : " cards"),
-             [=] { TakeDown(count); },
-             [=](const std::string& who) { CheckEndState(who, count); },
-             {{"lanrise", {lanrise}, {}},
-              {"ip -batch", {"sh", "/mnt/ip.sh"}, {}},
-              {"net-tools", {"sh", "/mnt/net-tools.sh"}, {}},
-              {"bare requests", {bare, std::to_string(count)}, {}}}},
-            rounds);
+    Device device = {std::to_string(count) + (count == 1 ? " card" : " cards"),
+                     [=] {
+                         TakeDown(count);
+                         ForgetManagers();
+                     },
+                     [=](const std::string& who) { CheckEndState(who, count); },
+                     [=] { return CardsAreUp(count); },
+                     {{"lanrise", {lanrise}, {}},
+                      {"ip -batch", {"sh", "/mnt/ip.sh"}, {}},
+                      {"net-tools", {"sh", "/mnt/net-tools.sh"}, {}},
+                      {"bare requests", {bare, std::to_string(count)}, {}}}};
+    for (const Contender& manager : Managers(count, peers)) device.contenders.push_back(manager);
+    // Without udev networkd waits for no card when it may not write to /sys.
+    if (!peers.empty()) (void)!system("mount -o remount,ro,bind /sys");
+    Measure(device, rounds);
+    if (!peers.empty()) (void)!system("mount -o remount,rw,bind /sys");
 }
 
 // ---- a bridge of two cards
@@ -365,7 +534,7 @@ void MeasureBridge(int rounds, const std::string& lanrise)
     } else {
         printf("ifup is not here: Debian's ifupdown has it\n");
     }
-    Measure({"a bridge of two cards", TakeBridgeDown, CheckBridge, contenders}, rounds);
+    Measure({"a bridge of two cards", TakeBridgeDown, CheckBridge, nullptr, contenders}, rounds);
 }
 
 void PrintSize(const std::string& path)
@@ -384,17 +553,22 @@ int main(int argc, char** argv)
     const std::string lanrise = argv[1];
     const std::string bare = argv[2];
     const int rounds = argc > 3 ? atoi(argv[3]) : 31;
+    const std::string peers = argc > 4 ? argv[4] : "";
+    if (argc > 5) medians = fopen(argv[5], "w");
     // Cards here may only be those of a namespace made for this run.
     if (if_nametoindex("eth0") != 0) Give("run me through tests/netns/enter.sh");
 
     control = socket(AF_INET, SOCK_DGRAM, 0);
+    if (Has(peers + "/usr/sbin/connmand")) PrepareConnman(peers);
     int made = 0;
     for (const int count : {1, 8, 31}) {
         MakeCards(made, count);
         made = count;
-        MeasureCards(count, rounds, lanrise, bare);
+        MeasureCards(count, rounds, lanrise, bare, peers);
     }
     MeasureBridge(rounds, lanrise);
     PrintSize(lanrise);
+    if (medians != nullptr) fclose(medians);
+    (void)!system("[ ! -s /mnt/bus.pid ] || kill $(cat /mnt/bus.pid)");
     return 0;
 }
