@@ -76,10 +76,45 @@ static bool RunActive(int count, char** arguments)
     return true;
 }
 
+/* TYPE HOST NAME in front of each. */
+static NetVirtInterName LinkOf(char** arguments)
+{
+    NetVirtInterName name;
+    memset(&name, 0, sizeof(name));
+    name.eType = (NetVirtInterType)atoi(arguments[0]);
+    snprintf(name.hostName, sizeof(name.hostName), "%s", arguments[1]);
+    snprintf(name.virtName, sizeof(name.virtName), "%s", arguments[2]);
+    return name;
+}
+
+static bool RunAddLink(int count, char** arguments)
+{
+    (void)count;
+    NetVirtInterInfo info;
+    memset(&info, 0, sizeof(info));
+    info.interName = LinkOf(arguments);
+    if (info.interName.eType == virtTypeIpVlan) {
+        info.interParam.ipVlAttr.eMode = (NetIpVlanMode)atoi(arguments[3]);
+        info.interParam.ipVlAttr.eFlag = (NetIpVlanFlag)atoi(arguments[4]);
+    } else {
+        info.interParam.macVlAttr.eMode = (NetMacVlanMode)atoi(arguments[3]);
+        info.interParam.macVlAttr.eFlag = (NetMacVlanFlag)atoi(arguments[4]);
+    }
+    return NetVirtInterAdd(&info);
+}
+
+static bool RunDelLink(int count, char** arguments)
+{
+    (void)count;
+    NetVirtInterName name = LinkOf(arguments);
+    return NetVirtInterDel(&name);
+}
+
 static const struct Command kCommands[] = {
-    {"bond", 3, RunBond}, {"unbond", 1, RunUnBond},   {"hash", 2, RunHash},
-    {"mtu", 2, RunMtu},   {"bridge", 2, RunBridge},   {"unbridge", 1, RunUnBridge},
-    {"tree", 3, RunTree}, {"recover", 1, RunRecover}, {"active", 1, RunActive},
+    {"bond", 3, RunBond},       {"unbond", 1, RunUnBond},   {"hash", 2, RunHash},
+    {"mtu", 2, RunMtu},         {"bridge", 2, RunBridge},   {"unbridge", 1, RunUnBridge},
+    {"tree", 3, RunTree},       {"recover", 1, RunRecover}, {"active", 1, RunActive},
+    {"addlink", 5, RunAddLink}, {"dellink", 3, RunDelLink},
 };
 
 int main(int argc, char** argv)
