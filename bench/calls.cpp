@@ -5,6 +5,7 @@
 // usage: tests/netns/enter.sh build/release/bench/calls
 
 #include "Base.h"
+#include "Netlink.h"
 #include "Route.h"
 #include "Support/KeyFile.h"
 
@@ -92,6 +93,40 @@ void SixteenRoutes(benchmark::State& state)
         int count = 16;
         if (!Route_GetIPv4Route(routes, &count)) state.SkipWithError("no table");
         benchmark::DoNotOptimize(count);
+    }
+}
+
+// ---- a rule, added and deleted
+
+void RuleRoundTrip(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        if (Netlink_IPv4Rule(RTM_NEWRULE, "10.0.0.2", 42, 1000) != 0 ||
+            Netlink_IPv4Rule(RTM_DELRULE, "10.0.0.2", 42, 1000) != 0) {
+            state.SkipWithError("no rule");
+        }
+    }
+}
+
+bool RunIpRule(const char* verb)
+{
+    const char* arguments[] = {"ip",    "rule", verb,       "from", "10.0.0.2",
+                               "table", "42",   "priority", "1000", nullptr};
+    pid_t child = -1;
+    if (posix_spawnp(&child, "ip", nullptr, nullptr, const_cast<char**>(arguments), environ) != 0) {
+        return false;
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    return status == 0;
+}
+
+void RuleByTool(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        if (!RunIpRule("add") || !RunIpRule("del")) state.SkipWithError("no ip rule");
     }
 }
 
@@ -233,6 +268,22 @@ void MeasureRoutes()
     }
 }
 
+/// Standard output goes nowhere in the meantime: each request logs a line, which is part of it.
+void MeasureRules()
+{
+    fflush(stdout);
+    const int output = dup(STDOUT_FILENO);
+    const int nowhere = open("/dev/null", O_WRONLY);
+    dup2(nowhere, STDOUT_FILENO);
+    const Medians medians = RunAll({{"rule", RuleRoundTrip}, {"tool", RuleByTool}});
+    fflush(stdout);
+    dup2(output, STDOUT_FILENO);
+    close(nowhere);
+    close(output);
+    PrintRatio("a rule added and deleted", medians.Of("rule"), medians.Of("tool"),
+               "ip rule add, del", 0.1);
+}
+
 void MeasureCommands(size_t megabytes)
 {
     const size_t size = megabytes << 20;
@@ -258,6 +309,7 @@ int main()
     MeasureCards(8);
     MakeCards(8, 31);
     MeasureCards(31);
+    MeasureRules();
     MeasureRoutes();
     MeasureCommands(10);
     MeasureCommands(2048);
