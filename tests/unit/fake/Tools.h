@@ -17,8 +17,8 @@ const std::vector<std::string>& Commands();
 void OnCommand(const std::string& start, std::function<void(const std::string& text)> action,
                int waitStatus = 0);
 
-/// Seconds since the epoch that `time` and `gettimeofday` tell.
-void SetClock(long seconds);
+/// Seconds since the epoch that `time` and `gettimeofday` tell, and what the latter adds to them.
+void SetClock(long seconds, long microseconds = 0);
 
 /// Seconds that the product has asked to sleep; no test waits for them.
 unsigned Slept();

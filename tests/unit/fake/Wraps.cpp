@@ -64,6 +64,7 @@ namespace {
 
 std::atomic<int> heldMutexes{0};
 long clockSeconds = 1000000;
+long clockMicroseconds = 0;
 unsigned slept = 0;
 std::vector<std::string> commands;
 
@@ -180,9 +181,10 @@ const std::vector<std::string>& Commands()
 {
     return commands;
 }
-void SetClock(long seconds)
+void SetClock(long seconds, long microseconds)
 {
     clockSeconds = seconds;
+    clockMicroseconds = microseconds;
 }
 unsigned Slept()
 {
@@ -542,7 +544,7 @@ time_t __wrap_time(time_t* now)
 
 int __wrap_gettimeofday(struct timeval* now, void*)
 {
-    *now = {clockSeconds, 0};
+    *now = {clockSeconds, clockMicroseconds};
     return 0;
 }
 
