@@ -481,7 +481,6 @@ namespace {
 
 /// The names of a record, which may fill their fields, as texts.
 struct LinkNames {
-    // cppcheck-suppress uninitMemberVar  ; the copies fill both
     explicit LinkNames(const NetVirtInterName& names)
     {
         CopyText(host, names.hostName);
