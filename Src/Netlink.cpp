@@ -79,8 +79,8 @@ sockaddr* Address(sockaddr_nl* address)
 
 // ---- one exchange
 
-/// Tells of a handle that has got its socket but no address, and closes it. Always -1.
-int Unbound(const rtnl_handle& handle)
+/// Closes a handle that has got its socket but no address. Its field keeps the number. Always -1.
+int CloseUnbound(const rtnl_handle& handle)
 {
     Fd(handle.fd).Close();
     return -1;
@@ -395,12 +395,12 @@ int rtnl_open(struct rtnl_handle* rth)
     rth->local.nl_family = AF_NETLINK;
     if (rth->fd != 0 && bind(rth->fd, Address(&rth->local), sizeof(rth->local)) < 0) {
         LOG_ERROR("bind failed");
-        return Unbound(*rth);
+        return CloseUnbound(*rth);
     }
     socklen_t length = sizeof(rth->local);
     if (rth->fd > 0 && getsockname(rth->fd, Address(&rth->local), &length) < 0) {
         LOG_ERROR("getsockname failed [%s]", strerror(errno));
-        return Unbound(*rth);
+        return CloseUnbound(*rth);
     }
     rth->seq = static_cast<uint32_t>(time(nullptr));
     return 0;

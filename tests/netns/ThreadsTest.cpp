@@ -2,6 +2,7 @@
 #include "CommonApi.h"
 #include "Config.h"
 #include "Dns.h"
+#include "Netlink.h"
 #include "Network.h"
 #include "Network6.h"
 #include "Route.h"
@@ -260,6 +261,25 @@ TEST_F(EverythingAtOnceTest, EachThreadGetsItsOwnAnswers)
     EXPECT_EQ(Addresses("eth3"), Texts{"10.0.3." + std::to_string(9 + kRounds) + "/24"});
     EXPECT_EQ(Get(std::string(kConfig) + "/resolv.conf"),
               "nameserver 10.0.0.1\nnameserver 10.0.0.2\n");
+}
+
+TEST_F(ThreadsTest, EachRequestGetsItsOwnAnswer)
+{
+    std::vector<std::function<void(int)>> works;
+    for (uint32_t i = 0; i < 4; ++i) {
+        works.emplace_back([i](int) {
+            const std::string from = "10.0.0." + std::to_string(i);
+            EXPECT_EQ(Netlink_IPv4Rule(RTM_NEWRULE, from.c_str(), 42, 1000 + i), 0);
+            EXPECT_EQ(Netlink_IPv4Rule(RTM_NEWRULE, from.c_str(), 42, 1000 + i), 2);
+            EXPECT_EQ(Netlink_IPv4Rule(RTM_DELRULE, from.c_str(), 42, 1000 + i), 0);
+        });
+    }
+    AtOnce(works);
+    const Frames frames;
+    EXPECT_EQ(frames.broken, Texts{});
+    EXPECT_EQ(frames.messages.at("RTNETLINK answers: File exists"), 4 * kRounds);
+    EXPECT_EQ(frames.messages.size(), 4 * 2 + 2U);  // two a rule, and two of a refusal
+    EXPECT_EQ(Ip("-4 rule").size(), 3U);            // those that each device has
 }
 
 }  // namespace
