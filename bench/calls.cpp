@@ -6,6 +6,7 @@
 
 #include "Base.h"
 #include "Netlink.h"
+#include "Other.h"
 #include "Route.h"
 #include "Support/KeyFile.h"
 
@@ -20,15 +21,22 @@
 #include <string>
 #include <vector>
 
+#include <arpa/inet.h>
 #include <fcntl.h>
+#include <linux/sockios.h>
+#include <net/if_arp.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr char kSettings[] = "/mnt/mtd/Config/network";
+constexpr char kCardTable[] = "/proc/net/dev";
+constexpr char kNeighbourTable[] = "/proc/net/arp";
 
 // ---- a key
 
@@ -66,12 +74,13 @@ void CardPresent(benchmark::State& state)
     }
 }
 
+template <const char* path>
 void ReadTableBare(benchmark::State& state)
 {
     static char text[65536];
     for (auto step : state) {
         (void)step;
-        const int table = open("/proc/net/dev", O_RDONLY);
+        const int table = open(path, O_RDONLY);
         ssize_t length = 0;
         ssize_t count = 0;
         while ((count = read(table, text + length, sizeof(text) - static_cast<size_t>(length))) >
@@ -81,6 +90,35 @@ void ReadTableBare(benchmark::State& state)
         benchmark::DoNotOptimize(text[0]);
         close(table);
     }
+}
+
+// ---- a neighbour
+
+std::string lastNeighbour;  // of the table: the one that takes longest to find
+
+void NeighbourByIP(benchmark::State& state)
+{
+    char mac[18];
+    for (auto step : state) {
+        (void)step;
+        if (!Other_GetMacByIP(lastNeighbour.c_str(), mac)) state.SkipWithError("no neighbour");
+    }
+}
+
+/// The kernel's own lookup, which wants to know the card as well.
+void NeighbourByRequest(benchmark::State& state)
+{
+    arpreq request{};
+    strcpy(request.arp_dev, "eth0");
+    auto* address = reinterpret_cast<sockaddr_in*>(&request.arp_pa);
+    address->sin_family = AF_INET;
+    inet_pton(AF_INET, lastNeighbour.c_str(), &address->sin_addr);
+    const int control = socket(AF_INET, SOCK_DGRAM, 0);
+    for (auto step : state) {
+        (void)step;
+        if (ioctl(control, SIOCGARP, &request) != 0) state.SkipWithError("no neighbour");
+    }
+    close(control);
 }
 
 // ---- routes
@@ -248,9 +286,44 @@ void MeasureKey()
 
 void MeasureCards(int count)
 {
-    const Medians medians = RunAll({{"present", CardPresent}, {"bare", ReadTableBare}});
+    const Medians medians = RunAll({{"present", CardPresent}, {"bare", ReadTableBare<kCardTable>}});
     const std::string what = "card present, " + std::to_string(count) + " cards";
     PrintRatio(what.c_str(), medians.Of("present"), medians.Of("bare"), "read /proc/net/dev", 1.5);
+}
+
+void GrowNeighbours(int from, int to)
+{
+    std::ofstream batch("/mnt/neighbours");
+    for (int i = from; i < to; ++i) {
+        char mac[18];
+        snprintf(mac, sizeof(mac), "02:00:00:00:%02x:%02x", i / 256, i % 256);
+        batch << "neigh add 10.9." << i / 256 << "." << i % 256 << " lladdr " << mac
+              << " dev eth0 nud permanent\n";
+    }
+    batch.close();
+    Shell("ip -batch /mnt/neighbours");
+
+    std::ifstream table(kNeighbourTable);
+    for (std::string line; std::getline(table, line);) {
+        lastNeighbour = line.substr(0, line.find(' '));
+    }
+}
+
+void MeasureNeighbours()
+{
+    Shell("ip link set eth0 up");
+    int made = 0;
+    for (const int count : {10, 500}) {
+        GrowNeighbours(made, count);
+        made = count;
+        const Medians medians = RunAll({{"lookup", NeighbourByIP},
+                                        {"bare", ReadTableBare<kNeighbourTable>},
+                                        {"request", NeighbourByRequest}});
+        const std::string what = "last of " + std::to_string(count) + " neighbours";
+        PrintRatio(what.c_str(), medians.Of("lookup"), medians.Of("bare"), "read /proc/net/arp",
+                   1.2);
+        printf("%-44s %9.2f us\n", "  the same by SIOCGARP", medians.Of("request") / 1000);
+    }
 }
 
 void MeasureRoutes()
@@ -310,6 +383,7 @@ int main()
     MakeCards(8, 31);
     MeasureCards(31);
     MeasureRules();
+    MeasureNeighbours();
     MeasureRoutes();
     MeasureCommands(10);
     MeasureCommands(2048);
