@@ -528,9 +528,9 @@ INSTANTIATE_TEST_SUITE_P(Each, NetApi2CheckTest, testing::ValuesIn(kChecks),
 
 // ---- what is not tested here
 
-class NetApi2NullTest : public ForwardWorld {};
+class NetApi2LeftTest : public ForwardWorld {};
 
-TEST_F(NetApi2NullTest, PointersWithoutATestHereAreLeftToTheOperationBelow)
+TEST_F(NetApi2LeftTest, PointersWithoutATestHereAreLeftToTheOperationBelow)
 {
     answer = false;
     const std::pair<Call, std::string> calls[] = {
