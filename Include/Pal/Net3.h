@@ -324,7 +324,8 @@ struct NetInterface {
     /* 296 */ int (*setSTP)(NetInterface* thiz, STPInfo* stpInfo);
 
     /**
-     * Adds a direct IPv6 route over this card. One that is there already is a success.
+     * Adds an IPv6 route over this card. One that is there already is a success. A new one goes to
+     * the kernel with the gateway "0:0:0::0", which Linux takes for no station and refuses.
      *
      * @param pAddress  destination. A text with "default" in it makes this the card of the only
      *                  IPv6 default route, to its saved gateway
