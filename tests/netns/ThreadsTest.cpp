@@ -2,6 +2,7 @@
 #include "CommonApi.h"
 #include "Config.h"
 #include "Dns.h"
+#include "Net3.h"
 #include "Netlink.h"
 #include "Network.h"
 #include "Network6.h"
@@ -14,6 +15,7 @@
 #include <functional>
 #include <map>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <thread>
 
@@ -153,6 +155,46 @@ TEST_F(ThreadsTest, TheFirstUseOfEverythingMayComeFromAllAtOnce)
         });
     }
     AtOnce(works);
+}
+
+TEST_F(ThreadsTest, AllThreadsGetOneObjectForOneName)
+{
+    constexpr int kCards = 6;
+    AddCards(kCards);
+    std::atomic<NetInterface*> objects[kCards] = {};
+    std::vector<std::function<void(int)>> works;
+    for (int i = 0; i < 8; ++i) {
+        works.emplace_back([i, &objects](int round) {
+            const int number = (i + round) % kCards;
+            const std::string name = "eth" + std::to_string(number);
+            NetInterfaceDesc desc{};
+            desc.name = name.c_str();
+            NetInterface* object = nullptr;
+            EXPECT_EQ(createNetInterface(&desc, &object), 0);
+            NetInterface* first = nullptr;
+            EXPECT_TRUE(objects[number].compare_exchange_strong(first, object) || first == object);
+            int mtu = 0;
+            EXPECT_EQ(object->getMTU(object, &mtu), 0);
+        });
+    }
+    AtOnce(works);
+    const std::set<NetInterface*> different(std::begin(objects), std::end(objects));
+    EXPECT_EQ(different.size(), static_cast<size_t>(kCards));
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(ThreadsTest, ReferencesOfAControlObjectAreAllCounted)
+{
+    QV_PAL_NetControl* control = nullptr;
+    ASSERT_EQ(createNetControl(nullptr, &control), 0);
+    const auto hold = [control](int) { EXPECT_GT(control->addRef(control), 1); };
+    const auto holdAndRelease = [control](int) {
+        EXPECT_GT(control->addRef(control), 1);
+        EXPECT_GT(control->release(control), 0);
+    };
+    AtOnce(
+        {hold, hold, hold, hold, holdAndRelease, holdAndRelease, holdAndRelease, holdAndRelease});
+    for (int left = 4 * kRounds; left >= 0; --left) EXPECT_EQ(control->release(control), left);
 }
 
 /// What an application's threads do beside each other, each with a card or a key of its own.
