@@ -1,3 +1,4 @@
+#include "Arp_Ping.h"
 #include "Base.h"
 #include "CommonApi.h"
 #include "Config.h"
@@ -6,12 +7,14 @@
 #include "Netlink.h"
 #include "Network.h"
 #include "Network6.h"
+#include "Other.h"
 #include "Route.h"
 
 #include "Device.h"
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <functional>
 #include <map>
 #include <regex>
@@ -136,6 +139,7 @@ TEST_F(ThreadsTest, ResolverFilesAreNeverSeenHalfWritten)
 TEST_F(ThreadsTest, TheFirstUseOfEverythingMayComeFromAllAtOnce)
 {
     AddCards(2);
+    Must("ip neigh add 10.0.0.7 lladdr 02:00:00:00:00:07 dev eth0 nud permanent");
     std::vector<std::function<void(int)>> works;
     for (int i = 0; i < 6; ++i) {
         works.emplace_back([](int) {
@@ -152,6 +156,12 @@ TEST_F(ThreadsTest, TheFirstUseOfEverythingMayComeFromAllAtOnce)
             EXPECT_FALSE(IsSwitch("eth0"));
             EXPECT_FALSE(IsVirtPcie("vnic0"));
             EXPECT_TRUE(NetCardIsWifi("wlan0", nullptr));
+            char ip[16] = "";
+            EXPECT_TRUE(Other_GetIPByMac("02:00:00:00:00:07", ip));
+            EXPECT_STREQ(ip, "10.0.0.7");
+            char mac[18] = "";
+            EXPECT_TRUE(Other_GetMacByIP("10.0.0.7", mac));
+            EXPECT_STREQ(mac, "02:00:00:00:00:07");
         });
     }
     AtOnce(works);
@@ -283,6 +293,32 @@ protected:
         EXPECT_STREQ(primary, "10.0.0.1");
     }
 
+    /// Two threads change neighbours of one card, each its own.
+    static void ChangeNeighbours(const std::string& number)
+    {
+        NetARPEntry entry{};
+        strcpy(entry.ip, ("10.0.0.1" + number).c_str());
+        strcpy(entry.mac, ("02:00:00:00:00:0" + number).c_str());
+        EXPECT_TRUE(arpSetStaticEntry(&entry));
+        char text[18] = "";
+        EXPECT_TRUE(GetMacByIPFromARP(entry.ip, text));
+        EXPECT_STREQ(text, entry.mac);
+        EXPECT_TRUE(GetIPByMacFromARP(entry.mac, text));
+        EXPECT_STREQ(text, entry.ip);
+        NetARPEntry listed{};
+        int count = 1;
+        EXPECT_TRUE(arpGetARPStaticInfoByIP(entry.ip, &listed, &count));
+        EXPECT_EQ(count, 1);
+        EXPECT_TRUE(arpDelStaticEntry(&entry));
+    }
+
+    /// Threads of one process take each other's answers.
+    static void AskForEcho(int)
+    {
+        constexpr int kLong = 30;  // seconds that nobody waits for
+        EXPECT_TRUE(Ping_CheckAlive(nullptr, nullptr, "127.0.0.1", kLong));
+    }
+
     static void RunCommands(int round)
     {
         const std::string command = "exit " + std::to_string(round);
@@ -295,7 +331,8 @@ TEST_F(EverythingAtOnceTest, EachThreadGetsItsOwnAnswers)
     AtOnce({Discover, ChangeFlags, ChangeMtu, ChangeAddress,
             [](int) { ChangeRoutes("eth0", "172.16.0.0"); },
             [](int) { ChangeRoutes("eth4", "172.17.0.0"); }, ChangeSettings, ChangeResolvers,
-            RunCommands, RunCommands});
+            [](int) { ChangeNeighbours("7"); }, [](int) { ChangeNeighbours("8"); }, AskForEcho,
+            AskForEcho, RunCommands, RunCommands});
 
     EXPECT_EQ(Frames().broken, Texts{});
     for (int i = 0; i < 6; ++i) EXPECT_TRUE(IsUp("eth" + std::to_string(i)));
