@@ -413,7 +413,7 @@ VORLIX_API int32_t NetSetEdgePort(const char* dev);
 
 /// Tells the name of the switch interface.
 ///
-/// @param name  16 bytes
+/// @param name  16 bytes, zeroed by the caller: the first answer of a process leaves the last alone
 VORLIX_API int32_t SwitchGetName(char* name);
 
 /// Tells the name of the switch interface; logs nothing.
@@ -481,22 +481,26 @@ VORLIX_API int32_t NetGetStaticARPInfoByIP(const char* ip, NetARPEntry* arpInfo,
 
 // ==== Ports and bandwidth ====
 
-/// Closes a port for an address; "0.0.0.0" and "0:0:0::0" stand for all.
+/// Blocks a port of one of the device's addresses, or with "0.0.0.0" of each address that its
+/// interfaces have now.
 VORLIX_API int32_t NetDisableIpPort(const char* ipAddr, int32_t portNumber);
 
-/// Opens a port for an address again.
+/// Frees a port of one address. With "0.0.0.0" every port of every address is freed.
 VORLIX_API int32_t NetEnableIpPort(const char* ipAddr, int32_t portNumber);
 
-/// Limits what is sent over a card to each of some addresses.
+/// Limits what is sent over a card to each of some addresses, and saves the limits. The next one
+/// follows when one cannot be applied.
 ///
 /// @param pTc  `num` limits; `ipAddr` is cut to 47 characters, `bandWidth` is in Mbit/s, `flags` is
-///             0, `prio` and `resv` play no part
+///             0 (receive limits, any other value, fail), `prio` and `resv` play no part
+/// @errors  no memory, which a negative `num` counts as: Error
 VORLIX_API int32_t NetSetBandWidth(const char* pDev, const NetTc_2* pTc, int32_t num);
 
 /// Lists the saved limits of a card.
 ///
 /// @param pTc  `max` records; `prio` is set to 0, `resv` is left as it is
 /// @return the number of limits, or -1
+/// @errors  no memory, which a negative `max` counts as: Error
 VORLIX_API int32_t NetGetBandWidth(const char* pDev, NetTc_2* pTc, int32_t max);
 
 /// Takes the limit of an address away, or all limits of the card for "0.0.0.0".
