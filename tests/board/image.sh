@@ -1,9 +1,10 @@
 #!/bin/sh
-# Makes the base image of a board: busybox, the real tools ahead of it, their libraries, and the modules of
-# the kernel. What a case brings is put behind it in an archive of its own.
+# Makes the base image of a board: busybox, the real tools ahead of it, their libraries, the modules of the
+# kernel, and the device's own drivers, built for it. What a case brings is put behind it in an archive of
+# its own.
 #
 # usage: tests/board/image.sh BOARD_FOLDER
-# Prints the image; it is made anew when this script or the list of modules has changed.
+# Prints the image; it is made anew when anything in this folder that goes into it has changed.
 set -eu
 
 board=$1
@@ -14,7 +15,10 @@ modules="virtio_pci virtio_net bonding bridge 8021q dummy veth macvlan ipvlan
 tools="usr/bin/dash bin/dash sbin/ifconfig sbin/route sbin/brctl bin/ip sbin/ip sbin/tc usr/bin/ping
     bin/ping sbin/ifup"
 
-sum=$(cat "$here/image.sh" "$here/init" "$here"/tools/* | cksum | cut -d' ' -f1)
+# One at a time: the cases of one board start together.
+exec 9>"$board/image.lock"
+flock 9
+sum=$(cat "$here/image.sh" "$here/init" "$here"/tools/* "$here"/devices/* | cksum | cut -d' ' -f1)
 image=$board/base-$sum.cpio
 if [ -e "$image" ]; then
     echo "$image"
@@ -77,6 +81,19 @@ for module in $modules; do
         cp "$board/modules/lib/modules/$version/$file" "$root/lib/modules/$version/$file"
     done
 done
+
+cross=
+if [ "${version##*-}" != "$(dpkg --print-architecture)" ]; then
+    case $version in
+    *-arm64) cross=aarch64-linux-gnu- ;;
+    *-amd64) cross=x86_64-linux-gnu- ;;
+    esac
+fi
+cp -r "$here/devices" "$work/devices"
+make -s -C "$board/headers/usr/src/linux-headers-$version" M="$work/devices" \
+    CROSS_COMPILE="$cross" CC="${cross}gcc" modules >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
+mkdir -p "$root/lib/modules/$version/extra"
+"${cross}strip" --strip-debug -o "$root/lib/modules/$version/extra/board.ko" "$work/devices/board.ko"
 depmod -b "$root" "$version" 2>/dev/null
 
 (cd "$root" && find . | cpio -o -H newc -R 0:0 --quiet) >"$image.new"

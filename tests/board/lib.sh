@@ -99,4 +99,28 @@ address() { ip -4 -o addr show dev "$1" | sed -n 's/.* inet \([0-9./]*\) .*/\1/p
 # members BOND
 members() { cat "/sys/class/net/$1/bonding/slaves"; }
 
+# told OPERATION ARGUMENT...: what it tells; its log is kept for `messages`
+told() { operation "$@" 2>&1 >/tmp/log; }
+
+# messages [LEVEL]: the log that was kept, without frames
+messages()
+{
+    sed -n 's/^[^|]*|[^|]*|\([A-Z][a-z]*\) *|[^|]*|\(.*\)|[^|]*|[^|]*$/\1: \2/p' /tmp/log | grep "^${1:-}"
+}
+
+# ---- the device's own hardware, put in by `modprobe board with_...=1`
+
+trace() { cat /proc/board_trace; }
+forget() { echo >/proc/board_trace; }
+
+# hardware PARAMETER VALUE: changes it while it is in
+hardware() { echo "$2" >"/sys/module/board/parameters/$1"; }
+
+# refuse ERRNO [AFTER]: the next request, or a later one
+refuse()
+{
+    hardware fail_after "${2:-0}"
+    hardware fail_next "$1"
+}
+
 tell_result() { echo "BOARD $ok ok, $bad failed"; }

@@ -120,7 +120,7 @@ def serve(machine, path):
 
 def board_of(arch):
     """The fetched parts of a board; where they cannot be had, the case is skipped, by name."""
-    for tool in (MACHINES[arch][0], "cpio", "depmod"):
+    for tool in (MACHINES[arch][0], "cpio", "depmod", "make"):
         if shutil.which(tool) is None and not os.path.exists("/sbin/" + tool):
             print(f"skipped: no {tool} on this machine")
             sys.exit(SKIPPED)
