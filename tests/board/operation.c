@@ -1,10 +1,16 @@
 /*
- * The library's operations on bonds and bridges as commands, for scripts that can only start
- * programs.
+ * The library's operations as commands, for scripts that can only start programs.
  *
  * usage: operation NAME ARGUMENT...; exit status 0 when the operation returned true
+ *
+ * The log goes to standard output. What operations on the device's own hardware tell goes to the
+ * standard error, so that a script can take the two apart.
  */
+#include "Backup.h"
+#include "Base.h"
 #include "CommonApi.h"
+#include "Net3.h"
+#include "Switch.h"
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -110,11 +116,162 @@ static bool RunDelLink(int count, char** arguments)
     return NetVirtInterDel(&name);
 }
 
+/* ---- the switch chip and the power supply of its ports */
+
+/* Asks for each name in turn, in one process. */
+static bool RunPorts(int count, char** arguments)
+{
+    for (int i = 0; i < count; ++i) {
+        int num = 0;
+        if (!GetSwitchPortNum(arguments[i], &num)) return false;
+        fprintf(stderr, "%d\n", num);
+    }
+    return true;
+}
+
+static bool RunLinks(int count, char** arguments)
+{
+    (void)count;
+    int mask = 0;
+    if (!GetSwitchMask(arguments[0], &mask)) return false;
+    fprintf(stderr, "0x%x\n", (unsigned)mask);
+    return true;
+}
+
+static bool RunPortOf(int count, char** arguments)
+{
+    (void)count;
+    int port = 0;
+    if (!GetSwitchPortByMac(arguments[0], arguments[1], &port)) return false;
+    fprintf(stderr, "%d\n", port);
+    return true;
+}
+
+static bool RunStatus(int count, char** arguments)
+{
+    (void)count;
+    SwitchPortStatus status[16];
+    int num = atoi(arguments[1]);
+    if (num > 16 || !GetSwitchStatus(arguments[0], status, &num)) return false;
+    for (int i = 0; i < num; ++i) {
+        const SwitchPortStatus* port = &status[i];
+        fprintf(stderr, "%d %d %s %d %s\n", port->port, port->link, port->ip, port->ipType,
+                port->mac);
+    }
+    return true;
+}
+
+static bool RunIsolate(int count, char** arguments)
+{
+    (void)count;
+    return NetSwitch_SetPortIsolation(arguments[0], atoi(arguments[1])) == 0;
+}
+
+static bool RunSwitchName(int count, char** arguments)
+{
+    (void)count;
+    (void)arguments;
+    char name[16] = "";
+    if (!GetSwitchInterface(name, sizeof(name))) return false;
+    fprintf(stderr, "%s\n", name);
+    return true;
+}
+
+static bool RunPoeInfo(int count, char** arguments)
+{
+    (void)count;
+    (void)arguments;
+    PoeInfo_t info;
+    if (!GetPoEPowerInfo(&info)) return false;
+    fprintf(stderr, "0x%x 0x%x %u %u %u %u %u %u 0x%x 0x%x %u %u %u %u %u\n", info.detFlag,
+            info.powerFlag, info.totalPower, info.power[0], info.power[3], info.power[31],
+            info.powerOff, info.powerFail, info.powerOnMask, info.powerOffMask, info.ratePower,
+            info.availablePower, info.averagePower, info.reserved[0], info.reserved[37]);
+    return true;
+}
+
+static uint32_t Word(const char* text)
+{
+    return (uint32_t)strtoul(text, NULL, 0);
+}
+
+static bool RunPoeOn(int count, char** arguments)
+{
+    (void)count;
+    return SetPoEPowerOn(Word(arguments[0]));
+}
+
+static bool RunPoeOff(int count, char** arguments)
+{
+    (void)count;
+    return SetPoEPowerOff(Word(arguments[0]));
+}
+
+static bool RunPoeTotal(int count, char** arguments)
+{
+    (void)count;
+    return SetPoETotalPower(Word(arguments[0]));
+}
+
+/* ---- the backup memory, the internal bridge, the switch of the spanning tree */
+
+static bool RunBeenReset(int count, char** arguments)
+{
+    (void)count;
+    (void)arguments;
+    return NetCheckBeenReset();
+}
+
+static bool RunInternal(int count, char** arguments)
+{
+    (void)count;
+    (void)arguments;
+    return BridgeByInterNic(NULL);
+}
+
+static bool RunUnInternal(int count, char** arguments)
+{
+    (void)count;
+    return UnBridgeByInterNic(arguments[0]);
+}
+
+static bool RunTreeSwitch(int count, char** arguments)
+{
+    (void)count;
+    NetInterfaceDesc card = {.name = arguments[0]};
+    NetInterface* object = NULL;
+    STPInfo tree;
+    memset(&tree, 0, sizeof(tree));
+    tree.enable = (uint8_t)atoi(arguments[1]);
+    return createNetInterface(&card, &object) == 0 && object->setSTP(object, &tree) == 0;
+}
+
 static const struct Command kCommands[] = {
-    {"bond", 3, RunBond},       {"unbond", 1, RunUnBond},   {"hash", 2, RunHash},
-    {"mtu", 2, RunMtu},         {"bridge", 2, RunBridge},   {"unbridge", 1, RunUnBridge},
-    {"tree", 3, RunTree},       {"recover", 1, RunRecover}, {"active", 1, RunActive},
-    {"addlink", 5, RunAddLink}, {"dellink", 3, RunDelLink},
+    {"bond", 3, RunBond},
+    {"unbond", 1, RunUnBond},
+    {"hash", 2, RunHash},
+    {"mtu", 2, RunMtu},
+    {"bridge", 2, RunBridge},
+    {"unbridge", 1, RunUnBridge},
+    {"tree", 3, RunTree},
+    {"recover", 1, RunRecover},
+    {"active", 1, RunActive},
+    {"addlink", 5, RunAddLink},
+    {"dellink", 3, RunDelLink},
+    {"ports", 1, RunPorts},
+    {"links", 1, RunLinks},
+    {"port-of", 2, RunPortOf},
+    {"status", 2, RunStatus},
+    {"isolate", 2, RunIsolate},
+    {"switch-name", 0, RunSwitchName},
+    {"poe-info", 0, RunPoeInfo},
+    {"poe-on", 1, RunPoeOn},
+    {"poe-off", 1, RunPoeOff},
+    {"poe-total", 1, RunPoeTotal},
+    {"been-reset", 0, RunBeenReset},
+    {"internal", 0, RunInternal},
+    {"uninternal", 1, RunUnInternal},
+    {"tree-switch", 2, RunTreeSwitch},
 };
 
 int main(int argc, char** argv)
