@@ -5,6 +5,8 @@
 // usage: tests/netns/enter.sh build/release/bench/calls
 
 #include "Base.h"
+#include "CommonApi.h"
+#include "Net3.h"
 #include "Netlink.h"
 #include "Other.h"
 #include "Route.h"
@@ -12,6 +14,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,6 +26,7 @@
 
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <ifaddrs.h>
 #include <linux/sockios.h>
 #include <net/if_arp.h>
 #include <spawn.h>
@@ -194,6 +198,115 @@ void SpawnBare(benchmark::State& state)
     }
 }
 
+// ---- interface objects
+
+constexpr int kObjects = 31;  // as many as there are cards
+
+NetInterface* Object(int card)
+{
+    const std::string name = "eth" + std::to_string(card);
+    NetInterfaceDesc desc{};
+    desc.name = name.c_str();
+    NetInterface* object = nullptr;
+    if (createNetInterface(&desc, &object) != 0) exit(1);
+    return object;
+}
+
+/// Objects are never given back, so each round has a process of its own, which tells its time.
+void CreateObjects(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        int ends[2];
+        if (pipe(ends) != 0) state.SkipWithError("no pipe");
+        const pid_t child = fork();
+        if (child == 0) {
+            const auto start = std::chrono::steady_clock::now();
+            for (int card = 0; card < kObjects; ++card) Object(card);
+            const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
+            const double each = taken.count() / kObjects;
+            _exit(write(ends[1], &each, sizeof(each)) == sizeof(each) ? 0 : 1);
+        }
+        close(ends[1]);
+        double each = 0;
+        if (read(ends[0], &each, sizeof(each)) != sizeof(each)) state.SkipWithError("no objects");
+        close(ends[0]);
+        waitpid(child, nullptr, 0);
+        state.SetIterationTime(each);
+    }
+}
+
+void FindObject(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        benchmark::DoNotOptimize(Object(7));
+    }
+}
+
+void ReadMtu(benchmark::State& state)
+{
+    NetInterface* const card = Object(7);
+    int mtu = 0;
+    for (auto step : state) {
+        (void)step;
+        if (card->getMTU(card, &mtu) != 0) state.SkipWithError("no MTU");
+    }
+}
+
+void ReadMtuBelow(benchmark::State& state)
+{
+    int mtu = 0;
+    for (auto step : state) {
+        (void)step;
+        if (!NetGetMtubyName("eth7", &mtu)) state.SkipWithError("no MTU");
+    }
+}
+
+// ---- the list of interfaces
+
+void ListInterfaces(benchmark::State& state)
+{
+    NetInterfaceInfo list[32];
+    for (auto step : state) {
+        (void)step;
+        int count = 32;
+        if (getNetInterfaceList(list, &count) != 0) state.SkipWithError("no list");
+        benchmark::DoNotOptimize(count);
+    }
+}
+
+void ListAddressesBare(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        ifaddrs* list = nullptr;
+        if (getifaddrs(&list) != 0) state.SkipWithError("no list");
+        benchmark::DoNotOptimize(list);
+        freeifaddrs(list);
+    }
+}
+
+void ListByTool(benchmark::State& state)
+{
+    posix_spawn_file_actions_t quiet;
+    posix_spawn_file_actions_init(&quiet);
+    posix_spawn_file_actions_addopen(&quiet, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    for (auto step : state) {
+        (void)step;
+        const char* arguments[] = {"ip", "-s", "link", nullptr};
+        pid_t child = -1;
+        if (posix_spawnp(&child, "ip", &quiet, nullptr, const_cast<char**>(arguments), environ) !=
+            0) {
+            state.SkipWithError("no ip");
+            break;
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+    }
+    posix_spawn_file_actions_destroy(&quiet);
+}
+
 // ---- running
 
 /// Keeps the medians by name and prints nothing.
@@ -222,13 +335,16 @@ private:
 struct Named {
     const char* name;
     void (*body)(benchmark::State&);
+    bool tellsItsTime = false;
 };
 
 Medians RunAll(const std::vector<Named>& bodies)
 {
     benchmark::ClearRegisteredBenchmarks();
     for (const Named& body : bodies) {
-        benchmark::RegisterBenchmark(body.name, body.body)->Repetitions(15)->MinTime(0.05);
+        auto* bench = benchmark::RegisterBenchmark(body.name, body.body);
+        bench->Repetitions(15)->MinTime(0.05);
+        if (body.tellsItsTime) bench->UseManualTime();
     }
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
@@ -326,6 +442,31 @@ void MeasureNeighbours()
     }
 }
 
+void MeasureObjects()
+{
+    // Before any object is found: a child inherits those of its parent.
+    const Medians made = RunAll({{"create", CreateObjects, true}, {"present", CardPresent}});
+    PrintRatio("interface object created", made.Of("create"), made.Of("present"), "card present",
+               1.1);
+    const Medians found = RunAll({{"find", FindObject},
+                                  {"present", CardPresent},
+                                  {"slot", ReadMtu},
+                                  {"below", ReadMtuBelow}});
+    PrintRatio("interface object found", found.Of("find"), found.Of("present"), "card present",
+               1.1);
+    PrintRatio("MTU through an object", found.Of("slot"), found.Of("below"), "NetGetMtubyName",
+               1.1);
+}
+
+void MeasureList(int count)
+{
+    const Medians medians =
+        RunAll({{"list", ListInterfaces}, {"addresses", ListAddressesBare}, {"tool", ListByTool}});
+    const std::string what = "list of interfaces, " + std::to_string(count) + " cards";
+    PrintRatio(what.c_str(), medians.Of("list"), medians.Of("addresses"), "getifaddrs", 2);
+    PrintRatio(what.c_str(), medians.Of("list"), medians.Of("tool"), "ip -s link", 0.5);
+}
+
 void MeasureRoutes()
 {
     Shell("ip link set eth0 up");
@@ -380,8 +521,11 @@ int main()
     MeasureKey();
     MakeCards(0, 8);
     MeasureCards(8);
-    MakeCards(8, 31);
-    MeasureCards(31);
+    MeasureList(8);
+    MakeCards(8, kObjects);
+    MeasureCards(kObjects);
+    MeasureList(kObjects);
+    MeasureObjects();
     MeasureRules();
     MeasureNeighbours();
     MeasureRoutes();
