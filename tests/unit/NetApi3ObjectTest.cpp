@@ -363,4 +363,47 @@ TEST_F(RegistryTest, RefusesNullInSilence)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+// ---- records with bit-fields, whose places no offset can tell
+
+/// The place of the one byte that is not zero.
+template <class Record>
+int ChangedByte(const Record& record)
+{
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&record);
+    int place = -1;
+    for (size_t i = 0; i < sizeof(Record); ++i) {
+        if (bytes[i] == 0) continue;
+        EXPECT_EQ(place, -1) << "another one at " << i;
+        place = static_cast<int>(i);
+    }
+    return place;
+}
+
+template <class Record, class Set>
+int PlaceOf(Set set)
+{
+    Record record;
+    memset(&record, 0, sizeof(record));
+    set(&record);
+    return ChangedByte(record);
+}
+
+TEST(PublicRecords, BitFieldsLieWhereApplicationsPutThem)
+{
+    EXPECT_EQ(PlaceOf<TelnetInfo>([](auto* r) { r->enable = 1; }), 0);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->enable = 1; }), 0);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->linkMode = -1; }), 1);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->encryption = wlanEncryptionAES; }), 2);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->ssid[0] = 1; }), 3);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->keyType = -1; }), 39);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->keyID = -1; }), 40);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->keyFlag = -1; }), 41);
+    EXPECT_EQ(PlaceOf<WLanConfig>([](auto* r) { r->keys[0] = 1; }), 42);
+    EXPECT_EQ(PlaceOf<WLanAccessPoint>([](auto* r) { r->linkMode = -1; }), 36);
+    EXPECT_EQ(PlaceOf<WLanAccessPoint>([](auto* r) { r->encryption = wlanEncryptionOn; }), 37);
+    TelnetInfo info{};
+    info.enable = 1;
+    EXPECT_EQ(*reinterpret_cast<unsigned char*>(&info), 1);
+}
+
 }  // namespace
