@@ -11,7 +11,7 @@ board=$1
 here=$(cd "$(dirname "$0")" && pwd)
 version=$(cat "$board/version")
 modules="virtio_pci virtio_net bonding bridge 8021q dummy veth macvlan ipvlan
-    sch_htb sch_sfq sch_ingress cls_u32"
+    sch_htb sch_sfq sch_ingress cls_u32 iptable_filter ip6table_filter ipt_REJECT ip6t_REJECT xt_tcpudp"
 tools="usr/bin/dash bin/dash sbin/ifconfig sbin/route sbin/brctl bin/ip sbin/ip sbin/tc usr/bin/ping
     bin/ping sbin/ifup"
 
@@ -54,6 +54,19 @@ for tool in $tools; do
     provide "$file"
 done
 [ -e "$root/lib/ld-linux-x86-64.so.2" ] && cp "$root/lib/ld-linux-x86-64.so.2" "$root/lib64/"
+
+# Where devices have their tc, and the packet filter with what it loads for each word of a rule. It is the
+# older make, which needs fewer drivers.
+mkdir -p "$root/usr/local/bin"
+ln -s /sbin/tc "$root/usr/local/bin/tc"
+cp "$board/root/usr/sbin/xtables-legacy-multi" "$root/sbin/"
+provide "$root/sbin/xtables-legacy-multi"
+for tool in iptables ip6tables; do ln -s xtables-legacy-multi "$root/sbin/$tool"; done
+for word in libxt_standard libxt_tcp libxt_udp libipt_REJECT libip6t_REJECT; do
+    file=$(cd "$board/root" && find usr/lib -name "$word.so")
+    mkdir -p "$root/$(dirname "$file")"
+    cp "$board/root/$file" "$root/$file"
+done
 
 # What ifup runs for a bond.
 mkdir -p "$root/run/network"

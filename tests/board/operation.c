@@ -116,6 +116,53 @@ static bool RunDelLink(int count, char** arguments)
     return NetVirtInterDel(&name);
 }
 
+/* ---- limits on peers, blocked ports */
+
+/* CARD, then ADDRESS MBIT FLAGS for each limit. */
+static bool RunLimit(int count, char** arguments)
+{
+    NetTc limits[8];
+    memset(limits, 0, sizeof(limits));
+    int number = 0;
+    for (int i = 1; i + 2 < count && number < 8; i += 3, ++number) {
+        snprintf(limits[number].ipAddr, sizeof(limits[number].ipAddr), "%s", arguments[i]);
+        limits[number].bandWidth = atoi(arguments[i + 1]);
+        limits[number].flags = atoi(arguments[i + 2]);
+    }
+    return TrafCtrlSetBand(arguments[0], limits, number);
+}
+
+/* Tells the saved limits on the standard error, apart from the log. */
+static bool RunLimits(int count, char** arguments)
+{
+    (void)count;
+    NetTc limits[32];
+    int number = 32;
+    if (!TrafCtrlGetBand(arguments[0], limits, &number)) return false;
+    for (int i = 0; i < number; ++i) {
+        fprintf(stderr, "%s %d\n", limits[i].ipAddr, limits[i].bandWidth);
+    }
+    return true;
+}
+
+static bool RunUnLimit(int count, char** arguments)
+{
+    (void)count;
+    return TrafCtrlUnSetBand(arguments[0], arguments[1]);
+}
+
+static bool RunBlock(int count, char** arguments)
+{
+    (void)count;
+    return PortCtrlDisablePort(arguments[0], atoi(arguments[1]));
+}
+
+static bool RunFree(int count, char** arguments)
+{
+    (void)count;
+    return PortCtrlEnablePort(arguments[0], atoi(arguments[1]));
+}
+
 /* ---- the switch chip and the power supply of its ports */
 
 /* Asks for each name in turn, in one process. */
@@ -258,6 +305,11 @@ static const struct Command kCommands[] = {
     {"active", 1, RunActive},
     {"addlink", 5, RunAddLink},
     {"dellink", 3, RunDelLink},
+    {"limit", 4, RunLimit},
+    {"limits", 1, RunLimits},
+    {"unlimit", 2, RunUnLimit},
+    {"block", 2, RunBlock},
+    {"free", 2, RunFree},
     {"ports", 1, RunPorts},
     {"links", 1, RunLinks},
     {"port-of", 2, RunPortOf},
