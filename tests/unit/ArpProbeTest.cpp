@@ -377,4 +377,20 @@ TEST_F(NetArpCheckTest, WithoutASocketItIsAFailure)
     EXPECT_EQ(NetArpCheck("eth0"), -1);
 }
 
+TEST_F(NetArpCheckTest, EveryFailureIsToldAndLeavesNoRawSocketOpen)
+{
+    static int result = 0;
+    FailEachCall(
+        [] {
+            wire.arrivals = {{ArpReply(kOtherMacBytes, kOurIPBytes), "", 1}};
+            result = NetArpCheck("eth0");
+        },
+        [](const std::string&) {
+            const bool told = !LogOf("NetArpCheck").empty() ||
+                              Logged(Error("Arp_Ckeck", "CreatPFRawSock error."));
+            EXPECT_EQ(result, told ? -1 : 2);
+        },
+        {"socket AF_INET 2 0"});
+}
+
 }  // namespace

@@ -357,4 +357,18 @@ TEST_F(NetPingCheckTest, NoHostIsAFailureWithoutASound)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(NetPingCheckTest, EveryFailureLeavesNoRawSocketOpen)
+{
+    static bool alive = false;
+    FailEachCall(
+        [] {
+            wire.arrivals = {{EchoReply(), kHost, 1}};
+            alive = NetPingCheck("eth0", kHost, 2);
+        },
+        [](const std::string&) {
+            EXPECT_EQ(alive, !Logged(Error("Ping_CheckAlive", "CreatAFRawSock failed")));
+        },
+        {"socket AF_INET 2 0"});
+}
+
 }  // namespace
