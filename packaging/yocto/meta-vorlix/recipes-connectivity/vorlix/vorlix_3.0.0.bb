@@ -1,0 +1,43 @@
+SUMMARY = "Network layer of an embedded recorder or camera"
+DESCRIPTION = "lanrise brings the network up at boot from its saved settings; libvorlix is what the \
+device's application calls."
+SECTION = "net"
+LICENSE = "MIT"
+LIC_FILES_CHKSUM = "file://LICENSE;md5=f3d101a910897707a007a1bff1cc228e"
+
+# The sources are those that this layer lies in.
+inherit externalsrc
+EXTERNALSRC = "${@os.path.normpath(os.path.join(d.getVar('THISDIR'), '../../../../..'))}"
+
+inherit cmake pkgconfig systemd update-rc.d
+
+# A file that defines CMOSRead, CMOSWrite and CMOSGetCaps, for a board with CMOS backup memory.
+VORLIX_CMOS_PROVIDER ?= ""
+
+EXTRA_OECMAKE = " \
+    -DCMAKE_BUILD_TYPE=MinSizeRel \
+    -DBUILD_TESTING=OFF \
+    -DVORLIX_START=${@bb.utils.contains('DISTRO_FEATURES', 'systemd', 'systemd', 'sysv', d)} \
+    -DVORLIX_UNIT_DIR=${systemd_system_unitdir} \
+    -DVORLIX_CMOS_PROVIDER=${VORLIX_CMOS_PROVIDER} \
+"
+
+# The program and the library apart: an application may come without the other. The build strips.
+PACKAGES =+ "lanrise"
+FILES:lanrise = " \
+    ${sbindir}/lanrise \
+    ${sysconfdir}/init.d/lanrise \
+    ${systemd_system_unitdir}/lanrise.service \
+    ${datadir}/bash-completion \
+"
+INSANE_SKIP:lanrise += "already-stripped"
+INSANE_SKIP:${PN} += "already-stripped"
+
+RDEPENDS:lanrise = "bridge-utils net-tools"
+RRECOMMENDS:${PN} = "bridge-utils iproute2-tc iptables net-tools"
+
+SYSTEMD_PACKAGES = "lanrise"
+SYSTEMD_SERVICE:lanrise = "lanrise.service"
+INITSCRIPT_PACKAGES = "lanrise"
+INITSCRIPT_NAME:lanrise = "lanrise"
+INITSCRIPT_PARAMS:lanrise = "start 39 S ."
