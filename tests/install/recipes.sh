@@ -1,0 +1,81 @@
+#!/bin/sh
+# The recipes for Buildroot and Yocto, as far as they can be tried without them: what they say of the
+# release is true, and Buildroot's options build and install what the package here does.
+# shellcheck source=tests/install/lib.sh
+. "$(dirname "$0")/lib.sh"
+
+buildroot=$top/packaging/buildroot
+recipe=$(echo "$top"/packaging/yocto/meta-vorlix/recipes-*/vorlix/vorlix_*.bb)
+
+# ---- the release
+
+is 'version of the recipe' "$(basename "$recipe")" "vorlix_$version.bb"
+is 'version for Buildroot' "$(sed -n 's/^VORLIX_VERSION = //p' "$buildroot/vorlix/vorlix.mk")" "$version"
+is 'version of the changelog' "$(sed -n '1s/^vorlix (\(.*\)) .*/\1/p' "$top/packaging/debian/changelog")" "$version"
+is 'license of the recipe' "$(sed -n 's/^LIC_FILES_CHKSUM.*md5=\([0-9a-f]*\)"$/\1/p' "$recipe")" \
+    "$(md5sum "$top/LICENSE" | cut -d ' ' -f 1)"
+
+# ---- the recipe's view of this tree
+
+is 'sources of the recipe' \
+    "$(realpath "$(dirname "$recipe")/$(sed -n "s/^EXTERNALSRC.*'THISDIR'), '\(.*\)'))}\"/\1/p" "$recipe")")" "$top"
+sed -n 's/.*-D\([A-Z_]*\)=.*/\1/p' "$recipe" "$buildroot/vorlix/vorlix.mk" | sort -u >"$work/options"
+while read -r option; do
+    holds "option $option of the recipes" "$build/CMakeCache.txt" "$option:"
+done <"$work/options"
+# shellcheck disable=SC2016  # the recipe's variables
+sed -n '/^FILES:lanrise/,/^"/p' "$recipe" | sed -n 's/^ *\(\${.*\) \\$/\1/p' |
+    sed 's%${sbindir}%/usr/sbin%; s%${sysconfdir}%/etc%; s%${systemd_system_unitdir}%/usr/lib/systemd/system%; s%${datadir}%/usr/share%' \
+        >"$work/recipe.files"
+is 'files of the recipe' "$(wc -l <"$work/recipe.files")" 4
+while read -r file; do
+    [ -e "$tree$file" ] || is 'a file of the recipe' "$file" 'installed'
+done <"$work/recipe.files"
+
+# ---- Buildroot: make reads its file, with the little of Buildroot that it uses
+
+# buildroot VARIABLE SETTING...: what a variable expands to
+buildroot()
+{
+    variable=$1
+    shift
+    cat >"$work/buildroot.mk" <<END
+BR2_EXTERNAL_VORLIX_PATH = $buildroot
+TARGET_DIR = $work/buildroot/target
+qstrip = \$(subst ",,\$(1))
+cmake-package =
+include \$(BR2_EXTERNAL_VORLIX_PATH)/external.mk
+all: ; @:\$(info \$(strip \$($variable)))
+hooks: ; \$(VORLIX_INSTALL_INIT_SYSV) && \$(subst \$(newline), && ,\$(VORLIX_LINK_TC))
+define newline
+
+
+endef
+END
+    make -s -f "$work/buildroot.mk" "$@"
+}
+
+is 'site for Buildroot' "$(buildroot VORLIX_SITE)" "$top"
+holds 'options with systemd' "$(buildroot VORLIX_CONF_OPTS BR2_INIT_SYSTEMD=y >"$work/options" && echo "$work/options")" \
+    -DVORLIX_START=systemd
+holds 'options with a provider' \
+    "$(buildroot VORLIX_CONF_OPTS 'BR2_PACKAGE_VORLIX_CMOS_PROVIDER="board.o"' >"$work/options" && echo "$work/options")" \
+    -DVORLIX_CMOS_PROVIDER=board.o
+
+rm -rf "$work/buildroot"
+mkdir -p "$work/buildroot"
+options=$(buildroot VORLIX_CONF_OPTS)
+# shellcheck disable=SC2086  # a list of words
+succeeds 'configuration by Buildroot' cmake -S "$top" -B "$work/buildroot/build" -G Ninja \
+    -DCMAKE_INSTALL_PREFIX=/usr $options
+succeeds 'build by Buildroot' cmake --build "$work/buildroot/build"
+succeeds 'installation by Buildroot' env DESTDIR="$work/buildroot/target" \
+    cmake --install "$work/buildroot/build"
+succeeds 'steps behind the installation' \
+    buildroot VORLIX_SITE BR2_PACKAGE_VORLIX_FILTERS_AND_SHAPING=y hooks
+for file in etc/init.d/S39lanrise usr/sbin/lanrise usr/local/bin/tc; do
+    [ -e "$work/buildroot/target/$file" ] || [ -L "$work/buildroot/target/$file" ] ||
+        is "a file for Buildroot's target" "$file" 'installed'
+done
+is 'a unit without systemd' "$(find "$work/buildroot/target" -name '*.service')" ''
+exit "$failed"
