@@ -171,6 +171,7 @@ bool TC_DeinitDev(const char* name)
     return rootRemoved && ingressRemoved;
 }
 
+// cppcheck-suppress passedByValue  ; the record is handed over by value, to C callers too
 bool TC_SetSendBand(const char* name, const NetTc tc)
 {
     static int classId = kFirstClass;
@@ -195,6 +196,7 @@ bool TC_SetRcvBand(const char* name, const NetTc /*tc*/)
     return false;
 }
 
+// cppcheck-suppress passedByValue  ; the record is handed over by value, to C callers too
 bool TC_SaveToConfig(const char* name, const NetTc tc)
 {
     if (name == nullptr) return false;
