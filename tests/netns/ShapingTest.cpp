@@ -198,6 +198,23 @@ TEST_F(ShapingTest, TheNextProcessReplacesTheRootAndKeepsTheFile)
     EXPECT_EQ(Classes("eth0"), (Texts{"1:20 8Mbit", "1:30 9Mbit"}));
 }
 
+TEST_F(ShapingTest, AFlashThatTakesNoLineChangesNoLimit)
+{
+    SettingsOfSize(4096);
+    Put("/mnt/mtd/Config/nettc_eth0", "");
+    Put("/mnt/mtd/Config/full", std::string(4096, 'x'));
+    EXPECT_TRUE(Set("eth0", {Limit("10.0.0.2", 8)}));
+    EXPECT_EQ(LogOf("TC_SaveToConfig"),
+              LogLines{Error("TC_SaveToConfig", "write error.[No space left on device]")});
+    EXPECT_EQ(Saved("eth0"), Texts{});
+
+    SettingsReadOnly();
+    EXPECT_TRUE(Set("eth0", {Limit("10.0.0.3", 9)}));
+    EXPECT_EQ(LogOf("TC_SaveToConfig").back(),
+              Error("TC_SaveToConfig", "open file eth0 error.[Read-only file system]"));
+    EXPECT_EQ(Classes("eth0"), (Texts{"1:10 8Mbit", "1:20 9Mbit"}));
+}
+
 // ---- traffic
 
 /// Sends to the peer as fast as the card takes it, until it is ended. The kernel holds some 90
