@@ -167,10 +167,10 @@ TEST_F(AddRouteSlotTest, TheGatewayIsTakenWhereTheCardDoesNotReachByItself)
         {"bits between the nets", "10.0.0.130", "255.255.255.128", "10.0.0.2", "255.255.255.128",
          "10.0.0.0", kThrough},
         // The bytes count as they lie in memory: the last one is the most significant.
-        {"a last byte that outweighs the others", "10.0.0.2", "0.0.0.255", "10.0.0.2",
+        {"a last byte that outweighs the others", "10.0.0.0", "0.0.0.255", "10.0.0.2",
          "255.255.255.0", "10.0.0.0", kThrough},
-        {"a last byte that is outweighed", "10.0.0.2", "255.255.255.0", "10.0.0.9", "0.0.0.255",
-         "0.0.0.9", kThrough},
+        {"a last byte that is outweighed by none", "0.0.0.5", "255.255.255.0", "0.0.0.9",
+         "0.0.0.255", "0.0.0.9", kDirect},
         {"first bytes alone differ", "10.0.0.2", "254.255.255.0", "10.0.0.2", "255.255.255.0",
          "10.0.0.0", kDirect},
     };
