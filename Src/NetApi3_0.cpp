@@ -35,6 +35,13 @@ int Result(bool done)
     return done ? 0 : -1;
 }
 
+/// Gives a part of a new object away: it outlives the scope.
+template <class Part>
+Part* HandOver(HeapArray<Part>& part)
+{
+    return part.release();
+}
+
 }  // namespace
 
 }  // namespace vorlix
@@ -674,6 +681,7 @@ int API3_setSSH(NetInterface* thiz, SSHInfo* sshInfo)
     return SetSSHStatus(sshInfo);
 }
 
+// cppcheck-suppress passedByValue  ; as the slot takes it
 int API3_setBondParams(NetInterface* thiz, const QV_PAL_NetBondParams params)
 {
     return Forward(thiz, SetBondHashPolicy, params.lacp);
@@ -739,13 +747,13 @@ int createNetInterface(NetInterfaceDesc* desc, NetInterface** netInterface)
     MutexGuard lock(g_apiMutexLock);
     if (findNode(desc->name, netInterface) >= 0) return 0;
 
-    auto object = ZeroedArray<NetInterface>(1);
+    HeapArray<NetInterface> object = ZeroedArray<NetInterface>(1);
     if (object == nullptr) {
         lock.Release();
         LOG_ERROR("malloc NetInterface error");
         return -1;
     }
-    auto priv = ZeroedArray<NetIfPri>(1);
+    HeapArray<NetIfPri> priv = ZeroedArray<NetIfPri>(1);
     if (priv == nullptr) {
         object.reset();
         lock.Release();
@@ -762,8 +770,8 @@ int createNetInterface(NetInterfaceDesc* desc, NetInterface** netInterface)
         LOG_ERROR("createNetInterface for %s failed!", desc->name);
         return -1;
     }
-    (void)priv.release();  // both live as long as the process
-    *netInterface = object.release();
+    (void)HandOver(priv);  // both live as long as the process
+    *netInterface = HandOver(object);
     return 0;
 }
 
@@ -1036,12 +1044,12 @@ int createNetControl(QV_PAL_NetControlDesc* desc, QV_PAL_NetControl** netCtrl)
 {
     if (netCtrl == nullptr) return -1;
 
-    auto object = ZeroedArray<QV_PAL_NetControl>(1);
+    HeapArray<QV_PAL_NetControl> object = ZeroedArray<QV_PAL_NetControl>(1);
     if (object == nullptr) {
         LOG_ERROR("malloc QV_PAL_NetControl error!");
         return -1;
     }
-    auto own = ZeroedArray<NetCtrlPri>(1);
+    HeapArray<NetCtrlPri> own = ZeroedArray<NetCtrlPri>(1);
     if (own == nullptr) {
         LOG_ERROR("malloc netPri error!");
         return -1;
@@ -1050,8 +1058,8 @@ int createNetControl(QV_PAL_NetControlDesc* desc, QV_PAL_NetControl** netCtrl)
     (void)pthread_mutex_init(&own[0].netCtrlLock, nullptr);  // cannot fail with default attributes
     own[0].ref = 1;
     object[0] = kControlTable;
-    object[0].priv = own.release();
-    *netCtrl = object.release();
+    object[0].priv = HandOver(own);
+    *netCtrl = HandOver(object);
     return 0;
 }
 
@@ -1238,12 +1246,12 @@ int createNetBridge(NetBrDesc* desc, NetBridge** nbr)
         LOG_ERROR("invalid param!");
         return -1;
     }
-    auto object = ZeroedArray<NetBridge>(1);
+    HeapArray<NetBridge> object = ZeroedArray<NetBridge>(1);
     if (object == nullptr) {
         LOG_ERROR("malloc NetBridge failed!");
         return -1;
     }
-    auto own = ZeroedArray<NetBrPriv>(1);
+    HeapArray<NetBrPriv> own = ZeroedArray<NetBrPriv>(1);
     if (own == nullptr) {
         LOG_ERROR("malloc NetBrPriv failed!");
         return -1;
@@ -1253,8 +1261,8 @@ int createNetBridge(NetBrDesc* desc, NetBridge** nbr)
     CopyText(own[0].name, desc->name);
     own[0].refcnt = 1;
     object[0] = kBridgeTable;
-    object[0].priv = own.release();
-    *nbr = object.release();
+    object[0].priv = HandOver(own);
+    *nbr = HandOver(object);
     if (!BridgeUpdateBrIDByConfig(desc->name)) LOG_WARN("save BRIDGES config failed");
     if (!BridgeUpdatePortListByConfig(desc->name, desc->subDev, desc->num)) {
         LOG_WARN("save SSIF config failed");
