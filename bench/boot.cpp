@@ -438,7 +438,11 @@ void PrepareConnman(const std::string& peers)
           "<busconfig><type>system</type><listen>unix:path=/run/dbus/system_bus_socket</listen>"
           "<auth>EXTERNAL</auth><policy context=\"default\"><allow user=\"*\"/><allow own=\"*\"/>"
           "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>");
-    (void)!system("mount -t tmpfs tmpfs /var/lib; mkdir -p /var/lib/connman /run/dbus");
+    // It rewrites the resolver file: not that of the machine.
+    if (system("touch /mnt/resolv.conf && mount --bind /mnt/resolv.conf /etc/resolv.conf && "
+               "mount -t tmpfs tmpfs /var/lib && mkdir -p /var/lib/connman /run/dbus") != 0) {
+        Give("no place for connman's files");
+    }
     Write("/var/lib/connman/cards.config", "[service_eth0]\nType = ethernet\nDeviceName = eth0\n"
                                            "IPv4 = 10.0.0.2/255.255.255.0/10.0.0.1\nIPv6 = off\n");
     const std::string bus = peers + "/usr/bin/dbus-daemon --config-file=/mnt/bus.conf --fork "
