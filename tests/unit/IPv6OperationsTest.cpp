@@ -490,6 +490,15 @@ TEST_F(NetGetSysIPv6byNameTest, AsksTheKernelAlone)
     EXPECT_EQ(TraceOf({"open /mnt/mtd/Config/networkip6"}), Lines{});
 }
 
+TEST_F(NetGetSysIPv6byNameTest, HoldsNothingWhateverFails)
+{
+    static Answer answer;
+    FailEachCall([] { answer = Ask(NetGetSysIPv6byName); },
+                 [](const std::string&) {
+                     EXPECT_EQ(answer.text, answer.found ? "2001:db8::1/64" : "untouched/none");
+                 });
+}
+
 // ---- NetGetLinkLocalAddressIpv6
 
 class NetGetLinkLocalAddressIpv6Test : public IPv6World {};
@@ -591,6 +600,20 @@ TEST_F(IPv6GatewayTest, ACardWithoutOneSaysSo)
     EXPECT_STREQ(text, "untouched");
     EXPECT_EQ(Log(),
               (LogLines{Error("NetGetGatewayIPv6byName", "get eth1 default gateway failed.")}));
+}
+
+TEST_F(IPv6GatewayTest, IsNotToldInHalvesWhateverFails)
+{
+    static bool done;
+    static std::string text;
+    Put(kFile1, "GATEWAYIP = 2001:db8::ff\n");
+    FailEachCall(
+        [] {
+            char gateway[64] = "untouched";
+            done = NetGetGatewayIPv6byName("eth1", gateway, sizeof(gateway));
+            text = gateway;
+        },
+        [](const std::string&) { EXPECT_EQ(text, done ? "2001:db8::ff" : "untouched"); });
 }
 
 TEST_F(IPv6GatewayTest, TheFirstCardHasAFileOfItsOwnName)

@@ -120,6 +120,28 @@ TEST_F(SwitchPortsTest, ThePoePartOfACardIsASwitch)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(SwitchPortsTest, HoldsNothingAndTellsNoHalfAnswersWhateverFails)
+{
+    static bool done;
+    kernel.At("eth2").chip->ports[1] = {true, "02:00:00:00:00:a1", false};
+    const int answers[] = {1, 8, 2};  // port, number, links
+    for (size_t i = 0; i < std::size(answers); ++i) {
+        const Operation operation = Operations()[i];
+        const int wanted = answers[i];
+        FailEachCall(
+            [&] {
+                answer = kUntouched;
+                done = operation.run("eth2");
+            },
+            [&](const std::string&) {
+                // An address that could not be asked for counts as unknown.
+                const bool unknown = i == 0 && done && answer == -1;
+                EXPECT_TRUE(unknown || answer == (done ? wanted : kUntouched)) << operation.name;
+            },
+            {"socket"});
+    }
+}
+
 // ---- GetSwitchPortNum, GetSwitchMask
 
 class GetSwitchPortNumTest : public SwitchPortsTest {};
