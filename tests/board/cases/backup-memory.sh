@@ -85,4 +85,14 @@ rmmod board
 modprobe board with_rtc=1 with_sram=1
 operation been-reset >/dev/null
 is "of both, the RTC is used" "$(trace)" "rtc read 39 1"
+
+# A node that cannot be opened.
+rm /dev/pdcRtc
+mkdir /dev/pdcRtc
+forget
+operation been-reset >/tmp/log
+is "an RTC that cannot be opened gives way to the file" "$(trace | head -n 1)" \
+    "sram create /mnt/mtd/RtcSramFile 300000 0 1 251"
+is "as it is told" "$(messages Error)" "Error: can not open /dev/pdcRtc"
+rmdir /dev/pdcRtc
 rmmod board
