@@ -18,9 +18,10 @@
  * hardware addresses "02:00:00:00:00:01" in 18.
  *
  * Threads: any operation may be called from any thread. Changes of one bond or bridge, of the
- * traffic limits and of one bridge object's count are for the callers to keep apart. What writes
- * settings waits for other threads and processes that write the same file. Some operations run
- * outside tools and wait for them.
+ * traffic limits, of eth0's address and gateway, whose backup memory has no lock, and of one bridge
+ * object's count are for the callers to keep apart. What reads or writes settings waits for other
+ * threads and processes that have the same file. Some operations run outside tools and wait for
+ * them.
  *
  * Texts that end up in a tool's command line are not quoted: the caller vouches for addresses to
  * `setBandWidth`, `unsetBandWidth` and `ipPortCtrl`, and for names that begin with "br".
@@ -149,14 +150,15 @@ struct NetInterface {
 
     /**
      * Tells the configured address and mask: from the setting file, else from the kernel, else from
-     * the backup memory. `hlen` and `nlen` are the bytes of the two, 16 at least, else -1.
+     * the backup memory, which is then saved. `hlen` and `nlen` are the bytes of the two, 16 at
+     * least, else -1.
      */
     /* 56 */ int (*getHostIP)(NetInterface* thiz, char* hostIP, const int hlen, char* netmask,
                               const int nlen);
 
     /**
-     * Tells the saved gateway, or else the one in the backup memory. `iGLen` is the bytes of
-     * `gateway`, 16 at least, else -1.
+     * Tells the saved gateway, or else the one in the backup memory, which is then saved. `iGLen`
+     * is the bytes of `gateway`, 16 at least, else -1.
      */
     /* 64 */ int (*getGateway)(NetInterface* thiz, char* gateway, const int iGLen);
 
@@ -347,10 +349,12 @@ struct NetInterface {
     /* 328 */ int (*getSwitchPortNum)(NetInterface* thiz, int* portNum);
 
     /**
-     * Lists the stations behind the ports of the switch.
+     * Lists the ports of the switch, with their link and the station behind each. Switches each
+     * port on. Source: the switch driver.
      *
-     * @param portStatus  `*len` records
-     * @param len         capacity on entry, number of records on return
+     * @param portStatus  `*len` records, all zeroed first
+     * @param len         capacity on entry, with a Warn when it is too small; number of records on
+     *                    return
      */
     /* 336 */ int (*getSwitchPortStatus)(NetInterface* thiz, struct SwitchPortStatus* portStatus,
                                          int* len);
@@ -480,7 +484,7 @@ typedef struct QV_PAL_ARPEntry {
     /* 50 */ char reserved[14];
 } QV_PAL_ARPEntry;
 
-/** `PoeInfo_t`, byte for byte, whose fields are told there; size 256, alignment 4. */
+/** `PoeInfo_t`, byte for byte; the fields are told there; size 256, alignment 4. */
 typedef struct QV_PAL_PoeInfo {
     /* 0 */ uint32_t detFlag;
     /* 4 */ uint32_t powerFlag;
@@ -562,7 +566,7 @@ struct QV_PAL_NetControl {
     /* 96 */ int (*getArpStaticInfoByIp)(QV_PAL_NetControl* thiz, const char* ip,
                                          QV_PAL_ARPEntry* arpInfo, int* num);
 
-    /** Sets the power that all ports share. Works with a NULL object too. */
+    /** Sets the power that all ports share, in the driver's unit. Works with a NULL object too. */
     /* 104 */ int (*setPoETotalPower)(QV_PAL_NetControl* thiz, uint32_t power);
 
     /** Empty. */
@@ -671,11 +675,15 @@ VORLIX_API int getNetInterfaceMaxNum(int* num);
  * Names the default interface: that of the first default route, or else the saved one, whose
  * default route is then put back.
  *
- * @param name  `len` bytes
+ * @param name  `len` bytes; 16 hold every name
  */
 VORLIX_API int getDefaultNetInterface(char* name, const int len);
 
-/** Saves the default interface and moves the default route to its saved gateway. */
+/**
+ * Saves the default interface and moves the default route to its saved gateway.
+ *
+ * @return -1 for one that does not exist or has no saved gateway; the route then stays as it is
+ */
 VORLIX_API int setDefaultNetInterface(const char* name);
 
 /** 1 stops `setDefaultNetInterface` from moving routes, for the life of the process. Always 0. */
