@@ -31,6 +31,17 @@ is 'version by pkg-config' "$(pkg-config --modversion vorlix)" "$version"
 succeeds 'examples by pkg-config' make -C "$work/pkg-config" \
     CFLAGS="-std=c11 -O2 $strict" CXXFLAGS="-std=c++17 -O2 $strict"
 runs pkg-config "$work/pkg-config"
+
+# So do the programs that the front page shows.
+awk -v folder="$work/pkg-config" '
+    /^```$/ { program = 0 }
+    program { print >(folder "/readme" program ".c") }
+    /^```c$/ { program = ++count }' "$top/README.md"
+for program in 1 2; do
+    # shellcheck disable=SC2046,SC2086  # lists of words
+    succeeds "program $program of the front page" cc -std=c11 $strict "$work/pkg-config/readme$program.c" \
+        -o "$work/pkg-config/readme$program" $(pkg-config --cflags --libs vorlix)
+done
 unset PKG_CONFIG_LIBDIR PKG_CONFIG_SYSROOT_DIR
 
 # ---- CMake, both libraries
