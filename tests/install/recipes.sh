@@ -32,6 +32,28 @@ while read -r file; do
     [ -e "$tree$file" ] || is 'a file of the recipe' "$file" 'installed'
 done <"$work/recipe.files"
 
+succeeds 'the recipe as a text' "$here/recipe.py" "$recipe" "$top/packaging/yocto/meta-vorlix/conf/layer.conf"
+
+# ---- Buildroot: the kernel's kconfig reads its menu, with symbols in the place of Buildroot's own
+
+if command -v kconfig-conf >/dev/null; then
+    menu=$work/menu
+    rm -rf "$menu"
+    mkdir -p "$menu"
+    grep -o 'BR2_[A-Z0-9_]*' "$buildroot/vorlix/Config.in" | grep -v VORLIX | sort -u |
+        sed 's/.*/config &\n\tbool "&"/' >"$menu/Config.in"
+    echo "source \"$buildroot/vorlix/Config.in\"" >>"$menu/Config.in"
+    printf '%s=y\n' BR2_INSTALL_LIBSTDCPP BR2_TOOLCHAIN_GCC_AT_LEAST_8 \
+        BR2_TOOLCHAIN_HEADERS_AT_LEAST_4_9 BR2_PACKAGE_VORLIX >"$menu/wanted"
+    succeeds 'the menu' sh -c "cd '$menu' && CONFIG_= KCONFIG_ALLCONFIG=wanted kconfig-conf --alldefconfig Config.in"
+    is 'what kconfig says of the menu' "$(grep -i warning "$output")" ''
+    for symbol in BR2_PACKAGE_VORLIX BR2_PACKAGE_BRIDGE_UTILS BR2_PACKAGE_NET_TOOLS; do
+        holds 'the chosen menu' "$menu/.config" "$symbol=y"
+    done
+else
+    echo 'left out: kconfig-conf is not installed, the menu was not read'
+fi
+
 # ---- Buildroot: make reads its file, with the little of Buildroot that it uses
 
 # buildroot VARIABLE SETTING...: what a variable expands to
