@@ -138,6 +138,30 @@ void SixteenRoutes(benchmark::State& state)
     }
 }
 
+/// A prefix that is not there: all rows that count are looked at, and no line is logged.
+void PrefixLookup(benchmark::State& state)
+{
+    for (auto step : state) {
+        (void)step;
+        if (Route_IsExistInSys("172.31.0.0", "0.0.0.0", "255.255.0.0", "eth0")) {
+            state.SkipWithError("a route that nobody made");
+        }
+    }
+}
+
+/// The same rows as the kernel prints them, 128 bytes each behind a header of one row.
+void ReadRowsBare(benchmark::State& state)
+{
+    const int table = open("/proc/net/route", O_RDONLY);
+    char rows[17 * 128];
+    for (auto step : state) {
+        (void)step;
+        if (pread(table, rows, sizeof(rows), 0) <= 0) state.SkipWithError("no table");
+        benchmark::DoNotOptimize(rows);
+    }
+    close(table);
+}
+
 // ---- a rule, added and deleted
 
 void RuleRoundTrip(benchmark::State& state)
@@ -479,6 +503,11 @@ void MeasureRoutes()
         if (first == 0) first = ours;
         const std::string what = "sixteen rows of " + std::to_string(count) + " routes";
         PrintRatio(what.c_str(), ours, first, "the same of 10 routes", 1.1);
+
+        const Medians medians = RunAll({{"lookup", PrefixLookup}, {"bare", ReadRowsBare}});
+        const std::string lookup = "one prefix in " + std::to_string(count) + " routes";
+        PrintRatio(lookup.c_str(), medians.Of("lookup"), medians.Of("bare"), "read of sixteen rows",
+                   1.2);
     }
 }
 
