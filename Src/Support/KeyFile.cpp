@@ -354,6 +354,11 @@ bool SetValueByKey(const char* filename, const char* key, const char* value)
         LOG_ERROR("cannot fopen for read.[%s]", strerror(errno));
     } else {
         KeepKnownLines(scan.get(), &lines);
+        // Emptied now, the file would lose for good what a bad read has hidden.
+        if (ferror(scan.get()) != 0) {
+            LOG_ERROR("cannot read %s.[%s]", filename, strerror(errno));
+            return false;
+        }
     }
 
     const int place = PlaceOf(key, lines);

@@ -372,6 +372,19 @@ TEST_F(SetValueByKeyTest, AFileThatCannotBeScannedIsWrittenAnew)
               (LogLines{Error("SetValueByKey", "cannot fopen for read.[Too many open files]")}));
 }
 
+TEST_F(SetValueByKeyTest, AFileThatCannotBeReadToItsEndIsNotReplaced)
+{
+    // The kernel's own bad sector: it opens, and its first page cannot be read.
+    std::filesystem::create_symlink("/proc/self/mem", Mapped(kFile));
+    EXPECT_FALSE(SetValueByKey(kFile, "MTU", "1400"));
+    EXPECT_EQ(TraceOf({"fopen"}), (Texts{"fopen /mnt/mtd/Config/network1 r+"}));
+    EXPECT_EQ(Log(),
+              (LogLines{Error("SetValueByKey",
+                              "cannot read /mnt/mtd/Config/network1.[Input/output error]")}));
+    EXPECT_EQ(OpenHandles(), Texts{});
+    EXPECT_EQ(HeldMutexes(), 0);
+}
+
 TEST_F(SetValueByKeyTest, AFullDiskIsNotSeenAtTheFlush)
 {
     Put(kFile, "MTU = 1500\n");
