@@ -273,6 +273,16 @@ bool WantsNone(const int* maxNum)
     return maxNum == nullptr || *maxNum == 0;
 }
 
+/// True when the table could not be read to its end. A card that is not listed counts as gone, and
+/// a boot then gives up the bonds and bridges that it was in: better no list than a part of one.
+bool IsCutOff(const LineReader& reader, const char* operation)
+{
+    if (!reader.Failed()) return false;
+
+    LOG_ERROR_AS(operation, "Read file %s failed!\n", kInterfaceTable);
+    return true;
+}
+
 /// Capacity of a listing: the arrays have 32 entries, whatever their caller says.
 int CapacityOf(int maxNum)
 {
@@ -617,7 +627,7 @@ bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum)
             ++count;
         }
     }
-    if (count < 1) return false;
+    if (IsCutOff(reader, __func__) || count < 1) return false;
 
     *maxNum = count;
     return true;
@@ -662,6 +672,8 @@ bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
         StoreCounters(&entry.netDatastat, line);
         ++count;
     }
+    if (IsCutOff(reader, __func__)) return false;
+
     if (count < *maxNum) *maxNum = count;
     return true;
 }
@@ -704,6 +716,8 @@ bool GetAllInterfaceInfo(char (*names)[16], int* maxNum)
         if (count < kMaxInterfaces) JoinPoeName(names[count], name);
         ++count;
     }
+    if (IsCutOff(reader, __func__)) return false;
+
     *maxNum = std::min(count, capacity);
     return true;
 }

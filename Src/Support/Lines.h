@@ -30,6 +30,10 @@ public:
     ///         read: half a line that the error cut off must not pass for a whole one
     bool Next(char (&line)[kLineSize]);
 
+    /// True when it was not the end of the file that ended the lines: what the caller has is a
+    /// part.
+    bool Failed() const { return failed_; }
+
     /// Goes back to the first line. What the buffer still holds of the beginning is not read again.
     void Rewind();
 
