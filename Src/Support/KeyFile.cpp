@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -23,6 +24,7 @@ namespace {
 
 constexpr char kIPv4Base[] = "/mnt/mtd/Config/network";
 constexpr char kIPv6Base[] = "/mnt/mtd/Config/networkip6";
+constexpr char kOldNameOfEth2[] = "network2";
 constexpr char kSwitchModeFile[] = "/mnt/mtd/Config/poeMode.conf";
 
 constexpr int kLinesLookedAt = 32;
@@ -238,6 +240,17 @@ bool WriteLines(const char* filename, const Lines& lines)
     return true;
 }
 
+// ---- listing
+
+/// A folder has no order. The old name of eth2's file is put last: who finds a card by the name of
+/// its file finds it under the present name first, not a card "2" that is none.
+void PutOldNameLast(char (*files)[kFileNameSize], int count)
+{
+    for (int i = 0; i < count - 1; ++i) {
+        if (Equal(files[i], kOldNameOfEth2)) std::swap(files[i], files[count - 1]);
+    }
+}
+
 // ---- switch modes
 
 int32_t SwitchModeFromText(const char* text, int32_t* mode)
@@ -422,6 +435,7 @@ bool GetAllNetworkFile(char (*files)[64], int* num)
         CopyText(files[count], name);
         ++count;
     }
+    PutOldNameLast(files, count);
     *num = count;
     return true;
 }

@@ -94,7 +94,8 @@ VORLIX_API bool CreateConfigFile(const char* ethName);
 /// @errors a failed removal, and NULL: Warn
 VORLIX_API bool DelConfigFile(const char* ethName);
 
-/// Lists the base names of all IPv4 setting files, in the directory's order.
+/// Lists the base names of all IPv4 setting files, in the directory's order, "network2" (the old
+/// name of the file of eth2) last.
 ///
 /// @param files  `*num` entries of 64 bytes
 /// @param num    capacity on entry (32 by custom), number of names on return

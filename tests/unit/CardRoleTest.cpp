@@ -242,6 +242,17 @@ TEST_F(GetDefaultEthByConfigTest, AFoundNameIsCutToItsBuffer)
     EXPECT_STREQ(name, "bond0");
 }
 
+TEST_F(GetDefaultEthByConfigTest, AFileWithAnOldNameIsFoundUnderItsPresentOne)
+{
+    SavePrio("networketh2", "0");
+    SavePrio("network2", "0");
+    EXPECT_EQ(Default(), "eth2");
+    Remove("/mnt/mtd/Config/networketh2");
+    SavePrio("networketh2", "0");  // now the later one of the two
+    EXPECT_EQ(Default(), "eth2");
+    EXPECT_EQ(Log(), kSilence);
+}
+
 TEST_F(GetDefaultEthByConfigTest, AFoundNameNeedsABuffer)
 {
     SavePrio("networkbond0", "0");

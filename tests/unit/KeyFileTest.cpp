@@ -407,6 +407,21 @@ TEST_F(GetAllNetworkFileTest, ListsTheIPv4FilesOfAllCards)
     EXPECT_EQ(OpenHandles(), Texts{});
 }
 
+TEST_F(GetAllNetworkFileTest, TheOldNameOfAFileComesLast)
+{
+    // In whatever order the folder tells them: one file is made before, one behind.
+    for (const char* name : {"network", "network2", "networketh2"}) Put(In(name), "");
+    char files[3][64] = {};
+    int count = 3;
+    EXPECT_TRUE(GetAllNetworkFile(files, &count));
+    EXPECT_EQ(count, 3);
+    EXPECT_STREQ(files[2], "network2");
+    for (const char* name : {"network", "networketh2"}) Remove(In(name));
+    for (const char* name : {"networketh2", "network"}) Put(In(name), "");
+    EXPECT_TRUE(GetAllNetworkFile(files, &count));
+    EXPECT_STREQ(files[2], "network2");
+}
+
 TEST_F(GetAllNetworkFileTest, PassesOverWhatIsNoFile)
 {
     Put(In("network"), "");
