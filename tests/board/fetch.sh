@@ -53,8 +53,10 @@ unpack()
     package_arch=$2
     shift 2
     packages=$(mktemp -d "$cache/packages-XXXXXX")
+    trap 'rm -rf "$packages"' EXIT
+    mkdir -p "$into"
     (cd "$packages" && apt_of "$package_arch" apt-get download "$@") >"$state/log" 2>&1 ||
-        { tail -n 5 "$state/log" >&2; rm -rf "$packages"; exit 1; }
+        { tail -n 5 "$state/log" >&2; exit 1; }
     for package in "$packages"/*.deb; do dpkg-deb -x "$package" "$into"; done
     rm -rf "$packages"
 }
@@ -84,6 +86,7 @@ fetch_tools()
     # shellcheck disable=SC2086  # a list of words
     apt apt-get install -y --no-install-recommends --download-only $1 >"$state/log" 2>&1 ||
         { tail -n 5 "$state/log" >&2; exit 1; }
+    mkdir -p "$board/root"
     for package in "$state"/cache/archives/*.deb; do dpkg-deb -x "$package" "$board/root"; done
     rm -f "$state"/cache/archives/*.deb
     echo "$had$1" | sed 's/^ *//' >"$board/complete"
