@@ -71,6 +71,8 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "pkg-config, cmake")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_CONTROL_EXTRA
   ${debian}/conffiles ${debian}/postinst ${debian}/postrm)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${debian}/triggers)
+install(FILES ${debian}/README.Debian
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/lanrise COMPONENT program EXCLUDE_FROM_ALL)
 install(PROGRAMS ${PROJECT_SOURCE_DIR}/tests/board/tools/ifenslave
   DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/lanrise/examples COMPONENT program EXCLUDE_FROM_ALL)
 

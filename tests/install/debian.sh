@@ -51,6 +51,9 @@ try_packages()
     is 'links of the init script' "$(cd "$root/etc" && echo rc*.d/*lanrise)" rcS.d/S01lanrise
     is 'links of the unit' "$(cd "$root/etc/systemd/system" && find . -name lanrise.service)" \
         ./multi-user.target.wants/lanrise.service
+    rm "$root/etc/systemd/system/multi-user.target.wants/lanrise.service" # as `systemctl disable` does
+    succeeds 'installation over it' inside sh -c 'dpkg --force-depends --install /packages/lanrise_*'
+    is 'a start that was disabled' "$(cd "$root/etc/systemd/system" && find . -name lanrise.service)" ''
     is 'settings after the installation' "$(ls "$root/mnt/mtd/Config")" ''
     for page in 3/vorlix.3 5/lanrise.5 8/lanrise.8; do
         succeeds "page $page" gzip -t "$root/usr/share/man/man$page.gz"
@@ -100,8 +103,8 @@ for package in "$packages"/*.deb; do
     dpkg-deb -x "$package" "$debian/sysroot"
 done
 is 'files of the packages' \
-    "$(cd "$debian/sysroot" && find usr/share/doc -name copyright -o -name changelog.gz -o -name ifenslave | sort | paste -sd ' ')" \
-    "usr/share/doc/lanrise/changelog.gz usr/share/doc/lanrise/copyright usr/share/doc/lanrise/examples/ifenslave usr/share/doc/libvorlix-dev/changelog.gz usr/share/doc/libvorlix-dev/copyright usr/share/doc/libvorlix$soversion/changelog.gz usr/share/doc/libvorlix$soversion/copyright"
+    "$(cd "$debian/sysroot" && find usr/share/doc -name copyright -o -name changelog.gz -o -name README.Debian -o -name ifenslave | sort | paste -sd ' ')" \
+    "usr/share/doc/lanrise/README.Debian usr/share/doc/lanrise/changelog.gz usr/share/doc/lanrise/copyright usr/share/doc/lanrise/examples/ifenslave usr/share/doc/libvorlix-dev/changelog.gz usr/share/doc/libvorlix-dev/copyright usr/share/doc/libvorlix$soversion/changelog.gz usr/share/doc/libvorlix$soversion/copyright"
 
 [ "$(id -u)" = 0 ] || skip 'a root to install into needs root; the packages themselves were looked at'
 clean=$("$here/root.sh" "$packages"/*.deb) || skip 'no clean root: its packages cannot be had'

@@ -39,7 +39,7 @@ for component in program library development; do
         cmake --install "$build" --component "$component"
 done
 # What Debian wants beside them is theirs alone.
-parts_of() { tree_of "$work/component/$1" | grep -v -e '/copyright$' -e '/changelog$' -e '/ifenslave$'; }
+parts_of() { tree_of "$work/component/$1" | grep -v -e '/copyright$' -e '/changelog$' -e '/README.Debian$' -e '/ifenslave$'; }
 is 'files of the library alone' "$(parts_of library | paste -sd ' ')" \
     "usr/lib/libvorlix.so.${version%%.*} usr/lib/libvorlix.so.$version"
 for component in program library development; do parts_of $component; done | sort >"$work/parts.list"
