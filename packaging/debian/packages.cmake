@@ -23,7 +23,6 @@ set(VORLIX_MAINTAINER ${maintainer} CACHE STRING "Maintainer of the Debian packa
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER ${VORLIX_MAINTAINER})
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
@@ -67,6 +66,15 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS "bridge-utils, iproute2, iptables, n
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SUGGESTS "lanrise, openssh-server")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION}), libc6-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "pkg-config, cmake")
+
+# dpkg-shlibdeps knows the libraries of the machine that it runs on. For another machine libc, the only
+# one, is named here, with the version that gave the newest of the used symbols.
+if(CMAKE_CROSSCOMPILING)
+  set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS "libc6 (>= 2.34)")
+  string(APPEND CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS ", libc6 (>= 2.34)")
+else()
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+endif()
 
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_CONTROL_EXTRA
   ${debian}/conffiles ${debian}/postinst ${debian}/postrm)

@@ -57,3 +57,13 @@ skip()
     echo "skipped: $1"
     exit 77
 }
+
+# relations_of PACKAGE.deb...: what they say of themselves; the version of libc is the machine's
+relations_of()
+{
+    for package in "$@"; do
+        dpkg-deb -f "$package" Package Version Section Depends Recommends Suggests |
+            sed 's/libc6 (>= [^)]*)/libc6/'
+        echo
+    done
+}
