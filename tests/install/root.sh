@@ -34,9 +34,9 @@ flock 9
 
 # The lists are asked for once a week; older ones do when there is no net.
 if [ -z "$(find "$state/updated" -mmin -10080 2>/dev/null)" ]; then
-    if apt apt-get update >"$state/log" 2>&1; then
+    if apt apt-get update --error-on=any >"$state/log" 2>&1; then
         touch "$state/updated"
-    elif [ ! -e "$state/updated" ]; then
+    elif [ -z "$(find "$state/lists" -name '*_Packages*')" ]; then
         give_up
     fi
 fi
@@ -67,5 +67,7 @@ if [ ! -e "$root" ]; then
     done <"$state/list"
     mv "$root.new" "$root"
     rm -rf "$state/cache/archives"
+    # What an older list asked for.
+    find "$cache" -maxdepth 1 -name '????????????????' ! -path "$root" -mtime +30 -exec rm -rf {} +
 fi
 echo "$root"
