@@ -11,7 +11,8 @@ board=$1
 here=$(cd "$(dirname "$0")" && pwd)
 version=$(cat "$board/version")
 modules="virtio_pci virtio_net bonding bridge 8021q dummy veth macvlan ipvlan
-    sch_htb sch_sfq sch_ingress cls_u32 iptable_filter ip6table_filter ipt_REJECT ip6t_REJECT xt_tcpudp"
+    sch_htb sch_sfq sch_ingress cls_u32 iptable_filter ip6table_filter ipt_REJECT ip6t_REJECT xt_tcpudp
+    jffs2"
 tools="usr/bin/dash bin/dash sbin/ifconfig sbin/route sbin/brctl bin/ip sbin/ip sbin/tc usr/bin/ping
     bin/ping sbin/ifup"
 

@@ -15,6 +15,15 @@ int __printf(1, 2) board_request(const char *format, ...);
 int board_trace_init(void);
 void board_trace_exit(void);
 
+int board_flash_init(void);
+void board_flash_exit(void);
+
+/*
+ * What a battery keeps while the board is off, beside the flash; NULL without
+ * a flash.
+ */
+u8 *board_battery(size_t size);
+
 int board_memory_init(void);
 void board_memory_exit(void);
 

@@ -10,6 +10,7 @@ static const struct {
 	void (*exit)(void);
 } parts[] = {
 	{ board_trace_init, board_trace_exit },
+	{ board_flash_init, board_flash_exit },
 	{ board_memory_init, board_memory_exit },
 	{ board_poe_init, board_poe_exit },
 	{ board_cards_init, board_cards_exit },

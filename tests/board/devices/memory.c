@@ -47,7 +47,7 @@ struct board_memory {
 	const char *tag;
 	bool present;
 	u32 size;
-	u8 bytes[MEMORY_SIZE];
+	u8 *bytes;
 	struct miscdevice device;
 };
 
@@ -165,8 +165,12 @@ static const struct file_operations sram_ops = {
 	.unlocked_ioctl = sram_ioctl,
 };
 
+static u8 rtc_bytes[MEMORY_SIZE];
+static u8 sram_bytes[MEMORY_SIZE];
+
 static struct board_memory rtc = {
 	.tag = "rtc",
+	.bytes = rtc_bytes,
 	.size = MEMORY_SIZE,
 	.device = { .minor = MISC_DYNAMIC_MINOR,
 		    .name = "pdcRtc",
@@ -175,6 +179,7 @@ static struct board_memory rtc = {
 
 static struct board_memory sram = {
 	.tag = "sram",
+	.bytes = sram_bytes,
 	.device = { .minor = MISC_DYNAMIC_MINOR,
 		    .name = "pdcSramFile",
 		    .fops = &sram_ops },
@@ -198,7 +203,12 @@ void board_memory_exit(void)
 
 int board_memory_init(void)
 {
-	int error = put_in(&rtc, with_rtc);
+	u8 *kept = board_battery(MEMORY_SIZE);
+	int error;
+
+	if (kept)
+		rtc.bytes = kept;
+	error = put_in(&rtc, with_rtc);
 
 	if (!error)
 		error = put_in(&sram, with_sram);
