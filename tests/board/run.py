@@ -73,9 +73,9 @@ def network(wires):
     return options
 
 
-def command_line(arch, board, image, wires, control):
+def command_line(arch, board, image, wires, control, memory="256"):
     return MACHINES[arch] + [
-        "-accel", "tcg", "-m", "256", "-smp", "1", "-display", "none", "-nodefaults", "-no-reboot",
+        "-accel", "tcg", "-m", memory, "-smp", "1", "-display", "none", "-nodefaults", "-no-reboot",
         "-serial", "stdio", "-qmp", f"unix:{control},server=on,wait=off",
         "-kernel", os.path.join(board, "boot/kernel"), "-initrd", image,
         "-append", f"console={CONSOLES[arch]} panic=-1 quiet net.ifnames=0",
@@ -94,8 +94,12 @@ class Control:
 
     def tell(self, command, **arguments):
         self.line.sendall(json.dumps({"execute": command, "arguments": arguments}).encode())
-        while "return" not in json.loads(self.answers.readline()):
-            pass  # events in between
+        for answer in map(json.loads, self.answers):
+            if "return" in answer:
+                return answer["return"]
+            if "error" in answer:
+                raise RuntimeError(f"{command}: {answer['error']['desc']}")
+        raise RuntimeError(f"{command}: no answer")
 
 
 def serve(machine, path):
@@ -151,4 +155,5 @@ def main():
     sys.exit(0 if result and result[0] > 0 and result[1] == 0 else 1)
 
 
-main()
+if __name__ == "__main__":
+    main()
