@@ -498,8 +498,9 @@ bool IsTrunkBondConfig(char* name, bool* isTrunk)
         return false;
     }
     *isTrunk = !HoldsKey(file.Get(), HOST_BONDMEMBERS_KEY);
-    lock.Release();
+    lock.ReleaseFile();
     file.Close();
+    lock.Release();
     LOG_INFO("%s", *isTrunk ? "Is Trunk config" : "Not Trunk config");
     return true;
 }

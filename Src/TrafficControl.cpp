@@ -226,7 +226,7 @@ bool TC_GetFromConfig(const char* name, NetTc* tc, int* tcNum)
 
     char path[kTextSize];
     FormPath(name, path);
-    ConfigLock lock(path);
+    const ConfigLock lock(path);
     const Stream file(fopen(path, "r"));
     if (file == nullptr) {
         LOG_ERROR("cannot fopen %s.[%s]", name, strerror(errno));
@@ -238,7 +238,7 @@ bool TC_GetFromConfig(const char* name, NetTc* tc, int* tcNum)
         if (ParseLine(line, &tc[count])) ++count;
     }
     *tcNum = count;
-    lock.Release();  // a reader unlocks first and closes then
+    lock.ReleaseFile();  // a reader unlocks first and closes then
     return true;
 }
 

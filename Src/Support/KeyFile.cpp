@@ -93,14 +93,7 @@ void LockFile(const char* filename)
 
 void UnlockFile()
 {
-    if (fd >= 0) {
-        if (!ControlFile(F_UNLCK, F_SETLKW)) {
-            LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_UNLCK) failed, pid:%d, [%s]", getpid(),
-                         strerror(errno));
-        }
-        close(fd);
-        fd = -1;
-    }
+    ReleaseLockedFile();
     pthread_mutex_unlock(&net_config_Lock);
 }
 
@@ -143,7 +136,7 @@ void FindLines(const char* filename, KeyLine (&wanted)[count])
             }
         }
     }
-    lock.Release();  // a reader unlocks first and closes then
+    lock.ReleaseFile();  // a reader unlocks first and closes then
 }
 
 /// Cuts the value out of its line, when there is one, and copies it out.
@@ -272,6 +265,18 @@ const char* KeyText(KEYENUM key)
     return keys[key];
 }
 
+void ReleaseLockedFile()
+{
+    if (fd < 0) return;
+
+    if (!ControlFile(F_UNLCK, F_SETLKW)) {
+        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_UNLCK) failed, pid:%d, [%s]", getpid(),
+                     strerror(errno));
+    }
+    close(fd);
+    fd = -1;
+}
+
 bool ReadTwoKeys(const char* filename, const Wanted& first, const Wanted& second)
 {
     KeyLine lines[] = {{KeyText(first.key), false, {}}, {KeyText(second.key), false, {}}};
@@ -289,7 +294,7 @@ void SwitchModes::Read()
         LineReader reader(file.Get());
         while (count_ < kCapacity && reader.Next(lines_[count_])) ++count_;
     }
-    lock.Release();
+    lock.ReleaseFile();
 }
 
 int32_t SwitchModes::Get(const char* name, int32_t* mode)
@@ -396,6 +401,7 @@ bool CreateConfigFile(const char* ethName)
     char path[kPathSize] = {};
     if (!GetFileByName(ethName, path, sizeof(path))) return false;
 
+    const ConfigLock lock(path);
     const Fd file(open(path, O_RDWR | O_CREAT, kNewFileMode));
     return file.Ok();
 }

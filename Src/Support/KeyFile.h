@@ -139,7 +139,15 @@ constexpr int kPathSize = 64;
 /// Text of a known key.
 const char* KeyText(KEYENUM key);
 
+/// The first half of `FileLock(false, ...)`: lets other processes at the file now locked, while the
+/// threads of this one still wait. Does nothing when the file is not locked.
+void ReleaseLockedFile();
+
 /// The lock of one setting file, held to the end of the scope or to `Release`.
+///
+/// All that is opened of the file under the lock is closed before the threads are let in: a process
+/// loses its lock on a file as soon as it closes any descriptor of that file, so a descriptor that
+/// is closed later takes away the lock that the next thread has just got.
 class ConfigLock {
 public:
     explicit ConfigLock(const char* filename) : filename_(filename)
@@ -149,6 +157,12 @@ public:
     ~ConfigLock() { Release(); }
     ConfigLock(const ConfigLock&) = delete;
     ConfigLock& operator=(const ConfigLock&) = delete;
+
+    /// For readers, which let other processes in first and close then.
+    void ReleaseFile() const
+    {
+        if (held_) ReleaseLockedFile();
+    }
 
     void Release()
     {

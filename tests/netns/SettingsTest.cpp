@@ -3,16 +3,39 @@
 #include "Device.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <memory>
 #include <random>
 #include <sstream>
+#include <thread>
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace device;
+
+namespace {
+
+/// Whether a thread is put off where that is worst: when it has just let the next one in. What it
+/// should have done before, it then does too late.
+std::atomic<bool> putOffBehindLocks{false};
+
+}  // namespace
+
+extern "C" {
+
+int __real_pthread_mutex_unlock(pthread_mutex_t* mutex);
+
+int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex)
+{
+    const int result = __real_pthread_mutex_unlock(mutex);
+    if (putOffBehindLocks) usleep(1);
+    return result;
+}
+}
 
 namespace {
 
@@ -110,6 +133,41 @@ TEST_F(TwoProcessesTest, AReaderNeverSeesAFileHalfWritten)
         ASSERT_NE(Value("MTU"), "(no value)");
     }
     EXPECT_TRUE(writer.Wait());
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+/// Writes a key again and again, and looks each time whether it is there.
+void Write(const char* key, int times)
+{
+    for (int i = 1; i <= times; ++i) {
+        const std::string value = std::to_string(i);
+        EXPECT_TRUE(SetValueByKey(kFile, key, value.c_str()));
+        ASSERT_EQ(Value(key), value) << key;
+    }
+}
+
+/// A process loses its lock on a file when any of its threads closes a descriptor of that file.
+TEST_F(TwoProcessesTest, AThreadThatReadsLeavesTheLockToTheOneThatWrites)
+{
+    constexpr int kWrites = 200;
+    Put(kFile, Lines({"HOSTIP = 10.0.0.1", "MTU = 0", "PRIO = 0", "ROUTE = kept"}));
+    putOffBehindLocks = true;
+    Child other([] { Write("PRIO", kWrites); });
+    std::atomic<bool> end{false};
+    std::thread readers[2];
+    for (std::thread& reader : readers) {
+        reader = std::thread([&end] {
+            while (!end) EXPECT_EQ(Value("ROUTE"), "kept");
+        });
+    }
+    Write("MTU", kWrites);
+    EXPECT_TRUE(other.Wait());
+    end = true;
+    for (std::thread& reader : readers) reader.join();
+
+    const std::string last = std::to_string(kWrites);
+    EXPECT_EQ(Get(kFile),
+              Lines({"HOSTIP = 10.0.0.1", "MTU = " + last, "PRIO = " + last, "ROUTE = kept"}));
     EXPECT_EQ(Log(), LogLines{});
 }
 

@@ -626,7 +626,7 @@ TEST_F(IsTrunkBondConfigTest, TheFileIsReadUnderItsLock)
                            "mutex lock", "open " + file + " O_WRONLY|O_APPEND",
                            "fcntl F_SETLKW F_WRLCK " + file, "open " + file + " O_RDONLY",
                            "pread " + file, "fcntl F_SETLKW F_UNLCK " + file, "close " + file,
-                           "mutex unlock", "close " + file}));
+                           "close " + file, "mutex unlock"}));
 }
 
 TEST_F(IsTrunkBondConfigTest, FailsOnlyWhenTheFileCannotBeOpened)

@@ -247,10 +247,30 @@ TEST_F(GetValueByKeyTest, UnlocksFirstAndClosesThen)
                                 "fcntl F_SETLKW F_WRLCK /mnt/mtd/Config/network1",
                                 "open /mnt/mtd/Config/network1 O_RDONLY",
                                 "fcntl F_SETLKW F_UNLCK /mnt/mtd/Config/network1",
-                                "close /mnt/mtd/Config/network1", "mutex unlock",
-                                "close /mnt/mtd/Config/network1"}))
+                                "close /mnt/mtd/Config/network1", "close /mnt/mtd/Config/network1",
+                                "mutex unlock"}))
             << key;
     }
+}
+
+/// A descriptor closed later would take away the lock that the next thread has got by then, and
+/// another process would write beside it: one of the two writes would be lost, or most of the file.
+TEST_F(GetValueByKeyTest, ThreadsGetInWhenNothingOfTheFileIsOpenAnyMore)
+{
+    Put(kFile, "MTU = 1500\n");
+    Texts open = {"never asked"};
+    OnCall("mutex unlock", [&] { open = OpenHandles(); });
+    EXPECT_EQ(Read("MTU"), "1500");
+    EXPECT_EQ(open, Texts{});
+}
+
+TEST_F(GetValueByKeyTest, OtherProcessesGetInFirst)
+{
+    Put(kFile, "MTU = 1500\n");
+    bool locked = true;
+    OnCall("mutex unlock", [&] { locked = LockedForOthers(kFile); });
+    EXPECT_EQ(Read("MTU"), "1500");
+    EXPECT_FALSE(locked);
 }
 
 TEST_F(GetValueByKeyTest, AMissingFileIsAskedForOnce)
@@ -378,7 +398,7 @@ TEST_F(ReadTwoKeysTest, TakesTheFileOnce)
                "fcntl F_SETLKW F_WRLCK /mnt/mtd/Config/network1",
                "open /mnt/mtd/Config/network1 O_RDONLY", "pread /mnt/mtd/Config/network1",
                "fcntl F_SETLKW F_UNLCK /mnt/mtd/Config/network1", "close /mnt/mtd/Config/network1",
-               "mutex unlock", "close /mnt/mtd/Config/network1"}));
+               "close /mnt/mtd/Config/network1", "mutex unlock"}));
 }
 
 // ---- switch modes
@@ -514,8 +534,8 @@ TEST_F(SwitchModesTest, ReadsTheFileOnceAndWhenItIsAsked)
                      "open /mnt/mtd/Config/poeMode.conf O_RDONLY",
                      "pread /mnt/mtd/Config/poeMode.conf", "pread /mnt/mtd/Config/poeMode.conf",
                      "fcntl F_SETLKW F_UNLCK /mnt/mtd/Config/poeMode.conf",
-                     "close /mnt/mtd/Config/poeMode.conf", "mutex unlock",
-                     "close /mnt/mtd/Config/poeMode.conf"}));
+                     "close /mnt/mtd/Config/poeMode.conf", "close /mnt/mtd/Config/poeMode.conf",
+                     "mutex unlock"}));
 }
 
 TEST_F(SwitchModesTest, AMissingFileIsNotLookedForAgain)

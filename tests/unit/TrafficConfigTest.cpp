@@ -321,8 +321,8 @@ TEST_F(TC_GetFromConfigTest, ReadsUnderTheLockAndClosesBehindIt)
     EXPECT_EQ(Listed().size(), 1U);
     EXPECT_EQ(Trace(), (Texts{"mutex lock", Call("open", " O_WRONLY|O_APPEND"),
                               Call("fcntl F_SETLKW F_WRLCK"), Call("fopen", " r"),
-                              Call("fcntl F_SETLKW F_UNLCK"), Call("close"), "mutex unlock",
-                              Call("fclose")}));
+                              Call("fcntl F_SETLKW F_UNLCK"), Call("close"), Call("fclose"),
+                              "mutex unlock"}));
 }
 
 TEST_F(TC_GetFromConfigTest, NullIsRefusedInSilence)
