@@ -160,6 +160,14 @@ TEST_F(ArpCheckTest, TextsThatDoNotParseAreAFailureAndNothingIsSent)
               (Texts{"socket AF_INET", "close AF_INET", "socket AF_INET", "close AF_INET"}));
 }
 
+TEST_F(ArpCheckTest, TextsThatDoNotParseAreToldBeforeTheSocketIsClosed)
+{
+    size_t told = 0;
+    OnCall("close AF_INET", [&] { told = Log().size(); });
+    EXPECT_EQ(Arp_Ckeck("eth0", kOurIP, kOurMac, "10.0.0.x", kBroadcastMac, 1), -1);
+    EXPECT_EQ(told, 2U);
+}
+
 // ---- listening
 
 TEST_F(ArpCheckTest, ASilentSegmentUsesTheWholeBudget)
@@ -168,6 +176,15 @@ TEST_F(ArpCheckTest, ASilentSegmentUsesTheWholeBudget)
     EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", kSends[0], kSends[1], kSends[2], "poll 1 3000",
                                   "poll 1 0", "close AF_INET"}));
     EXPECT_EQ(Log(), Joined({HeardNothing(3), HeardNothing(0)}));
+}
+
+TEST_F(ArpCheckTest, TheBudgetBeginsBehindTheSends)
+{
+    OnCall("sendto", [] { SetClock(1000000 + 100); });
+    OnCall("sendto", [] { SetClock(1000000 + 200); });
+    OnCall("sendto", [] { SetClock(1000000 + 300); });
+    EXPECT_EQ(Probe(3), 0);
+    EXPECT_EQ(TraceOf({"poll"}), (Texts{"poll 1 3000", "poll 1 0"}));
 }
 
 TEST_F(ArpCheckTest, AConflictDoesNotEndTheProbe)

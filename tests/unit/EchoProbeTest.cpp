@@ -158,6 +158,15 @@ TEST_F(PingTest, AHostThatDoesNotParseIsProbedAndNeverAlive)
     }
 }
 
+TEST_F(PingTest, TheHostIsLookedAtBehindWhatIsBound)
+{
+    EXPECT_FALSE(Ping_CheckAlive("eth9", "10.0.0", "host", 0));
+    EXPECT_EQ(Log(), (LogLines{Error("BindToDevice", "set socket SO_BINDTODEVICE failed"),
+                               Error("BindIPPort", "inet_pton failed:No such device"),
+                               Error("Ping_CheckAlive", "inet_pton failed"),
+                               Info("Ping_CheckAlive", "device host is not alive")}));
+}
+
 // ---- listening
 
 TEST_F(PingTest, ASilentHostUsesTheBudgetOnce)
@@ -167,6 +176,28 @@ TEST_F(PingTest, ASilentHostUsesTheBudgetOnce)
     LogLines expected = HeardNothing("Ping_CheckAlive", 3);
     expected.push_back(kNotAlive);
     EXPECT_EQ(Log(), expected);
+}
+
+TEST_F(PingTest, TheBudgetBeginsBehindTheSends)
+{
+    OnCall("sendto", [] { SetClock(1000000 + 100); });
+    OnCall("sendto", [] { SetClock(1000000 + 200); });
+    OnCall("sendto", [] { SetClock(1000000 + 300); });
+    EXPECT_FALSE(Ping_CheckAlive(nullptr, nullptr, kHost, 3));
+    EXPECT_EQ(TraceOf({"poll"}), (Texts{"poll 1 3000"}));
+}
+
+TEST_F(PingTest, TheOutcomeIsToldBeforeTheSocketIsClosed)
+{
+    for (const LogLine& outcome : {kNotAlive, kAlive}) {
+        ClearLog();
+        LogLines told;
+        OnCall("close AF_INET", [&] { told = Log(); });
+        if (outcome == kAlive) Arrive(EchoReply());
+        EXPECT_EQ(Ping_CheckAlive(nullptr, nullptr, kHost, 1), outcome == kAlive);
+        ASSERT_FALSE(told.empty());
+        EXPECT_EQ(told.back(), outcome);
+    }
 }
 
 TEST_F(PingTest, TheFirstAnswerEndsTheProbe)
