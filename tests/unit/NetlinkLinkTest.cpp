@@ -299,6 +299,16 @@ TEST_F(LinkRequestTest, ALinkThatIsAlreadyThereIsRefused)
     EXPECT_EQ(OpenHandles(), Texts{});
 }
 
+TEST_F(LinkRequestTest, ARefusalIsToldBeforeTheHandleIsClosed)
+{
+    LogLines told;
+    rtnetlink.refusal = EPERM;
+    OnCall("close AF_NETLINK", [&] { told = Log(); });
+    EXPECT_EQ(IpVlan(RTM_NEWLINK), -2);
+    EXPECT_EQ(told, Log());
+    EXPECT_EQ(told.size(), 3U);
+}
+
 TEST_F(LinkRequestTest, ALinkThatIsNotThereCannotBeDeleted)
 {
     rtnetlink.refusal = ENODEV;

@@ -126,6 +126,16 @@ TEST_F(RuleTest, ARefusalIsAPositiveResultAndFlushesNothing)
     EXPECT_EQ(Get(kFlushFile), "");
 }
 
+TEST_F(RuleTest, ARefusalIsToldBeforeTheHandleIsClosed)
+{
+    LogLines told;
+    rtnetlink.refusal = EPERM;
+    OnCall("close AF_NETLINK", [&] { told = Log(); });
+    EXPECT_EQ(Netlink_IPv4Rule(RTM_DELRULE, "10.0.0.2", 42, 0), 2);
+    EXPECT_EQ(told, Log());
+    EXPECT_EQ(told.size(), 3U);
+}
+
 TEST_F(RuleTest, EachFailureIsToldAndLeavesNothingOpen)
 {
     static int result;

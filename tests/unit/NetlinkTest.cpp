@@ -80,6 +80,27 @@ TEST_F(RtnlOpenTest, AHandleWithoutAnAddressIsClosedAndKeepsItsNumber)
               (LogLines{Error("rtnl_open", "getsockname failed [No buffer space available]")}));
 }
 
+TEST_F(RtnlOpenTest, AFailureIsToldBeforeTheHandleIsClosed)
+{
+    for (const char* call : {"bind", "getsockname"}) {
+        ClearLog();
+        size_t told = 0;
+        Fail(call, EIO);
+        OnCall("close AF_NETLINK", [&] { told = Log().size(); });
+        rtnl_handle handle = Garbage();
+        EXPECT_EQ(rtnl_open(&handle), -1);
+        EXPECT_EQ(told, 1U) << call;
+    }
+}
+
+TEST_F(RtnlOpenTest, TheTimeIsTakenOnceTheAddressIsKnown)
+{
+    OnCall("getsockname", [] { SetClock(kNow + 9); });
+    rtnl_handle handle = Garbage();
+    EXPECT_EQ(rtnl_open(&handle), 0);
+    EXPECT_EQ(handle.seq, static_cast<uint32_t>(kNow + 9));
+}
+
 TEST_F(RtnlOpenTest, DescriptorZeroIsNeitherBoundNorAsked)
 {
     {
@@ -296,6 +317,15 @@ TEST_F(XllNameToIndexTest, AnUnknownInterfaceHasIndexZeroAndALine)
     EXPECT_EQ(xll_name_to_index("eth9"), 0);
     EXPECT_EQ(Trace(), (Texts{"socket AF_INET", "ioctl SIOCGIFINDEX eth9", "close AF_INET"}));
     EXPECT_EQ(Log(), (LogLines{Error("xll_name_to_index", "can't find device 'eth9' ")}));
+}
+
+TEST_F(XllNameToIndexTest, TheSocketIsClosedBeforeTheLine)
+{
+    size_t told = 1;
+    OnCall("close AF_INET", [&] { told = Log().size(); });
+    EXPECT_EQ(xll_name_to_index("eth9"), 0);
+    EXPECT_EQ(told, 0U);
+    EXPECT_EQ(Log().size(), 1U);
 }
 
 TEST_F(XllNameToIndexTest, WithoutASocketTheIndexIsZero)
