@@ -222,6 +222,15 @@ TEST_F(NetSetIPv6byNameTest, AnEmptyAddressTakesItAwayInBothStores)
                                Warn("NetSetIPv6byName", "addr is empty.")}));
 }
 
+TEST_F(NetSetIPv6byNameTest, AnEmptyAddressNeedsAPrefixThatHolds)
+{
+    EXPECT_FALSE(NetSetIPv6byName("eth1", "", "129"));
+    EXPECT_EQ(Addresses(), Lines{"2001:db8::1/64"});
+    EXPECT_EQ(Get(kFile1), kSaved);
+    EXPECT_EQ(Log(),
+              (LogLines{Began("", "129"), Error("NetSetIPv6byName", "invalid pagram of perfix!")}));
+}
+
 TEST_F(NetSetIPv6byNameTest, AnEmptyAddressThatCannotBeSavedFails)
 {
     FailAll(kWrites1, EROFS);

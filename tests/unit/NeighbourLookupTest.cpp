@@ -69,6 +69,15 @@ TEST_P(NeighbourLookupTest, SaysThatThereIsNone)
     EXPECT_EQ(HeldMutexes(), 0);
 }
 
+TEST_P(NeighbourLookupTest, SaysSoOnceTheLockIsReleased)
+{
+    size_t told = 1;
+    OnCall("mutex unlock", [&] { told = Log().size(); });
+    EXPECT_FALSE(Find(GetParam().unknown));
+    EXPECT_EQ(told, 0U);
+    EXPECT_EQ(Log().size(), 1U);
+}
+
 TEST_P(NeighbourLookupTest, AnEmptyTableHoldsNone)
 {
     for (const char* table : {kTitles, ""}) {

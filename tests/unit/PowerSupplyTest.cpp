@@ -99,6 +99,18 @@ TEST_F(PowerSupplyTest, ARefusalTellsTheRequestAndTheReason)
     }
 }
 
+TEST_F(PowerSupplyTest, ARefusalIsToldBeforeTheDeviceIsClosed)
+{
+    for (const Request& request : Requests()) {
+        ClearLog();
+        size_t told = 0;
+        Fail(request.traced, EIO);
+        OnCall(kCloses, [&] { told = Log().size(); });
+        EXPECT_FALSE(request.run());
+        EXPECT_EQ(told, 1U) << request.operation;
+    }
+}
+
 TEST_F(PowerSupplyTest, OnlyANegativeAnswerIsARefusal)
 {
     for (const Request& request : Requests()) {

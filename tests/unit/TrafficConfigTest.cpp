@@ -100,6 +100,18 @@ TEST_F(TC_SaveToConfigTest, AFileThatCannotBeOpenedIsAnErrorUnderTheCardsName)
     EXPECT_EQ(HeldMutexes(), 0);
 }
 
+TEST_F(TC_SaveToConfigTest, FailuresAreToldUnderTheLock)
+{
+    for (const std::string& call : {Call("fopen", " a"), Call("fwrite")}) {
+        ClearLog();
+        size_t told = 0;
+        Fail(call, EIO);
+        OnCall("mutex unlock", [&] { told = Log().size(); });
+        EXPECT_FALSE(TC_SaveToConfig("eth0", Limit("10.0.0.2", 8)));
+        EXPECT_EQ(told, 1U) << call;
+    }
+}
+
 TEST_F(TC_SaveToConfigTest, AShortWriteIsAnErrorWhereverItShows)
 {
     Put(kLimits0, "");
@@ -214,6 +226,14 @@ TEST_F(TC_GetFromConfigTest, WithoutAFileItFailsAndTouchesNothing)
               LogLines{Error("TC_GetFromConfig", "cannot fopen eth0.[No such file or directory]")});
     EXPECT_EQ(HeldMutexes(), 0);
     EXPECT_FALSE(Exists(kLimits0));
+}
+
+TEST_F(TC_GetFromConfigTest, AMissingFileIsToldUnderTheLock)
+{
+    size_t told = 0;
+    OnCall("mutex unlock", [&] { told = Log().size(); });
+    EXPECT_EQ(Listed(), Texts{"(failed)"});
+    EXPECT_EQ(told, 1U);
 }
 
 TEST_F(TC_GetFromConfigTest, AnEmptyFileHasNoLimits)

@@ -419,6 +419,18 @@ TEST_F(TrafCtrlUnSetBandTest, ALimitThatCouldNotBeAppliedAgainIsLost)
     EXPECT_EQ(LogOf("TrafCtrlUnSetBand"), LogLines{NotSet("TrafCtrlUnSetBand", "send", kFirst)});
 }
 
+TEST_F(TrafCtrlUnSetBandTest, AClearingThatFailedDoesNotEndTheRebuild)
+{
+    Prepare({kFirst, kSecond});
+    Fail("vfork", EAGAIN, 1);
+    Fail(std::string("fopen ") + kLimits0 + " w+", EROFS);
+    EXPECT_TRUE(TrafCtrlUnSetBand("eth0", "10.0.0.3"));
+    EXPECT_EQ(
+        NewCommands(),
+        Join({{RemoveIngress("eth0")}, RootCommands("eth0"), LimitCommands("eth0", kFirst, 30)}));
+    EXPECT_EQ(Get(kLimits0), Saved({kFirst, kSecond, kFirst}));
+}
+
 TEST_F(TrafCtrlUnSetBandTest, AReceiveLimitFromAHandEditedFileIsLost)
 {
     Put(kLimits0, Saved({kReceive, kFirst}));
