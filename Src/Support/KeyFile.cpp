@@ -401,7 +401,8 @@ bool CreateConfigFile(const char* ethName)
     char path[kPathSize] = {};
     if (!GetFileByName(ethName, path, sizeof(path))) return false;
 
-    const ConfigLock lock(path);
+    // The threads of this process alone: closing takes away a lock that one of them may have.
+    const ConfigLock lock(nullptr);
     const Fd file(open(path, O_RDWR | O_CREAT, kNewFileMode));
     return file.Ok();
 }

@@ -280,10 +280,8 @@ TEST_F(ConfigFileTest, IsThereOnceItIsCreated)
     EXPECT_TRUE(CreateConfigFile("eth2"));
     EXPECT_TRUE(CheckConfigFile("eth2"));
     EXPECT_EQ(Get(In("networketh2")), "");
-    EXPECT_EQ(TraceOf({"open", "close"}),
-              (Texts{"open /mnt/mtd/Config/networketh2 O_WRONLY|O_APPEND",  // the lock's
-                     "open /mnt/mtd/Config/networketh2 O_RDWR|O_CREAT",
-                     "close /mnt/mtd/Config/networketh2"}));
+    EXPECT_EQ(TraceOf({"open", "close"}), (Texts{"open /mnt/mtd/Config/networketh2 O_RDWR|O_CREAT",
+                                                 "close /mnt/mtd/Config/networketh2"}));
     EXPECT_EQ(Log(), LogLines{});
 }
 
@@ -304,18 +302,19 @@ TEST_F(ConfigFileTest, KeepsItsContentWhenCreatedAgain)
     EXPECT_EQ(Get(kFile), "MTU = 1500\n");
 }
 
-/// Its closing would take the process's lock off the file under whoever writes it.
-TEST_F(ConfigFileTest, WaitsForWhoeverHasTheFileWhenCreatedAgain)
+/// Its closing would take the process's lock off the file under the thread that writes it.
+TEST_F(ConfigFileTest, WaitsForTheThreadThatHasTheFileWhenCreatedAgain)
 {
     Put(kFile, "MTU = 1500\n");
-    bool locked = false;
-    OnCall("open /mnt/mtd/Config/network1 O_RDWR", [&] { locked = LockedForOthers(kFile); });
-    EXPECT_TRUE(CreateConfigFile("eth1"));
-    EXPECT_TRUE(locked);
+    int held = 0;
+    OnCall("open /mnt/mtd/Config/network1 O_RDWR", [&] { held = HeldMutexes(); });
     Texts open = {"never asked"};
     OnCall("mutex unlock", [&] { open = OpenHandles(); });
     EXPECT_TRUE(CreateConfigFile("eth1"));
+    EXPECT_EQ(held, 1);
     EXPECT_EQ(open, Texts{});
+    EXPECT_EQ(Trace(), (Texts{"mutex lock", "open /mnt/mtd/Config/network1 O_RDWR|O_CREAT",
+                              "close /mnt/mtd/Config/network1", "mutex unlock"}));
     EXPECT_EQ(HeldMutexes(), 0);
 }
 
