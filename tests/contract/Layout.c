@@ -39,6 +39,34 @@ SIZE(NetRouteStyleType, 4);
 SIZE(NetWorkMode_E, 4);
 SIZE(IPV6_ADDR_SCOPE_TYPE_E, 4);
 
+VALUE(netModeInvalid, -1);
+VALUE(netModeMultiple, 0);
+VALUE(netModeBond, 1);
+VALUE(netModeSwitch, 2);
+VALUE(netModeBridge, 3);
+VALUE(netModeVlan, 4);
+VALUE(netModeVap, 5);
+VALUE(netModePhysical, 6);
+VALUE(nicBondBalanceRR, 0);
+VALUE(nicBondActiveBackup, 1);
+VALUE(nicBondBalanceXOR, 2);
+VALUE(nicBondBroadcast, 3);
+VALUE(nicBond802_3ad, 4);
+VALUE(nicBondBalanceTLB, 5);
+VALUE(nicBondBalanceALB, 6);
+VALUE(netDeviceUsageCommon, 0);
+VALUE(netDeviceUsageDCFunc, 1);
+VALUE(netDeviceUsageWeb, 2);
+VALUE(netDeviceUsageMax, 255);
+VALUE(netFiberMediumPrefer, 0);
+VALUE(netCopperMediumPrefer, 1);
+VALUE(netNoMediumPrefer, 2);
+VALUE(netMediumPreferMax, 255);
+VALUE(NetInterfaceWired, 0);
+VALUE(NetInterfaceWireless, 1);
+VALUE(NetInterfaceFiber, 2);
+VALUE(NetInterfaceFiberRJ45, 3);
+VALUE(NetInterfaceNr, 4);
 VALUE(QV_API_VERSION_RET_SUCCESS, 0);
 VALUE(QV_API_VERSION_RET_NOT_IMPLET, -1);
 VALUE(QV_API_VERSION_RET_ERROR, -2);
@@ -60,6 +88,7 @@ VALUE(VORLIX_IPV6_ADDR_SCOPE_ORGLOCAL, 8);
 VALUE(VORLIX_IPV6_ADDR_SCOPE_GLOBAL, 14);
 
 SIZE(NetDataStat, 128);
+ALIGNMENT(NetDataStat, 8);
 FIELD(NetDataStat, transmittedBytes, 0);
 FIELD(NetDataStat, receivedBytes, 8);
 FIELD(NetDataStat, transmittedPackets, 16);
@@ -78,12 +107,16 @@ FIELD(NetDataStat, interfaceSpeed, 72);
 FIELD(NetDataStat, reserved, 76);
 
 SIZE(struct InterfaceInfo, 144);
+ALIGNMENT(struct InterfaceInfo, 8);
 FIELD(struct InterfaceInfo, netDatastat, 16);
 
 SIZE(union netAddr, 16);
+ALIGNMENT(union netAddr, 4);
 
 SIZE(NetRouteTableInfo, 128);
+ALIGNMENT(NetRouteTableInfo, 4);
 FIELD(NetRouteTableInfo, userFlag, 1);
+FIELD(NetRouteTableInfo, resv, 2);
 FIELD(NetRouteTableInfo, dst, 4);
 FIELD(NetRouteTableInfo, gw, 20);
 FIELD(NetRouteTableInfo, mask, 36);
@@ -91,6 +124,7 @@ FIELD(NetRouteTableInfo, viaDev, 40);
 FIELD(NetRouteTableInfo, reserved, 56);
 
 SIZE(STPInfo, 64);
+ALIGNMENT(STPInfo, 1);
 FIELD(STPInfo, mode, 1);
 FIELD(STPInfo, reserved, 2);
 
@@ -220,11 +254,13 @@ FIELD(NetTc_2, prio, 56);
 FIELD(NetTc_2, resv, 60);
 
 SIZE(IPv4Route, 28);
+ALIGNMENT(IPv4Route, 4);
 FIELD(IPv4Route, mask, 4);
 FIELD(IPv4Route, gw, 8);
 FIELD(IPv4Route, viaDev, 12);
 
 SIZE(IPv6Route, 52);
+ALIGNMENT(IPv6Route, 4);
 FIELD(IPv6Route, perfix, 16);
 FIELD(IPv6Route, gw, 20);
 FIELD(IPv6Route, viaDev, 36);
@@ -272,26 +308,36 @@ VALUE(macVlanNoPromisc, 1);
 VALUE(macVlanNoDst, 2);
 
 SIZE(struct CmosCaps, 16);
+ALIGNMENT(struct CmosCaps, 4);
 FIELD(struct CmosCaps, UseTable, 4);
 FIELD(struct CmosCaps, resv, 8);
 SIZE(CmosCaps_Sys_t, 16);
+ALIGNMENT(CmosCaps_Sys_t, 4);
+FIELD(CmosCaps_Sys_t, UseTable, 4);
+FIELD(CmosCaps_Sys_t, resv, 8);
 
 SIZE(SramFileParam, 32);
+ALIGNMENT(SramFileParam, 8);
 FIELD(SramFileParam, fileName, 8);
 FIELD(SramFileParam, period, 16);
+FIELD(SramFileParam, mode, 20);
+FIELD(SramFileParam, markLen, 24);
 FIELD(SramFileParam, totalLen, 28);
 
 SIZE(SramFileData, 40);
+ALIGNMENT(SramFileData, 8);
 FIELD(SramFileData, pDatabuf, 8);
 FIELD(SramFileData, dataLen, 16);
 FIELD(SramFileData, offset, 20);
 FIELD(SramFileData, reserved, 24);
 
 SIZE(RTCData, 16);
+ALIGNMENT(RTCData, 8);
 FIELD(RTCData, len, 4);
 FIELD(RTCData, pBuf, 8);
 
 SIZE(CmosData, 12);
+ALIGNMENT(CmosData, 1);
 FIELD(CmosData, uiGateway, 4);
 FIELD(CmosData, NetMask, 8);
 FIELD(CmosData, reserved, 10);
@@ -306,6 +352,12 @@ FIELD(SwitchToolInfo, u16enable, 10);
 FIELD(SwitchToolInfo, u16port_isolation, 12);
 
 SIZE(WLanEncryption, 4);
+VALUE(wlanEncryptionOff, 0);
+VALUE(wlanEncryptionOn, 1);
+VALUE(wlanEncryptionWEB64, 2);
+VALUE(wlanEncryptionWEB128, 3);
+VALUE(wlanEncryptionTKIP, 4);
+VALUE(wlanEncryptionAES, 5);
 
 SIZE(NetInterfaceDesc, 136);
 ALIGNMENT(NetInterfaceDesc, 8);
