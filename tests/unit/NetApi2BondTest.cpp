@@ -20,6 +20,8 @@ std::optional<NICBondMode> toldMode;  // of a bond
 std::string toldMaster;               // the bond that has the card; empty for the truth
 bool bondIsReal = true;
 bool bondAnswer = true;
+LogLines saidBefore;                // `Bond` was called
+const char* defaultCard = nullptr;  // the caller's place for it, shown when the mode is asked for
 
 }  // namespace
 
@@ -32,6 +34,7 @@ bool __wrap_Bond(const char* bondName, const char** ethList, const int ethNum, N
     std::string call = bondName != nullptr ? bondName : "NULL";
     for (int i = 0; i < ethNum; ++i) call += std::string(" ") + ethList[i];
     asked.push_back(call + " mode " + std::to_string(mode));
+    saidBefore = Log();
     return bondIsReal ? __real_Bond(bondName, ethList, ethNum, mode) : bondAnswer;
 }
 
@@ -40,6 +43,7 @@ bool __real_GetBondMode(const char* bondName, NICBondMode* mode);
 bool __wrap_GetBondMode(const char* bondName, NICBondMode* mode)
 {
     asked.push_back(std::string("mode of ") + bondName);
+    if (defaultCard != nullptr) asked.back() += std::string(" with ") + defaultCard;
     if (!toldMode.has_value()) return __real_GetBondMode(bondName, mode);
     *mode = *toldMode;
     return true;
@@ -86,6 +90,7 @@ protected:
         toldMaster.clear();
         bondIsReal = true;
         bondAnswer = true;
+        defaultCard = nullptr;
         kernel.Add("bond0");
         for (const char* name : {"mode", "miimon", "primary", "xmit_hash_policy"}) {
             Put(Attribute("bond0", name), "");
@@ -134,6 +139,7 @@ TEST_F(NetWorkBondExTest, EachNumberHasItsModeOfTheDriver)
         EXPECT_EQ(Log(),
                   (LogLines{Info("NetWorkBondEx", "mode 2.0 " + std::to_string(mode.number) +
                                                       " is convert to " + driver + " mode3.0")}));
+        EXPECT_EQ(saidBefore, Log());
     }
 }
 
@@ -231,6 +237,19 @@ TEST_F(NetWorkGetBondModeExTest, TellsTheDefaultCardByTheWay)
     kernel.routes = {{"0.0.0.0", "10.1.0.1", "0.0.0.0", "eth1"}};
     EXPECT_EQ(NetWorkGetBondModeEx("bond0", &number, card), 0);
     EXPECT_STREQ(card, "eth1");
+}
+
+TEST_F(NetWorkGetBondModeExTest, TheDefaultCardIsToldFirstAndWhateverTheModeIs)
+{
+    const std::string name = "eth-long-name-5";  // as long as a name can be
+    kernel.Add(name);
+    kernel.routes = {{"0.0.0.0", "10.1.0.1", "0.0.0.0", name}};
+    toldMode = static_cast<NICBondMode>(7);
+    char place[20] = "###################";
+    defaultCard = place;
+    EXPECT_EQ(NetWorkGetBondModeEx("bond0", &number, place), -1);
+    EXPECT_EQ(asked, Lines{"mode of bond0 with " + name});
+    EXPECT_EQ(std::string(place + 16, 3), "###");
 }
 
 TEST_F(NetWorkGetBondModeExTest, ABondThatDoesNotRunHasModeZero)

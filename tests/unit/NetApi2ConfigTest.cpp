@@ -310,6 +310,26 @@ TEST_F(NetSetDhcpIPRangeTest, TheFileIsWrittenAndClosedUnderTheLock)
     EXPECT_EQ(OpenHandles(), Texts{});
 }
 
+TEST_F(NetSetDhcpIPRangeTest, TheLockIsFreeWhileTheSettingsAreRead)
+{
+    EXPECT_EQ(Write(), 0);
+    const Texts locks = TraceOf({"mutex", "fopen " + std::string(kDhcpFile)});
+    ASSERT_GE(locks.size(), 3U);
+    for (size_t i = 0; i + 3 < locks.size(); ++i) {
+        EXPECT_EQ(locks[i], i % 2 == 0 ? "mutex lock" : "mutex unlock") << i;
+    }
+    EXPECT_EQ(Texts(locks.end() - 3, locks.end()),
+              (Texts{"mutex lock", std::string("fopen ") + kDhcpFile + " w+", "mutex unlock"}));
+}
+
+TEST_F(NetSetDhcpIPRangeTest, TheAddressIsAskedForBeforeTheGateway)
+{
+    Put(kCard, "");
+    EXPECT_EQ(Write(), -1);
+    ExpectRefused("Get ip mask failed.");
+    EXPECT_EQ(TraceOf({std::string("fopen ") + kDhcpFile}), Texts{});
+}
+
 TEST_F(NetSetDhcpIPRangeTest, WithoutASavedAddressTheFileStays)
 {
     Put(kCard, Settings({"SUBMASK = 255.255.0.0", "GATEWAYIP = 10.1.1.254"}));

@@ -27,6 +27,7 @@ constexpr int32_t kReal = INT32_MAX;
 
 /// What every card's kind is told to be, and the mode of "eth0" with the success of asking for it.
 int32_t toldKind = kReal;
+Names askedForKind;
 int32_t toldMode = kReal;
 bool modeIsTold = true;
 
@@ -61,6 +62,7 @@ int32_t __real_isSwitchByName(const char* name);
 
 int32_t __wrap_isSwitchByName(const char* name)
 {
+    askedForKind.emplace_back(name);
     return toldKind == kReal ? __real_isSwitchByName(name) : toldKind;
 }
 
@@ -89,6 +91,7 @@ protected:
         toldNames.clear();
         toldCards.clear();
         toldKind = kReal;
+        askedForKind.clear();
         toldMode = kReal;
         modeIsTold = true;
         kernel.Add("lo");
@@ -131,6 +134,7 @@ TEST_F(NetGetCapsTest, AliasesAndOtherInterfacesAreNoCards)
 {
     toldNames = {"eth0", "eth1", "eth0:1", "lo", "bond0", "br0", "eth1:poe"};
     EXPECT_EQ(Cards(), 2);
+    EXPECT_EQ(askedForKind, (Names{"eth0", "eth1"}));  // the drivers of the others are left alone
 }
 
 TEST_F(NetGetCapsTest, EthMayStandAnywhereInTheName)
@@ -395,6 +399,10 @@ TEST_F(NetGetDeviceNameTest, AFailedListingIsAnError)
     EXPECT_EQ(NetGetDeviceName(devices.records, 32), -1);
     EXPECT_TRUE(devices.AllFrom(0));
     EXPECT_EQ(OfTheApi(), (LogLines{Error("NetGetDeviceName", "GetAllInterfaceInfo failed")}));
+    ClearLog();
+    EXPECT_EQ(NetGetDeviceName(devices.records, 40), -1);
+    EXPECT_EQ(OfTheApi(), (LogLines{Warn("NetGetDeviceName", "can not support so many device 40."),
+                                    Error("NetGetDeviceName", "GetAllInterfaceInfo failed")}));
 }
 
 TEST_F(NetGetDeviceNameTest, NullIsRefusedInSilence)

@@ -547,6 +547,16 @@ TEST_F(NetGetSwitchLinkStatusTest, WithoutTheMaskThePortsAreCountedAllTheSame)
     EXPECT_EQ(Log(), (LogLines{Error("NetGetSwitchLinkStatus", "get port mask failed")}));
 }
 
+TEST_F(NetGetSwitchLinkStatusTest, ACapacityThatIsTooSmallIsWarnedOfBeforeTheMaskIsAsked)
+{
+    maskIsTold = false;
+    count = 3;
+    EXPECT_EQ(NetGetSwitchLinkStatus("eth5", links, &count), -1);
+    EXPECT_EQ(count, 3);
+    EXPECT_EQ(Log(), (LogLines{Warn("NetGetSwitchLinkStatus", "portnum is too small"),
+                               Error("NetGetSwitchLinkStatus", "get port mask failed")}));
+}
+
 TEST_F(NetGetSwitchLinkStatusTest, NullIsRefusedInSilence)
 {
     EXPECT_EQ(NetGetSwitchLinkStatus(nullptr, links, &count), -1);

@@ -458,6 +458,9 @@ TEST_F(GetBridgeDevicesTest, ABridgeThatIsGoneIsTold)
     EXPECT_EQ(bridge->getBridgeDevices(bridge, &port, &num), -1);
     EXPECT_EQ(port.name[0], '#');
     EXPECT_EQ(Log(), Unreadable("BrGetBridgeDevices"));
+    num = 100;
+    EXPECT_EQ(bridge->getBridgeDevices(bridge, &port, &num), -1);
+    EXPECT_EQ(num, 32);
 }
 
 class GetBridgeDevicesInfoTest : public BridgeSlotTest {};
@@ -479,6 +482,16 @@ TEST_F(GetBridgeDevicesInfoTest, APortThatIsNoCardIsTold)
     EXPECT_EQ(mask, 2U);
     EXPECT_EQ(Log(),
               LogLines{Warn("BrGetBridgeDevicesInfo", "wlan0 is in Bridge.can not handle.")});
+}
+
+TEST_F(GetBridgeDevicesInfoTest, ThirtyTwoPortsAreRead)
+{
+    for (int i = 0; i < 40; ++i) Put(PortsOf(kBridge) + "vnic" + std::to_string(i), "");
+    Remove(PortsOf(kBridge) + "eth1");
+    unsigned mask = 7;
+    EXPECT_EQ(bridge->getBridgeDevicesInfo(bridge, &mask), 0);
+    EXPECT_EQ(mask, 0U);
+    EXPECT_EQ(Log().size(), 32U);
 }
 
 TEST_F(GetBridgeDevicesInfoTest, AnEmptyBridgeIsNoFailure)

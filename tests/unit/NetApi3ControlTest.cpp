@@ -42,6 +42,21 @@ bool Ask(const char* operation, uint32_t number)
 
 extern "C" {
 
+bool __real_RouteGetAllInfo(NetRouteTableInfo* routes, int* num);
+
+bool __wrap_RouteGetAllInfo(NetRouteTableInfo* routes, int* num)
+{
+    std::string call = "RouteGetAllInfo";
+    for (int i = 0; i < *num; ++i) {
+        NetRouteTableInfo expected{};
+        expected.type = routes[i].type;
+        EXPECT_EQ(memcmp(&routes[i], &expected, sizeof(expected)), 0) << i;
+        call += " " + std::to_string(routes[i].type);
+    }
+    asked.push_back(call);
+    return __real_RouteGetAllInfo(routes, num);
+}
+
 bool __wrap_RouteAdd(NetRouteTableInfo* cmd)
 {
     const bool done = Ask("RouteAdd", cmd);
@@ -393,6 +408,16 @@ TEST_F(GetAllRouteInfoTest, TheFirstRecordTellsTheFamily)
     in6_addr wanted{};
     EXPECT_EQ(inet_pton(AF_INET6, "2001:db8:7::", &wanted), 1);
     EXPECT_EQ(memcmp(routes[0].dst.IPv6addr, &wanted, sizeof(wanted)), 0);
+}
+
+TEST_F(GetAllRouteInfoTest, EveryRecordIsAskedForInThatFamilyAndIsZeroElsewhere)
+{
+    EXPECT_EQ(control->getAllRouteInfo(control, routes, &num), 0);
+    memset(routes, '#', sizeof(routes));
+    routes[0].type = 1;
+    num = 3;
+    EXPECT_EQ(control->getAllRouteInfo(control, routes, &num), 0);
+    EXPECT_EQ(asked, (Texts{"RouteGetAllInfo 0 0 0 0", "RouteGetAllInfo 1 1 1"}));
 }
 
 TEST_F(GetAllRouteInfoTest, AFullListEnds)

@@ -404,6 +404,11 @@ TEST(PublicRecords, BitFieldsLieWhereApplicationsPutThem)
     TelnetInfo info{};
     info.enable = 1;
     EXPECT_EQ(*reinterpret_cast<unsigned char*>(&info), 1);
+    SSHInfo ssh{};
+    ssh.enable = 1;
+    EXPECT_EQ(*reinterpret_cast<unsigned char*>(&ssh), 1);
+    EXPECT_EQ(PlaceOf<SSHInfo>([](auto* r) { r->enable = 1; }), 0);
+    EXPECT_EQ(PlaceOf<SSHInfo>([](auto* r) { r->rsd = 1; }), 0);
 }
 
 }  // namespace

@@ -303,6 +303,28 @@ TEST_F(SlotTest, AMissingTextIsRefusedBeforeItIsLogged)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(SlotTest, WhatIsWantedIsLoggedBeforeItIsDone)
+{
+    static LogLines said;
+    for (const char* operation : {"NetSetIPByName", "NetSetGatewaybyName", "RouteAddDefIPv4",
+                                  "RouteDelDefIPv4", "RouteDelAllIPv4"}) {
+        below::doing[operation] = [] { said = Log(); };
+    }
+    int (*const calls[])(NetInterface*) = {
+        [](auto* c) { return c->setHostIP(c, "10.0.0.2", "255.0.0.0"); },
+        [](auto* c) { return c->setGateway(c, "10.0.0.1"); },
+        [](auto* c) { return c->addRoute(c, "default", ""); },
+        [](auto* c) { return c->delRoute(c, "default", ""); },
+        [](auto* c) { return c->delRoute(c, nullptr, nullptr); }};
+    for (const auto& call : calls) {
+        Begin();
+        said.clear();
+        EXPECT_EQ(call(card), 0);
+        EXPECT_EQ(said.size(), 1U) << testing::PrintToString(below::asked);
+        EXPECT_EQ(said, Log());
+    }
+}
+
 // ---- sizes
 
 struct SizedSlot {
@@ -556,6 +578,16 @@ TEST_F(GetBondMembersSlotTest, AModeThatCannotBeReadCountsAsActiveBackup)
     EXPECT_TRUE(Is(list[0], "eth1", nicBondActiveBackup));
     EXPECT_TRUE(Is(list[1], "a-long-name-015", nicBondActiveBackup));
     EXPECT_EQ(Log(), LogLines{Warn("API3_GetBondMember", "bond mode error")});
+}
+
+TEST_F(GetBondMembersSlotTest, TheListIsJudgedBeforeTheModeIsRead)
+{
+    below::refusing = {"GetBondMode"};
+    EXPECT_EQ(Ask(1), 0);
+    EXPECT_EQ(num, 1);
+    EXPECT_TRUE(Is(list[0], "eth1", nicBondActiveBackup));
+    EXPECT_EQ(Log(), (LogLines{Warn("API3_GetBondMember", "NetInterfaceInfo list is too small"),
+                               Warn("API3_GetBondMember", "bond mode error")}));
 }
 
 TEST_F(GetBondMembersSlotTest, AnUnreadableBondChangesNothing)
