@@ -204,7 +204,8 @@ struct NetInterface {
 
     /**
      * Asks by ARP whether another station uses this card's address, and waits for answers. 0 for
-     * none; bit 1 set: one with its hardware address; bit 2 set: one with its IPv4 address; -1.
+     * none; otherwise a sum of 1 (one with its hardware address) and 2 (one with its IPv4 address);
+     * -1 when the question could not be asked.
      */
     /* 152 */ int (*arpCheck)(NetInterface* thiz);
 
