@@ -154,6 +154,7 @@ TEST_F(CreateNetInterfaceTest, AllCallersOfOneNameShareOneObject)
     EXPECT_EQ(object, first);
     EXPECT_EQ(memcmp(first, &copy, sizeof(copy)), 0);
     EXPECT_EQ(TraceOf({"calloc"}), Texts{});
+    EXPECT_EQ(RegistryCalls(), (Texts{"mutex lock", "mutex unlock"}));
     EXPECT_EQ(HeldMutexes(), 0);
     EXPECT_EQ(Log(), LogLines{});
 }
