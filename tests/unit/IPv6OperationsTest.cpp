@@ -146,6 +146,25 @@ TEST_F(IPv6OperationTest, ANullIsRefusedInSilence)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(IPv6OperationTest, ATextOfNoSizeIsNeverWritten)
+{
+    Put(kFile1, std::string(kSaved) + "GATEWAYIP = 2001:db8::ff\n");
+    const auto addresses = kernel.At("eth1").addresses6;
+    for (const int size : {0, -1}) {
+        kernel.At("eth1").addresses6 = addresses;
+        char text[64] = "untouched";
+        char prefix[] = "none";
+        EXPECT_FALSE(NetGetSysIPv6byName("eth1", text, size, prefix, sizeof(prefix))) << size;
+        EXPECT_FALSE(NetGetSysIPv6byName("eth1", text, sizeof(text), prefix, size)) << size;
+        EXPECT_STREQ(prefix, "none");
+        EXPECT_FALSE(NetGetGatewayIPv6byName("eth1", text, size)) << size;
+        EXPECT_FALSE(NetGetLinkLocalAddressIpv6("eth1", text, size)) << size;
+        WithoutAddress();
+        EXPECT_FALSE(NetGetLinkLocalAddressIpv6("eth1", text, size)) << size;
+        EXPECT_STREQ(text, "untouched");
+    }
+}
+
 // ---- NetSetIPv6byName
 
 class NetSetIPv6byNameTest : public IPv6World {};
