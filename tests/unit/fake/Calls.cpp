@@ -173,6 +173,7 @@ void Fail(const std::string& call, int error, int nth, bool everyone)
 void FailNothing()
 {
     failures.clear();
+    failAt = 0;
 }
 
 std::vector<std::string> OpenHandles()

@@ -34,6 +34,7 @@ inline void FailAll(const std::string& call, int error)
     Fail(call, error, 1, true);
 }
 
+/// From here on nothing fails any more, in a sweep neither.
 void FailNothing();
 
 /// Runs `action` just before the next call whose trace text begins with `call`: what the world
