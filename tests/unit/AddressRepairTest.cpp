@@ -411,19 +411,6 @@ TEST_F(CheckEth0ConfigTest, WithoutAnyBackupDeviceTheFileStands)
     EXPECT_EQ(Get(CardFile("eth0")), Eth0File("10.0.0.2", "255.0.0.0", "10.0.0.1"));
 }
 
-TEST_F(CheckEth0ConfigTest, APartOfTheBackupDoesNotReplaceTheFile)
-{
-    const std::string own = Eth0File("10.0.0.2", "255.0.0.0", "10.0.0.1");
-    UseRtc("10.0.0.2", "255.0.0.0", "10.0.0.1");
-    ListEth0(own);
-    for (int part = 1; part <= 3; ++part) {
-        Fail("ioctl PDC_RTC_READSRAM", EIO, part);  // of address, mask, gateway
-        EXPECT_TRUE(CheckEth0Config());
-        EXPECT_EQ(Get(CardFile("eth0")), own) << part;
-        EXPECT_EQ(RtcBlock(), "10.0.0.2 255.0.0.0 10.0.0.1") << part;
-    }
-}
-
 TEST_F(CheckEth0ConfigTest, WhateverFailsTheFileStaysWhole)
 {
     UseRtc("10.0.0.2", "255.0.0.0", "10.0.0.1");
