@@ -105,6 +105,10 @@ def write_settings(files):
 
 # ---- a board
 
+class Ended(Exception):
+    """The machine is no more: its power failed, or it hung for too long and was ended."""
+
+
 class Board:
     """A running machine, from its start or from a saved state, with the flash as it was left."""
 
@@ -164,9 +168,12 @@ class Board:
         return None
 
     def tell(self, order):
-        """Has the guest do something; what it says, or None when the power failed."""
+        """Has the guest do something; what it says."""
         self.machine.stdin.write(order + "\n")
-        return self.read_until("DONE")
+        lines = self.read_until("DONE")
+        if lines is None:
+            raise Ended(f"the board ended at [{order}], {self.machine.wait()}")
+        return lines
 
     def save(self, path):
         """Keeps the machine as it is in a file, and ends it; what its flash holds then."""
@@ -259,6 +266,7 @@ class Bench:
         board = Board(self, self.saved, self.ready)
         board.tell("mount_flash")
         board.tell(write_settings(workload.broken) if workload.broken else "boot")
+        board.tell("sleep 10")  # until the file system has tidied up
         flash = board.save(state)
         board = Board(self, flash, state)
         board.tell("arm 0")
@@ -272,8 +280,11 @@ class Bench:
         the background, a little more or less each time."""
         board = Board(self, flash, state)
         board.tell(f"arm {place}")
-        if board.tell(workload.order) is None and board.machine.wait() != 0:
-            raise RuntimeError(f"{workload.name} --byte {place}: the board hangs")
+        try:
+            board.tell(workload.order)
+        except Ended:
+            if board.machine.wait() != 0:
+                raise
         return board.end()
 
     def boot(self, flash, battery):
@@ -399,10 +410,13 @@ class Verdict:
 
 def try_cut(bench, workload, armed, place, battery):
     verdict = Verdict(workload, battery)
-    boot = bench.boot(bench.cut(workload, *armed, place), battery)
-    verdict.judge(boot)
-    if bench.is_new(boot):
-        verdict.compare(boot.after, bench.boot(boot.flash, battery).after)
+    try:
+        boot = bench.boot(bench.cut(workload, *armed, place), battery)
+        verdict.judge(boot)
+        if bench.is_new(boot):
+            verdict.compare(boot.after, bench.boot(boot.flash, battery).after)
+    except Ended as end:
+        verdict.findings.append(str(end))
     for finding in verdict.findings:
         print(f"finding: {workload.name} --byte {place}, memory {'alive' if battery else 'dead'}: {finding}",
               flush=True)
@@ -414,28 +428,33 @@ OUTCOMES = ("eth0 saved", "eth0 new", "eth0 from memory", "eth0 factory", "other
             "further boots")
 
 
-def tell_table(rows):
+def tell_head():
     print("| Workload | Bytes | Erasures | Memory | Cuts | " + " | ".join(OUTCOMES) + " |")
-    print("|---|---:|---:|---|---:|" + "---:|" * len(OUTCOMES))
-    for (name, total, erasures, battery), verdicts in rows.items():
-        sums = sum((verdict.outcomes for verdict in verdicts), collections.Counter())
-        print(f"| {name} | {total} | {erasures} | {'alive' if battery else 'dead'} | {len(verdicts)} | "
-              + " | ".join(str(sums[outcome]) for outcome in OUTCOMES) + " |")
+    print("|---|---:|---:|---|---:|" + "---:|" * len(OUTCOMES), flush=True)
 
 
-def sweep(bench, workload, cuts, arguments, rows):
+def tell_row(workload, spent, verdicts):
+    sums = sum((verdict.outcomes for verdict in verdicts), collections.Counter())
+    cells = [workload.name, *spent, "alive" if verdicts[0].battery else "dead", len(verdicts)]
+    cells += [sums[outcome] for outcome in OUTCOMES]
+    print("| " + " | ".join(str(cell) for cell in cells) + " |", flush=True)
+
+
+def sweep(bench, workload, cuts, arguments):
     """Spreads the cuts over the workload's bytes; for each fourth the backup memory is dead."""
-    state, flash, (total, erasures) = bench.arm(workload)
-    places = [1 + total * (2 * i + 1) // (2 * cuts) for i in range(cuts)]
+    state, flash, spent = bench.arm(workload)
+    places = [1 + spent[0] * (2 * i + 1) // (2 * cuts) for i in range(cuts)]
     if arguments.byte:
         places = [arguments.byte]
     with concurrent.futures.ThreadPoolExecutor(arguments.machines) as pool:
         waiting = [pool.submit(try_cut, bench, workload, (state, flash), place, i % 4 != 3)
                    for i, place in enumerate(places)]
         verdicts = [future.result() for future in waiting]
-    for verdict in verdicts:
-        rows.setdefault((workload.name, total, erasures, verdict.battery), []).append(verdict)
-    return sum(len(verdict.findings) for verdict in verdicts)
+    for battery in (True, False):
+        of_one_kind = [verdict for verdict in verdicts if verdict.battery == battery]
+        if of_one_kind:
+            tell_row(workload, spent, of_one_kind)
+    return verdicts
 
 
 def command():
@@ -452,18 +471,17 @@ def command():
 def main():
     arguments = command()
     chosen = [work for work in WORKLOADS if work.name in arguments.workloads or not arguments.workloads]
-    rows = {}
-    findings = 0
+    verdicts = []
     begin = time.time()
+    tell_head()
     with tempfile.TemporaryDirectory(prefix="powercut-") as folder:
         bench = Bench(arguments.arch, arguments.build, folder)
         for i, workload in enumerate(chosen):
             cuts = arguments.cuts // len(chosen) + (i < arguments.cuts % len(chosen))
-            findings += sweep(bench, workload, cuts, arguments, rows)
-    tell_table(rows)
-    cuts = sum(len(verdicts) for verdicts in rows.values())
-    print(f"{arguments.arch}: {cuts} cuts, {findings} findings, {time.time() - begin:.0f} s")
-    sys.exit(1 if findings or not cuts else 0)
+            verdicts += sweep(bench, workload, cuts, arguments)
+    findings = sum(len(verdict.findings) for verdict in verdicts)
+    print(f"{arguments.arch}: {len(verdicts)} cuts, {findings} findings, {time.time() - begin:.0f} s")
+    sys.exit(1 if findings or not verdicts else 0)
 
 
 if __name__ == "__main__":
