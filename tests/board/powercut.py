@@ -67,11 +67,12 @@ class Workload:
         self.order = order  # of the guest, after a boot, or a boot itself
         self.new = new or {}  # addresses that it saves
         self.masters = masters or {}  # bonds and bridges that it saves
-        self.broken = broken  # settings that the boot finds instead of good ones
+        self.broken = broken  # of a boot: what it finds instead of good settings
         self.halves = halves  # there are moments when no copy holds a whole address, old or new
 
 
 WORKLOADS = [
+    Workload("boot", "boot", broken={}),
     Workload("repairs", "boot", masters={"bond0": {"eth1", "eth3"}}, broken={
         "network": ["HOSTIP = 300.1.1.1", "rubbish", "MTU"],
         "network1": card(SAVED["eth1"], "BONDED = 1", "BONDNAME = bond0"),
@@ -265,7 +266,7 @@ class Bench:
         state = os.path.join(self.folder, "armed")
         board = Board(self, self.saved, self.ready)
         board.tell("mount_flash")
-        board.tell(write_settings(workload.broken) if workload.broken else "boot")
+        board.tell("boot" if workload.broken is None else write_settings(workload.broken))
         board.tell("sleep 10")  # until the file system has tidied up
         flash = board.save(state)
         board = Board(self, flash, state)
