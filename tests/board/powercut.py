@@ -159,25 +159,24 @@ class Board:
             return file.read()
 
     def read_until(self, word):
-        """The lines before the one that begins with the word, or None when the power failed before."""
+        """The lines before the one that begins with the word."""
         lines = []
         for line in self.machine.stdout:
             line = line.rstrip("\r\n")
             if line.startswith(word):
                 return lines
             lines.append(line)
-        return None
+        raise Ended(f"the board ended before {word}, {self.machine.wait()}: {lines[-5:]}")
 
     def tell(self, order):
         """Has the guest do something; what it says."""
         self.machine.stdin.write(order + "\n")
-        lines = self.read_until("DONE")
-        if lines is None:
-            raise Ended(f"the board ended at [{order}], {self.machine.wait()}")
-        return lines
+        return self.read_until("DONE")
 
     def save(self, path):
-        """Keeps the machine as it is in a file, and ends it; what its flash holds then."""
+        """Keeps the machine as it is in a file, and ends it; what its flash holds then. It stands still
+        meanwhile: of a running one the file may lack what it has just changed."""
+        self.control.tell("stop")
         self.control.tell("migrate-set-parameters", **{"max-bandwidth": 1 << 33})
         self.control.tell("migrate", uri=f"exec:cat >{path}")
         while self.control.tell("query-migrate").get("status") != "completed":
