@@ -48,6 +48,8 @@ bool IsWellFormedLine(const std::string& file, const std::string& line)
 
     const size_t equals = line.find(" = ");
     if (equals == std::string::npos) return false;
+    if (file == "poeMode.conf") return true;                       // a card's name is the key
+    if (line.rfind("SSIF_EDGE[", 0) == 0) return line[11] == ']';  // and a bridge's letter
     for (int key = 0; key < HOST_NET_END; ++key) {
         if (line.substr(0, equals) == vorlix::KeyText(static_cast<KEYENUM>(key))) return true;
     }
