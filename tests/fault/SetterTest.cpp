@@ -6,6 +6,7 @@
 
 #include "LanriseWorld.h"
 
+#include "Backup.h"
 #include "CommonApi.h"
 #include "Config.h"
 #include "Dns.h"
@@ -58,6 +59,10 @@ void BuildDevice()
     }
     OnCommand("ifenslave bond0 eth2 eth3",
               [](const std::string&) { SetBondMembers("bond0", "eth2 eth3\n"); });
+    OnCommand("brctl addbr br1", [](const std::string&) {
+        if (kernel.Find("br1") == nullptr) kernel.Add("br1");
+        SetBridgePorts("br1", {"eth0", "eth1"});
+    });
     OnCommand("brctl addbr br0", [](const std::string&) {
         if (kernel.Find("br0") == nullptr) kernel.Add("br0");
         SetBridgePorts("br0", {"eth4", "eth5"});
@@ -83,6 +88,7 @@ bool SharesFate(const std::string& name, const std::string& failedCall)
         {"networkbond0", "networketh2", "networketh3"},
         {"networkbr0", "networketh4", "networketh5"},
         {"networkbond1", "network", "network1"},
+        {"networkbr1", "network", "network1"},
     };
     const std::string folder = "/mnt/mtd/Config/";
     const size_t begin = failedCall.find(folder);
@@ -154,6 +160,13 @@ void PrintTo(const Change& change, std::ostream* out)
 }
 
 const char* kToBond[] = {"eth1", "eth0"};
+const char* kOfBond[] = {"eth2", "eth3"};
+const char* kOfBridge[] = {"eth4", "eth5"};
+char oneCard[] = "eth0";
+char otherCard[] = "eth1";
+char* kToBridge[] = {oneCard, otherCard};
+const STPInfo kRapidTree = {1, 1, {}};
+const NetTc kLimit = {"10.0.1.7", 4, 8, 0, {}};
 
 const Change kChanges[] = {
     {"NetSetIPByName", [] { (void)NetSetIPByName("eth0", "10.0.0.20", "255.255.0.0"); }},
@@ -174,12 +187,32 @@ const Change kChanges[] = {
     {"SetMtubyBondName", [] { (void)SetMtubyBondName("bond0", 1400); }},
     {"SetIPv4DnsServer", [] { (void)SetIPv4DnsServer("10.0.0.53", "10.0.0.54"); }},
     {"SetIPv6DnsServer", [] { (void)SetIPv6DnsServer("2001:db8::53", "2001:db8::54"); }},
+    {"Bridge", [] { (void)Bridge("br1", kToBridge, 2); }},
+    {"BridgeDelEdgePort", [] { (void)BridgeDelEdgePort("br0", "eth4"); }},
+    {"BridgeControl", [] { (void)BridgeControl("br0", &kRapidTree); }},
+    {"BridgeUpdateBrIDByConfig", [] { (void)BridgeUpdateBrIDByConfig("br0"); }},
+    {"BridgeUpdatePortListByConfig", [] { (void)BridgeUpdatePortListByConfig("br0", kToBond, 2); }},
+    {"TrafCtrlSetBand", [] { (void)TrafCtrlSetBand("eth1", &kLimit, 1); }},
+    {"TrafCtrlUnSetBand", [] { (void)TrafCtrlUnSetBand("eth1", "0.0.0.0"); }},
+    {"BackupIP", [] { (void)BackupIP("eth0", "10.0.0.30"); }},
+    {"RestBackup", [] { (void)RestBackup(); }},
     {"SetIPByConfig", [] { (void)SetIPByConfig("eth1", "10.0.1.20", "255.255.0.0"); }},
     {"SetGatewayByConfig", [] { (void)SetGatewayByConfig("eth1", "10.0.1.2"); }},
     {"SetMtuByConfig", [] { (void)SetMtuByConfig("eth1", 1400); }},
+    {"SetIPv6ByConfig", [] { (void)SetIPv6ByConfig("eth1", "2001:db8::3", "64"); }},
+    {"SetGatewayv6ByConfig", [] { (void)SetGatewayv6ByConfig("eth1", "2001:db8::4"); }},
     {"SetWorkModeByConfig", [] { (void)SetWorkModeByConfig("eth1", netModeSwitch); }},
     {"SetDefaultEthByConfig", [] { (void)SetDefaultEthByConfig("eth1"); }},
+    {"SetEthIsBondedByConfig", [] { (void)SetEthIsBondedByConfig("eth1", false); }},
+    {"SetEthBondNameByConfig", [] { (void)SetEthBondNameByConfig("eth1", "bond0"); }},
+    {"SetEthIsBridgedByConfig", [] { (void)SetEthIsBridgedByConfig("eth1", false); }},
+    {"SetEthBridgeNameByConfig", [] { (void)SetEthBridgeNameByConfig("eth1", "br0"); }},
     {"SetBondModeByConfig", [] { (void)SetBondModeByConfig("bond0", nicBondBroadcast); }},
+    {"SetBondMemberByConfig", [] { (void)SetBondMemberByConfig("bond0", kOfBond, 2); }},
+    {"SetBondHashPolicyByConfig", [] { (void)SetBondHashPolicyByConfig("bond0", 2); }},
+    {"SetPrimaryEthByConfig", [] { (void)SetPrimaryEthByConfig("bond0", "eth3"); }},
+    {"SetBridgeMemberByConfig", [] { (void)SetBridgeMemberByConfig("br0", kOfBridge, 2); }},
+    {"SetBridgeStpModeByConfig", [] { (void)SetBridgeStpModeByConfig("br0", 1); }},
 };
 
 class SetterTest : public World, public testing::WithParamInterface<Change> {

@@ -44,6 +44,7 @@ std::string Text(uint32_t word)
 
 bool IsWellFormedLine(const std::string& file, const std::string& line)
 {
+    if (file.rfind("nettc_", 0) == 0) return line.rfind("dev ", 0) == 0 && line.back() == ',';
     if (file.rfind("resolv", 0) == 0) return line.rfind("nameserver ", 0) == 0 && line.size() > 11;
 
     const size_t equals = line.find(" = ");
