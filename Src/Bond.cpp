@@ -35,7 +35,8 @@ void FormPath(const char* bond, const char* attribute, Path& path)
     FormatText(path, sizeof(path), "/sys/class/net/%s/bonding/%s", bond, attribute);
 }
 
-/// Reads the first line of an attribute. A reader that finds nothing leaves `line` as it was.
+/// Reads the first line of an attribute. An empty one leaves `line` as it was; after half a line
+/// that an error cut off, that half is in it.
 bool ReadLine(const Fd& file, char (&line)[kLineSize])
 {
     LineReader reader(file.Get());

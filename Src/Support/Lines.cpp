@@ -48,10 +48,10 @@ bool LineReader::Next(char (&line)[kLineSize])
         length += Move(line + length, kMost - length);
         if (line[length - 1] == '\n') break;
     }
-    if (length == 0 || failed_) return false;
+    if (length == 0) return false;
 
     line[length] = '\0';
-    return true;
+    return !failed_;
 }
 
 void LineReader::Rewind()

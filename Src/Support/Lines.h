@@ -27,7 +27,8 @@ public:
     /// Stores the next piece, newline included, with its terminator.
     ///
     /// @return false at the end of the file, with `line` as it was, and when the file cannot be
-    ///         read: half a line that the error cut off must not pass for a whole one
+    ///         read on: half a line that the error cut off must not pass for a whole one. That half
+    ///         then stands in `line`, terminated; without any, `line` is as it was.
     bool Next(char (&line)[kLineSize]);
 
     /// True when it was not the end of the file that ended the lines: what the caller has is a

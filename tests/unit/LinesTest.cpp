@@ -256,6 +256,30 @@ TEST_F(LineReaderTest, HalfALineDoesNotPassForAWholeOne)
     EXPECT_EQ(Next(reader), "(end)");
 }
 
+TEST_F(LineReaderTest, TheHalfLineOfAFailureIsTerminated)
+{
+    Put(kPath, "one and a half");
+    const Fd file(open(kPath, O_RDONLY));
+    LineReader reader(file.Get(), 7);
+    char line[kLineSize];
+    memset(line, '#', sizeof(line));
+    Fail("pread", EIO, 2);
+    EXPECT_FALSE(reader.Next(line));
+    EXPECT_TRUE(reader.Failed());
+    EXPECT_STREQ(line, "one and");
+}
+
+TEST_F(LineReaderTest, AFailureWithoutAnyLineLeavesTheLine)
+{
+    Put(kPath, "one\n");
+    const Fd file(open(kPath, O_RDONLY));
+    LineReader reader(file.Get());
+    char line[kLineSize] = "before";
+    Fail("pread", EIO);
+    EXPECT_FALSE(reader.Next(line));
+    EXPECT_STREQ(line, "before");
+}
+
 // ---- Rewind
 
 TEST_F(LineReaderTest, RewindsToTheFirstLine)
