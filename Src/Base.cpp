@@ -550,8 +550,9 @@ bool CheckNetCardByDrvName(const char* name, const char* drvname)
     PointAt(&request, &driver);
     const bool answered = NetIOCtrl(SIOCETHTOOL, &request);
     guard.Release();
-    driver.driver[sizeof(driver.driver) - 1] = '\0';
-    return answered && Contains(driver.driver, drvname);
+    char text[sizeof(driver.driver) + 1];  // a driver may fill its field to the last byte
+    CopyText(text, driver.driver);
+    return answered && Contains(text, drvname);
 }
 
 bool InterfaceIpIsExist(const char* name)

@@ -84,6 +84,20 @@ TEST_F(CheckNetCardByDrvNameTest, AsksFor15CharactersOfTheName)
     EXPECT_EQ(Queries(), (Texts{"ioctl ETHTOOL_GDRVINFO eth-fifteen-abc"}));
 }
 
+TEST_F(CheckNetCardByDrvNameTest, ANameThatFillsItsFieldIsSearchedToItsLastCharacter)
+{
+    AddCard("eth0", std::string(26, 'x') + "Switch");
+    EXPECT_TRUE(CheckNetCardByDrvName("eth0", "Switch"));
+}
+
+TEST_F(CheckNetCardByDrvNameTest, WhatStandsBehindTheNamesFieldIsNotPartOfIt)
+{
+    AddCard("eth0", std::string(28, 'x') + "Swit");
+    kernel.At("eth0").driverVersion = "ch 2";
+    EXPECT_FALSE(CheckNetCardByDrvName("eth0", "Switch"));
+    EXPECT_TRUE(CheckNetCardByDrvName("eth0", "xxSwit"));
+}
+
 // ---- IsVirtPcie
 
 class IsVirtPcieTest : public World {};

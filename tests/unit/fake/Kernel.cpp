@@ -140,7 +140,9 @@ int Ethtool(Card& card, void* record)
     if (command == ETHTOOL_GDRVINFO) {
         if (card.driver.empty()) return EOPNOTSUPP;
         auto* info = static_cast<ethtool_drvinfo*>(record);
-        snprintf(info->driver, sizeof(info->driver), "%s", card.driver.c_str());
+        // A driver may fill its fields to the last byte.
+        card.driver.copy(info->driver, sizeof(info->driver));
+        card.driverVersion.copy(info->version, sizeof(info->version));
         return 0;
     }
     if (command == ETHTOOL_GLINK) {

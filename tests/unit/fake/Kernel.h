@@ -41,7 +41,8 @@ struct Card {
     std::string mask = "255.255.255.255";
     std::string mac = "02:00:00:00:00:01";
     int mtu = 1500;
-    std::string driver = "sim";           // empty: a driver without ethtool
+    std::string driver = "sim";  // empty: a driver without ethtool
+    std::string driverVersion;
     std::optional<uint32_t> link = 1;     // answer to ETHTOOL_GLINK
     std::optional<ethtool_cmd> settings;  // answer to ETHTOOL_GSET
     std::vector<Address6> addresses6;
