@@ -212,12 +212,7 @@ Outcome Await(const rtnl_handle& handle, uint32_t peer, char* buffer)
 /// A handle for one request, closed at the end of its scope.
 class Handle {
 public:
-    Handle()
-    {
-        // Another thread may have got the number of a closed descriptor: it is not kept. Sending
-        // fails all the same.
-        if (rtnl_open(&handle_) < 0) handle_.fd = -1;
-    }
+    Handle() { Open(); }
     ~Handle() { Fd(handle_.fd).Close(); }
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
@@ -228,6 +223,23 @@ public:
     }
 
 private:
+    /// The numbers of the standard streams are free where an application has closed them, and do
+    /// not do: `rtnl_open` gives a handle on 0 no address, and the log would be printed into one on
+    /// 1. While such a handle is held, the kernel gives the next one a higher number.
+    void Open()
+    {
+        if (rtnl_open(&handle_) < 0) {
+            // Another thread may have got the number of the closed descriptor: it is not kept.
+            // Sending fails all the same.
+            handle_.fd = -1;
+            return;
+        }
+        if (handle_.fd > STDERR_FILENO) return;
+
+        const Fd low(handle_.fd);
+        Open();
+    }
+
     rtnl_handle handle_;
 };
 

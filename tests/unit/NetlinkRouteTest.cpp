@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include <unistd.h>
+
 using namespace fake;
 
 namespace {
@@ -97,6 +99,19 @@ TEST_F(RuleTest, ATableIsCutToItsLowByte)
     rtnetlink.requests.clear();
     EXPECT_EQ(Netlink_IPv4Rule(RTM_DELRULE, nullptr, 256, 0), 0);
     EXPECT_EQ(SentBytes(), Bare("02 00 00 00  00 03 00 00  00000000", "2100 0500"));
+}
+
+TEST_F(RuleTest, AHandleOnDescriptorZeroIsOpenedAnewWhileItHoldsTheNumber)
+{
+    {
+        const OwnCalls making;
+        close(STDIN_FILENO);
+    }
+    EXPECT_EQ(Netlink_IPv4Rule(RTM_NEWRULE, nullptr, 0, 0), 0);
+    EXPECT_EQ(rtnetlink.requests.size(), 1U);
+    EXPECT_EQ(TraceOf({"socket", "bind", "getsockname", "sendmsg", "close AF_NETLINK"}),
+              Joined({{"socket AF_NETLINK"}, kOpening, kEnd, {"sendmsg 0"}, kEnd}));
+    EXPECT_EQ(OpenHandles(), Texts{});
 }
 
 TEST_F(RuleTest, AnAddressThatDoesNotParseOpensNothing)
