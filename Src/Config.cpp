@@ -578,9 +578,7 @@ bool AddEdgePortByconfig(const char* brName, const char* ethName)
     if (brName == nullptr || ethName == nullptr) return false;
 
     EdgePorts ports(brName);
-    if (!ports.found) return SetValueByKey(kBridgeFile, ports.key, ethName);
-
-    if (ports.Find(ethName) != nullptr) {
+    if (ports.found && ports.Find(ethName) != nullptr) {
         LOG_WARN("%s is already the edgeport of %s", ethName, brName);
         return true;
     }
@@ -588,7 +586,7 @@ bool AddEdgePortByconfig(const char* brName, const char* ethName)
         LOG_ERROR("value is too long %s.[%s,%s]", ports.list, brName, ethName);
         return false;
     }
-    Strcat(ports.list, sizeof(ports.list), ",", nullptr);
+    if (ports.found) Strcat(ports.list, sizeof(ports.list), ",", nullptr);
     Strcat(ports.list, sizeof(ports.list), ethName, nullptr);
     return ports.Save();
 }

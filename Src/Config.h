@@ -198,7 +198,9 @@ VORLIX_API bool SetBridgeMemberByConfig(const char* brName, const char** brMembe
 /// bridge's name.
 ///
 /// @return true also when the card is one already
-/// @errors one already: Warn; more than 253 characters in all: Error, nothing is written
+/// @errors one already: Warn; more than 253 characters in all, of a first card too: Error, nothing
+///         is written. What does not fit into a line of the file is cut off there: 240 characters
+///         do.
 /// @threads a read and a write under separate locks: of two calls at once one may be lost
 VORLIX_API bool AddEdgePortByconfig(const char* brName, const char* ethName);
 

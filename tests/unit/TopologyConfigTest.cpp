@@ -694,11 +694,19 @@ TEST_F(AddEdgePortByconfigTest, TwoHundredAndFiftyFiveCharactersAreTheLimit)
                                      "value is too long " + list + ".[br0," + beyond + "]")}));
 }
 
-TEST_F(AddEdgePortByconfigTest, AnOverlongFirstNameLosesItsTailInTheFile)
+TEST_F(AddEdgePortByconfigTest, TheLimitHoldsForAFirstNameToo)
 {
-    Put(kBridgeFile, "");
-    EXPECT_TRUE(AddEdgePortByconfig("br0", std::string(1000, 'x').c_str()));
-    EXPECT_EQ(Get(kBridgeFile), "SSIF_EDGE[0] = " + std::string(240, 'x'));
+    Put(kBridgeFile, "stp_state = 1d\n");
+    const std::string longest(253, 'x');
+    const std::string beyond = longest + "x";
+    EXPECT_FALSE(AddEdgePortByconfig("br0", beyond.c_str()));
+    EXPECT_EQ(TraceOf({"fopen"}), kNothing);
+    EXPECT_EQ(Log(),
+              LogLines{Error("AddEdgePortByconfig", "value is too long .[br0," + beyond + "]")});
+
+    ClearLog();
+    EXPECT_TRUE(AddEdgePortByconfig("br0", longest.c_str()));
+    EXPECT_EQ(Get(kBridgeFile), "stp_state = 1d\nSSIF_EDGE[0] = " + std::string(240, 'x'));
     EXPECT_EQ(Log(), kSilence);
 }
 
