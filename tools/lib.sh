@@ -37,5 +37,5 @@ configure()
 {
     preset=$1
     shift
-    cmake --preset "$preset" -G Ninja "$@"
+    cmake --preset "$preset" "$@"
 }

@@ -7,7 +7,7 @@ cd "$(dirname "$0")/../.." || exit 1
 
 export VORLIX_FAULT_STRIDE=1
 [ $# -gt 0 ] || set -- KillTest FailTest ConcurrentTest
-cmake --preset debug -G Ninja && cmake --build build/debug || exit 1
+cmake --preset debug && cmake --build build/debug || exit 1
 
 failed=0
 for program in "$@"; do

@@ -11,7 +11,7 @@ done
 cross=$work/cross
 rm -rf "$cross"
 mkdir -p "$cross"
-succeeds 'configuration' sh -c "cd '$top' && cmake --preset package-aarch64 -B '$cross' -G Ninja"
+succeeds 'configuration' sh -c "cd '$top' && cmake --preset package-aarch64 -B '$cross'"
 succeeds 'build' cmake --build "$cross"
 succeeds 'packing' sh -c "cd '$cross' && cpack"
 

@@ -48,7 +48,7 @@ unset PKG_CONFIG_LIBDIR PKG_CONFIG_SYSROOT_DIR
 
 for static in OFF ON; do
     there=$work/cmake-$static
-    succeeds "examples by CMake, static $static" cmake -S "$top/examples" -B "$there" -G Ninja \
+    succeeds "examples by CMake, static $static" cmake -S "$top/examples" -B "$there" \
         -DCMAKE_PREFIX_PATH="$tree/usr" -DEXAMPLES_STATIC=$static \
         -DCMAKE_C_FLAGS=-Werror -DCMAKE_CXX_FLAGS=-Werror
     succeeds "examples by CMake, static $static" cmake --build "$there"
@@ -73,7 +73,7 @@ find_package(Vorlix $wanted REQUIRED)
 END
     how=fails
     [ "$wanted" != 3.0 ] || how=succeeds
-    $how "find_package(Vorlix $wanted)" cmake -S "$work/cmake-old" -B "$work/cmake-old/build" -G Ninja \
+    $how "find_package(Vorlix $wanted)" cmake -S "$work/cmake-old" -B "$work/cmake-old/build" \
         -DCMAKE_PREFIX_PATH="$tree/usr"
 done
 exit "$failed"

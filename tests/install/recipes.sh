@@ -88,7 +88,7 @@ rm -rf "$work/buildroot"
 mkdir -p "$work/buildroot"
 options=$(buildroot VORLIX_CONF_OPTS)
 # shellcheck disable=SC2086  # a list of words
-succeeds 'configuration by Buildroot' cmake -S "$top" -B "$work/buildroot/build" -G Ninja \
+succeeds 'configuration by Buildroot' cmake -S "$top" -B "$work/buildroot/build" \
     -DCMAKE_INSTALL_PREFIX=/usr $options
 succeeds 'build by Buildroot' cmake --build "$work/buildroot/build"
 succeeds 'installation by Buildroot' env DESTDIR="$work/buildroot/target" \
