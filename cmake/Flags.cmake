@@ -30,6 +30,6 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   target_compile_options(vorlix_shipped INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wglobal-constructors -Wexit-time-destructors>)
 endif()
-# -z now is kept out: a program that lives for milliseconds binds only what it calls.
-target_link_options(vorlix_shipped INTERFACE
-  -Wl,--gc-sections -Wl,-z,relro -Wl,--as-needed $<$<CONFIG:MinSizeRel>:-s>)
+# -z now is kept out: a program that lives for milliseconds binds only what it calls. Symbols stay in:
+# whoever packs the files strips them, and keeps what a debugger wants.
+target_link_options(vorlix_shipped INTERFACE -Wl,--gc-sections -Wl,-z,relro -Wl,--as-needed)

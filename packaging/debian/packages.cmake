@@ -12,7 +12,7 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_SET_DESTDIR ON)  # the prefix is the build's, and /etc lies outside it
 set(CPACK_COMPONENTS_ALL program library development)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_STRIP_FILES OFF)  # the build has done it
+set(CPACK_STRIP_FILES ON)
 
 # DEBFULLNAME and DEBEMAIL are what Debian's own tools look at.
 set(maintainer "Vorlix network layer authors <vorlix@localhost>")

@@ -22,7 +22,7 @@ EXTRA_OECMAKE = " \
     -DVORLIX_CMOS_PROVIDER=${VORLIX_CMOS_PROVIDER} \
 "
 
-# The program and the library apart: an application may come without the other. The build strips.
+# The program and the library apart: an application may come without the other.
 PACKAGES =+ "lanrise"
 FILES:lanrise = " \
     ${sbindir}/lanrise \
@@ -30,8 +30,6 @@ FILES:lanrise = " \
     ${systemd_system_unitdir}/lanrise.service \
     ${datadir}/bash-completion \
 "
-INSANE_SKIP:lanrise += "already-stripped"
-INSANE_SKIP:${PN} += "already-stripped"
 
 RDEPENDS:lanrise = "bridge-utils net-tools"
 RRECOMMENDS:${PN} = "bridge-utils iproute2-tc iptables net-tools"
