@@ -30,7 +30,9 @@ for pc in "$tree"/usr/lib/*/pkgconfig/vorlix.pc; do
     follows "$pc" "$there/opt/vorlix/${pc#"$tree"/usr/}"
 done
 follows "$tree/usr/lib/systemd/system/lanrise.service" "$there/opt/vorlix/lib/systemd/system/lanrise.service"
-follows "$tree/etc/init.d/lanrise" "$there/etc/init.d/lanrise"
+follows "$tree/etc/init.d/lanrise" "$there/opt/vorlix/etc/init.d/lanrise"
+is 'mode of the init script under another prefix' "$(stat -c %a "$there/opt/vorlix/etc/init.d/lanrise")" 755
+is 'files outside the other prefix' "$(cd "$there" && find . ! -type d ! -path './opt/vorlix/*')" ''
 
 # One component at a time.
 rm -rf "$work/component"
