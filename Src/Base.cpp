@@ -14,7 +14,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 
 #include <fcntl.h>
 #include <linux/ethtool.h>
@@ -169,33 +168,6 @@ void PointAt(ifreq* request, void* record)
 
 // ---- wireless cards
 
-struct OpenTable {
-    const Fd file{open(kWirelessTable, O_RDONLY)};
-    LineReader reader{file.Get()};
-};
-
-/// /proc/net/wireless, for a walk over many cards: opened when the first name needs it.
-class WirelessTable {
-public:
-    /// Stores the line of `name`: the first one in which the character behind the name's first
-    /// occurrence is no digit, so that wlan1 is not found in the line of wlan10.
-    bool FindLine(const char* name, char (&line)[kLineSize])
-    {
-        if (!table_) table_.emplace();
-        if (!table_->file.Ok()) return false;
-
-        table_->reader.Rewind();
-        while (table_->reader.Next(line)) {
-            const char* found = strstr(line, name);
-            if (found != nullptr && !IsDigit(found[strlen(name)])) return true;
-        }
-        return false;
-    }
-
-private:
-    std::optional<OpenTable> table_;
-};
-
 /// The status behind the line's first colon: 1 says connected.
 bool StatusIsConnected(const char* line)
 {
@@ -228,22 +200,11 @@ bool IsWifi(const char* name, bool* isConnect, WirelessTable& table)
 
 // ---- switch interfaces
 
-/// A saved mode (`saved` is 0 then) goes before what the driver says.
-int32_t SavedOrDriverMode(const char* name, int32_t saved, int32_t mode)
+/// What a card is for which no mode is saved.
+int32_t DriverMode(const char* name)
 {
-    if (saved == 0) return mode;
     if (!IsSwitch(name)) return kOrdinaryCard;
     return Equal(name, "eth0") ? kCardAndSwitch : kSwitchInterface;
-}
-
-/// `isSwitchByName`, with the saved modes of the whole walk.
-int32_t SwitchModeOf(const char* name, SwitchModes& modes)
-{
-    if (Contains(name, kPoeMark)) return kSwitchInterface;
-
-    int32_t mode = 0;
-    const int32_t saved = modes.Get(name, &mode);
-    return SavedOrDriverMode(name, saved, mode);
 }
 
 /// The first answer of `GetSwitchInterface`. Byte 15 of a full buffer is left to the caller, who
@@ -473,6 +434,75 @@ int StatusOf(pid_t shell)
 
 }  // namespace
 
+bool WirelessTable::FindLine(const char* name, char (&line)[kLineSize])
+{
+    if (!table_) table_.emplace(kWirelessTable);
+    if (!table_->Ok()) return false;
+
+    LineReader& lines = table_->Lines();
+    lines.Rewind();
+    while (lines.Next(line)) {
+        const char* found = strstr(line, name);
+        if (found != nullptr && !IsDigit(found[strlen(name)])) return true;
+    }
+    return false;
+}
+
+bool CardWalk::IsWifi(const char* name)
+{
+    return vorlix::IsWifi(name, nullptr, wireless_);
+}
+
+int32_t CardWalk::SwitchMode(const char* name)
+{
+    if (Contains(name, kPoeMark)) return kSwitchInterface;
+
+    int32_t mode = kOrdinaryCard;
+    const bool isSaved = modes_.Get(name, &mode) == 0;
+    return isSaved ? mode : DriverMode(name);
+}
+
+bool ListCards(char (*names)[kNameSize], int* maxNum, CardWalk& walk)
+{
+    constexpr char kListing[] = "GetAllInterfaceInfo";
+    if (names == nullptr || WantsNone(maxNum)) {
+        LOG_ERROR_AS(kListing, "params error!");
+        return false;
+    }
+    memset(names, 0, kNamesSize);
+    Fd table(open(kInterfaceTable, O_RDONLY));
+    if (!table.Ok()) {
+        LOG_ERROR_AS(kListing, "Open file %s failed!\n", kInterfaceTable);
+        return false;
+    }
+    const int capacity = CapacityOf(*maxNum);
+    LineReader reader(table.Get());
+    char line[kLineSize];
+    int count = 0;
+    while (reader.Next(line)) {
+        if (count >= capacity) {
+            *maxNum = capacity;
+            return true;
+        }
+        if (!HoldsColon(line) || !getNetIfName(line, names[count], kNameSize)) continue;
+
+        const char* name = names[count];
+        ++count;
+        if (walk.IsWifi(name) || walk.SwitchMode(name) != kCardAndSwitch) continue;
+        if (count > capacity) {
+            LOG_ERROR_AS(kListing, "netdevice's count is more than gived buf");
+            (void)table.Take();  // stays open on this way out
+            return false;
+        }
+        if (count < kMaxInterfaces) JoinPoeName(names[count], name);
+        ++count;
+    }
+    if (IsCutOff(reader, kListing)) return false;
+
+    *maxNum = std::min(count, capacity);
+    return true;
+}
+
 }  // namespace vorlix
 
 using namespace vorlix;
@@ -600,9 +630,9 @@ int32_t isSwitchByName(const char* name)
     if (name == nullptr) return -1;
     if (Contains(name, kPoeMark)) return kSwitchInterface;
 
-    int32_t mode = 0;
-    const int32_t saved = NetSwitch_GetNetCardMode(name, &mode);
-    return SavedOrDriverMode(name, saved, mode);
+    int32_t mode = kOrdinaryCard;
+    const bool isSaved = NetSwitch_GetNetCardMode(name, &mode) == 0;
+    return isSaved ? mode : DriverMode(name);  // what is saved goes before what the driver says
 }
 
 bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum)
@@ -681,46 +711,8 @@ bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
 
 bool GetAllInterfaceInfo(char (*names)[16], int* maxNum)
 {
-    if (names == nullptr || WantsNone(maxNum)) {
-        LOG_ERROR("params error!");
-        return false;
-    }
-    memset(names, 0, kNamesSize);
-    Fd table(open(kInterfaceTable, O_RDONLY));
-    if (!table.Ok()) {
-        LOG_ERROR("Open file %s failed!\n", kInterfaceTable);
-        return false;
-    }
-    const int capacity = CapacityOf(*maxNum);
-    WirelessTable wireless;  // asked for each card, read once a listing
-    SwitchModes modes;       // the same; the driver is asked each time, since a refusal is logged
-    LineReader reader(table.Get());
-    char line[kLineSize];
-    int count = 0;
-    while (reader.Next(line)) {
-        if (count >= capacity) {
-            *maxNum = capacity;
-            return true;
-        }
-        if (!HoldsColon(line) || !getNetIfName(line, names[count], kNameSize)) continue;
-
-        const char* name = names[count];
-        ++count;
-        if (IsWifi(name, nullptr, wireless) || SwitchModeOf(name, modes) != kCardAndSwitch) {
-            continue;
-        }
-        if (count > capacity) {
-            LOG_ERROR("netdevice's count is more than gived buf");
-            (void)table.Take();  // stays open on this way out
-            return false;
-        }
-        if (count < kMaxInterfaces) JoinPoeName(names[count], name);
-        ++count;
-    }
-    if (IsCutOff(reader, __func__)) return false;
-
-    *maxNum = std::min(count, capacity);
-    return true;
+    CardWalk walk;
+    return ListCards(names, maxNum, walk);
 }
 
 bool GetSwitchInterface(char* name, int len)
@@ -737,13 +729,13 @@ bool GetSwitchInterface(char* name, int len)
     }
     char names[kMaxInterfaces][kNameSize];
     int count = kMaxInterfaces;
-    if (!GetAllInterfaceInfo(names, &count)) {
+    CardWalk walk;
+    if (!ListCards(names, &count, walk)) {
         LOG_WARN("GetAllInterfaceInfo failed!");
         return false;
     }
-    SwitchModes modes;
     for (int i = 0; i < count; ++i) {
-        if (SwitchModeOf(names[i], modes) != kSwitchInterface) continue;
+        if (walk.SwitchMode(names[i]) != kSwitchInterface) continue;
 
         switchname.Keep(names[i]);
         HandOut(names[i], name, len);

@@ -151,7 +151,11 @@ bool CheckNetCardByDrvName(const char* name, const char* drvname);
 #ifdef __cplusplus
 }  // extern "C"
 
+#include "Support/KeyFile.h"
+#include "Support/Lines.h"
 #include "Support/NameList.h"
+
+#include <optional>
 
 #include <net/if.h>
 #include <pthread.h>
@@ -173,6 +177,36 @@ inline bool CardExists(const char* name)
 {
     return CheckEthExist(&name, 1);
 }
+
+/// /proc/net/wireless, opened when the first name is looked for.
+class WirelessTable {
+public:
+    /// Stores the line of `name`: the first one in which the character behind the name's first
+    /// occurrence is no digit, so that wlan1 is not found in the line of wlan10.
+    bool FindLine(const char* name, char (&line)[kLineSize]);
+
+private:
+    std::optional<LineFile> table_;
+};
+
+/// A walk over many cards that asks what each of them is. The table of wireless cards and the saved
+/// switch modes are read when the first card needs them, and once; drivers are asked each time,
+/// since a refusal is logged. No name may be NULL.
+class CardWalk {
+public:
+    /// `NetCardIsWifi` for the kind alone.
+    bool IsWifi(const char* name);
+
+    /// `isSwitchByName`.
+    int32_t SwitchMode(const char* name);
+
+private:
+    WirelessTable wireless_;
+    SwitchModes modes_;
+};
+
+/// `GetAllInterfaceInfo` as the first part of a walk that goes on.
+bool ListCards(char (*names)[kNameSize], int* maxNum, CardWalk& walk);
 
 /// A zeroed request for one interface, with at most 15 characters of its name.
 ifreq RequestFor(const char* name);

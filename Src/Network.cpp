@@ -86,6 +86,20 @@ bool AskDriver(const char* name, void* record)
 
 }  // namespace
 
+bool LinkSpeedOf(const char* name, int* speed, CardWalk& walk)
+{
+    if (walk.IsWifi(name)) return false;
+
+    ethtool_cmd settings{};
+    settings.cmd = ETHTOOL_GSET;
+    if (!AskDriver(name, &settings)) {
+        LOG_ERROR_AS("Net_GetLinkSpeed", "ETHTOOL_GSET get failed.[%s]", name);
+        return false;
+    }
+    *speed = settings.speed;
+    return true;
+}
+
 }  // namespace vorlix
 
 using namespace vorlix;
@@ -229,16 +243,9 @@ bool Net_SetMediumPrefer(const char* name, NetMediumPrefer medium)
 bool Net_GetLinkSpeed(const char* name, int* speed)
 {
     if (name == nullptr || speed == nullptr) return false;
-    if (NetCardIsWifi(name, nullptr)) return false;
 
-    ethtool_cmd settings{};
-    settings.cmd = ETHTOOL_GSET;
-    if (!AskDriver(name, &settings)) {
-        LOG_ERROR("ETHTOOL_GSET get failed.[%s]", name);
-        return false;
-    }
-    *speed = settings.speed;
-    return true;
+    CardWalk walk;
+    return LinkSpeedOf(name, speed, walk);
 }
 
 bool Net_GetDataStat(const char* name, NetDataStat* dataStat)

@@ -100,4 +100,13 @@ VORLIX_API NetDeviceUsage Net_GetUsage(const char* name);
 
 #ifdef __cplusplus
 }  // extern "C"
+
+namespace vorlix {
+
+class CardWalk;
+
+/// `Net_GetLinkSpeed` for a card of a walk. Neither may be NULL.
+bool LinkSpeedOf(const char* name, int* speed, CardWalk& walk);
+
+}  // namespace vorlix
 #endif

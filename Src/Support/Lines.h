@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Support/Handles.h"
+
 #include <cstddef>
 
 #include <sys/types.h>
@@ -50,6 +52,22 @@ private:
     bool ended_ = false;
     bool failed_ = false;
     char buffer_[kPageSize];
+};
+
+/// A file that is read line by line, open as long as its owner lives.
+class LineFile {
+public:
+    explicit LineFile(const char* path) : file_(open(path, O_RDONLY)), reader_(file_.Get()) {}
+
+    bool Ok() const { return file_.Ok(); }
+    LineReader& Lines() { return reader_; }
+
+    /// Leaves the file open for good.
+    void LeaveOpen() { (void)file_.Take(); }
+
+private:
+    Fd file_;
+    LineReader reader_;
 };
 
 }  // namespace vorlix
