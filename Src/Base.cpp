@@ -131,11 +131,6 @@ bool IsDeviceKind(const char* name)
     return !ContainsAny(name, kRefusedKinds) && ContainsAny(name, kAcceptedKinds);
 }
 
-bool HoldsColon(const char* line)
-{
-    return strchr(line, ':') != nullptr;
-}
-
 // ---- control sockets
 
 /// The shared socket of a family, opened when it is not yet. A failed open is tried again by the
@@ -234,15 +229,43 @@ bool WantsNone(const int* maxNum)
     return maxNum == nullptr || *maxNum == 0;
 }
 
-/// True when the table could not be read to its end. A card that is not listed counts as gone, and
-/// a boot then gives up the bonds and bridges that it was in: better no list than a part of one.
-bool IsCutOff(const LineReader& reader, const char* operation)
-{
-    if (!reader.Failed()) return false;
+/// /proc/net/dev, walked over its lines with a colon: the others are its titles.
+class InterfaceTable {
+public:
+    bool Next(char (&line)[kLineSize])
+    {
+        while (file_.Lines().Next(line)) {
+            if (strchr(line, ':') != nullptr) return true;
+        }
+        return false;
+    }
 
-    LOG_ERROR_AS(operation, "Read file %s failed!\n", kInterfaceTable);
-    return true;
-}
+    /// Tells of a table that cannot be opened.
+    bool IsOpen(const char* operation) const
+    {
+        if (file_.Ok()) return true;
+
+        LOG_ERROR_AS(operation, "Open file %s failed!\n", kInterfaceTable);
+        return false;
+    }
+
+    /// True when the walk did not come to the end for which it was going on. A card that is not
+    /// listed counts as gone, and a boot then gives up the bonds and bridges that it was in: better
+    /// no list than a part of one. A list that was full before has lost nothing.
+    bool IsCutOff(const char* operation) const
+    {
+        if (!file_.Lines().Failed()) return false;
+
+        LOG_ERROR_AS(operation, "Read file %s failed!\n", kInterfaceTable);
+        return true;
+    }
+
+    bool Ok() const { return file_.Ok(); }
+    void LeaveOpen() { file_.LeaveOpen(); }
+
+private:
+    LineFile file_{kInterfaceTable};
+};
 
 /// Capacity of a listing: the arrays have 32 entries, whatever their caller says.
 int CapacityOf(int maxNum)
@@ -470,34 +493,27 @@ bool ListCards(char (*names)[kNameSize], int* maxNum, CardWalk& walk)
         return false;
     }
     memset(names, 0, kNamesSize);
-    Fd table(open(kInterfaceTable, O_RDONLY));
-    if (!table.Ok()) {
-        LOG_ERROR_AS(kListing, "Open file %s failed!\n", kInterfaceTable);
-        return false;
-    }
+    InterfaceTable table;
+    if (!table.IsOpen(kListing)) return false;
+
     const int capacity = CapacityOf(*maxNum);
-    LineReader reader(table.Get());
     char line[kLineSize];
     int count = 0;
-    while (reader.Next(line)) {
-        if (count >= capacity) {
-            *maxNum = capacity;
-            return true;
-        }
-        if (!HoldsColon(line) || !getNetIfName(line, names[count], kNameSize)) continue;
+    while (count < capacity && table.Next(line)) {
+        if (!getNetIfName(line, names[count], kNameSize)) continue;
 
         const char* name = names[count];
         ++count;
         if (walk.IsWifi(name) || walk.SwitchMode(name) != kCardAndSwitch) continue;
         if (count > capacity) {
             LOG_ERROR_AS(kListing, "netdevice's count is more than gived buf");
-            (void)table.Take();  // stays open on this way out
+            table.LeaveOpen();  // on this way out
             return false;
         }
         if (count < kMaxInterfaces) JoinPoeName(names[count], name);
         ++count;
     }
-    if (IsCutOff(reader, kListing)) return false;
+    if (table.IsCutOff(kListing)) return false;
 
     *maxNum = std::min(count, capacity);
     return true;
@@ -642,23 +658,19 @@ bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum)
         return false;
     }
     memset(names, 0, kNamesSize);
-    const Fd table(open(kInterfaceTable, O_RDONLY));
+    InterfaceTable table;
     if (!table.Ok()) {
         LOG_ERROR("Open file %s failed!", kInterfaceTable);
         return false;
     }
     const int capacity = CapacityOf(*maxNum);
-    LineReader reader(table.Get());
     char line[kLineSize];
     int count = 0;
-    while (reader.Next(line) && count < capacity) {
-        if (!HoldsColon(line)) continue;
-        if (getNetIfNameNoFilter(line, names[count], kNameSize) &&
-            Contains(names[count], specName)) {
-            ++count;
-        }
+    while (count < capacity && table.Next(line)) {
+        const bool isNamed = getNetIfNameNoFilter(line, names[count], kNameSize);
+        if (isNamed && Contains(names[count], specName)) ++count;
     }
-    if (IsCutOff(reader, __func__) || count < 1) return false;
+    if (table.IsCutOff(__func__) || count < 1) return false;
 
     *maxNum = count;
     return true;
@@ -685,25 +697,21 @@ bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
         LOG_ERROR("params error!");
         return false;
     }
-    const Fd table(open(kInterfaceTable, O_RDONLY));
-    if (!table.Ok()) {
-        LOG_ERROR("Open file %s failed!\n", kInterfaceTable);
-        return false;
-    }
-    LineReader reader(table.Get());
+    InterfaceTable table;
+    if (!table.IsOpen(__func__)) return false;
+
     char line[kLineSize];
     int count = 0;
-    while (reader.Next(line)) {
-        if (count >= *maxNum) return true;
-        if (!HoldsColon(line)) continue;
-
+    while (count < *maxNum && table.Next(line)) {
         if (interfaceInfo == nullptr) return false;
+
         InterfaceInfo& entry = interfaceInfo[count];
         if (!getNetIfName(line, entry.name, sizeof(entry.name))) continue;
+
         StoreCounters(&entry.netDatastat, line);
         ++count;
     }
-    if (IsCutOff(reader, __func__)) return false;
+    if (table.IsCutOff(__func__)) return false;
 
     if (count < *maxNum) *maxNum = count;
     return true;

@@ -61,6 +61,7 @@ public:
 
     bool Ok() const { return file_.Ok(); }
     LineReader& Lines() { return reader_; }
+    const LineReader& Lines() const { return reader_; }
 
     /// Leaves the file open for good.
     void LeaveOpen() { (void)file_.Take(); }

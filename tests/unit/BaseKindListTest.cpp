@@ -119,6 +119,30 @@ TEST_F(GetSpecifiedInterfaceInfoTest, RefusesNullAndACapacityOf0)
     EXPECT_EQ(Trace(), Texts{});
 }
 
+TEST_F(GetSpecifiedInterfaceInfoTest, APartOfTheTableIsNoList)
+{
+    AddCards(Many("br", 3));
+    Fail("pread /proc/net/dev", EIO, 2);  // behind its text, where the end would be
+    Names names;
+    int count = 4;
+    EXPECT_FALSE(List("br", names, &count));
+    EXPECT_EQ(count, 4);
+    EXPECT_EQ(Log(),
+              (LogLines{Error("GetSpecifiedInterfaceInfo", "Read file /proc/net/dev failed!\n")}));
+}
+
+TEST_F(GetSpecifiedInterfaceInfoTest, AFullListStandsWhateverBecomesOfTheRestOfTheTable)
+{
+    AddCards(Many("br", 3));
+    Fail("pread /proc/net/dev", EIO, 2);
+    Names names;
+    int count = 3;
+    EXPECT_TRUE(List("br", names, &count));
+    EXPECT_EQ(count, 3);
+    EXPECT_EQ(names.First(3), Many("br", 3));
+    EXPECT_EQ(Log(), LogLines{});
+}
+
 TEST_F(GetSpecifiedInterfaceInfoTest, NothingIsLeftOpenWhateverFails)
 {
     AddCards(Many("br", 3));
@@ -397,6 +421,28 @@ TEST_F(GetNormalInterfaceInfoTest, PassesOverNamesThatAreTooLong)
     EXPECT_EQ(records[1].netDatastat.receivedBytes, 4U);
     EXPECT_EQ(Log(), (LogLines{Error("getNetIfNameNoFilter",
                                      "eth name too long. eth-sixteen-abcd: 2\n")}));
+}
+
+TEST_F(GetNormalInterfaceInfoTest, APartOfTheTableIsNoList)
+{
+    AddCards({"eth0", "eth1"});
+    Fail("pread /proc/net/dev", EIO, 2);  // behind its text, where the end would be
+    int count = 3;
+    EXPECT_FALSE(GetNormalInterfaceInfo(records, &count));
+    EXPECT_EQ(count, 3);
+    EXPECT_EQ(Log(),
+              (LogLines{Error("GetNormalInterfaceInfo", "Read file /proc/net/dev failed!\n")}));
+}
+
+TEST_F(GetNormalInterfaceInfoTest, AFullListStandsWhateverBecomesOfTheRestOfTheTable)
+{
+    AddCards({"eth0", "eth1"});
+    Fail("pread /proc/net/dev", EIO, 2);
+    int count = 2;
+    EXPECT_TRUE(GetNormalInterfaceInfo(records, &count));
+    EXPECT_EQ(count, 2);
+    EXPECT_STREQ(records[1].name, "eth1");
+    EXPECT_EQ(Log(), LogLines{});
 }
 
 TEST_F(GetNormalInterfaceInfoTest, NothingIsLeftOpenWhateverFails)

@@ -489,6 +489,18 @@ TEST_F(GetAllInterfaceInfoTest, APartOfTheTableIsNoList)
     EXPECT_EQ(Log(), (LogLines{Error("GetAllInterfaceInfo", "Read file /proc/net/dev failed!\n")}));
 }
 
+TEST_F(GetAllInterfaceInfoTest, AFullListStandsWhateverBecomesOfTheRestOfTheTable)
+{
+    AddCards({"eth0", "eth1"});
+    Fail("pread /proc/net/dev", EIO, 2);
+    Names names;
+    int count = 2;
+    EXPECT_TRUE(GetAllInterfaceInfo(names.entries, &count));
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(names.First(2), (Texts{"eth0", "eth1"}));
+    EXPECT_EQ(Log(), LogLines{});
+}
+
 TEST_F(GetAllInterfaceInfoTest, ListsCardsOrNothingWhateverFails)
 {
     AddCards({"eth0", "wlan0", "eth1"});
