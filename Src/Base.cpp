@@ -3,6 +3,7 @@
 #include "Support/Handles.h"
 #include "Support/KeyFile.h"
 #include "Support/Log.h"
+#include "Support/Sockets.h"
 #include "Support/Text.h"
 
 #include <algorithm>
@@ -31,6 +32,13 @@ ifreq RequestFor(const char* name)
 {
     ifreq request{};
     CopyText(request.ifr_name, name);
+    return request;
+}
+
+ifreq DriverRequestFor(const char* name, void* record)
+{
+    ifreq request = RequestFor(name);
+    request.ifr_data = static_cast<char*>(record);
     return request;
 }
 
@@ -76,10 +84,8 @@ constexpr size_t kNamesSize = sizeof(Name) * kMaxInterfaces;
 
 // ---- state
 
-// Opened on first use and never closed. Threads may race for the first use: at worst one socket too
-// many stays open.
-std::atomic<int> commonSocketfd{-1};
-std::atomic<int> commonSocketfdv6{-1};
+KeptSocket commonSocketfd{AF_INET};
+KeptSocket commonSocketfdv6{AF_INET6};
 
 /// A name found once and kept. Filled and compared under its own lock, which is held over no call.
 class NameCache {
@@ -133,32 +139,17 @@ bool IsDeviceKind(const char* name)
 
 // ---- control sockets
 
-/// The shared socket of a family, opened when it is not yet. A failed open is tried again by the
-/// next request.
-int ControlSocket(std::atomic<int>& shared, int family, const char* operation)
+/// The descriptor of a shared socket. One that cannot be opened is told.
+int ControlOf(KeptSocket& shared, const char* operation)
 {
-    int control = shared.load(std::memory_order_relaxed);
-    if (control >= 0) return control;
-
-    control = socket(family, SOCK_DGRAM, 0);
-    if (control < 0) {
-        LOG_ERROR_AS(operation, "open commonSocketfd error.[%s]", strerror(errno));
-        return control;
-    }
-    KeepFromChildren(control);
-    shared.store(control, std::memory_order_relaxed);
+    const int control = shared.Get();
+    if (control < 0) LOG_ERROR_AS(operation, "open commonSocketfd error.[%s]", strerror(errno));
     return control;
 }
 
 bool Request(int control, int cmd, void* record)
 {
     return ioctl(control, static_cast<unsigned long>(static_cast<unsigned>(cmd)), record) >= 0;
-}
-
-/// Points a request at a record of the ethtool interface.
-void PointAt(ifreq* request, void* record)
-{
-    request->ifr_data = static_cast<char*>(record);
 }
 
 // ---- wireless cards
@@ -567,7 +558,7 @@ bool NetIOCtrl(int cmd, void* ifr)
 {
     if (ifr == nullptr) return false;
 
-    const int control = ControlSocket(commonSocketfd, AF_INET, __func__);
+    const int control = ControlOf(commonSocketfd, __func__);
     if (control < 0) return false;
     if (Request(control, cmd, ifr)) return true;
 
@@ -579,7 +570,7 @@ bool NetIOCtrlv6(int cmd, void* ifr)
 {
     if (ifr == nullptr) return false;
 
-    const int control = ControlSocket(commonSocketfdv6, AF_INET6, __func__);
+    const int control = ControlOf(commonSocketfdv6, __func__);
     if (control < 0) return false;
     if (Request(control, cmd, ifr)) return true;
 
@@ -592,20 +583,19 @@ bool CheckNetCardByDrvName(const char* name, const char* drvname)
     ethtool_drvinfo driver{};
     driver.cmd = ETHTOOL_GDRVINFO;
     MutexGuard guard(upDownLock);
-    ifreq request = RequestFor(name);
-    PointAt(&request, &driver);
-    const bool answered = NetIOCtrl(SIOCETHTOOL, &request);
+    ifreq request = DriverRequestFor(name, &driver);
+    const bool isAnswered = NetIOCtrl(SIOCETHTOOL, &request);
     guard.Release();
     char text[sizeof(driver.driver) + 1];  // a driver may fill its field to the last byte
     CopyText(text, driver.driver);
-    return answered && Contains(text, drvname);
+    return isAnswered && Contains(text, drvname);
 }
 
 bool InterfaceIpIsExist(const char* name)
 {
     if (name == nullptr) return false;
 
-    const Fd control(socket(AF_INET, SOCK_DGRAM, 0));
+    const Fd control(OpenSocket(AF_INET, SOCK_DGRAM, 0));
     if (!control.Ok()) {
         perror("socket failed");
         return false;
@@ -796,14 +786,13 @@ bool InterfaceIsLink(const char* name)
 {
     if (name == nullptr) return false;
 
-    const Fd control(socket(AF_INET, SOCK_DGRAM, 0));
+    const Fd control(OpenSocket(AF_INET, SOCK_DGRAM, 0));
     if (!control.Ok()) {
         LOG_ERROR("socket %s failed.", name);
         return false;
     }
     ethtool_value link{ETHTOOL_GLINK, 0};
-    ifreq request = RequestFor(name);
-    PointAt(&request, &link);
+    ifreq request = DriverRequestFor(name, &link);
     if (ioctl(control.Get(), SIOCETHTOOL, &request) < 0) LOG_ERROR("ioctl %s failed,.", name);
     return link.data != 0;
 }

@@ -211,6 +211,10 @@ bool ListCards(char (*names)[kNameSize], int* maxNum, CardWalk& walk);
 /// A zeroed request for one interface, with at most 15 characters of its name.
 ifreq RequestFor(const char* name);
 
+/// The same for the driver: the request points at `record`, of the ethtool interface, which begins
+/// with its command.
+ifreq DriverRequestFor(const char* name, void* record);
+
 /// `VorlixRunCmd` on a command formed here; what lies beyond 255 characters is cut off.
 __attribute__((format(printf, 1, 2))) bool RunCommand(const char* format, ...);
 

@@ -67,7 +67,7 @@ bool PrintAddress(uint32_t value, char* text)
     return false;
 }
 
-// ---- MTU and driver
+// ---- MTU
 
 bool SendMtu(const char* name, int mtu)
 {
@@ -76,11 +76,12 @@ bool SendMtu(const char* name, int mtu)
     return NetIOCtrl(SIOCSIFMTU, &request);
 }
 
+// ---- driver
+
 /// One request of the ethtool interface; `record` begins with its command.
 bool AskDriver(const char* name, void* record)
 {
-    ifreq request = RequestFor(name);
-    request.ifr_data = static_cast<char*>(record);
+    ifreq request = DriverRequestFor(name, record);
     return NetIOCtrl(SIOCETHTOOL, &request);
 }
 

@@ -1,9 +1,12 @@
 #include "Support/Handles.h"
+#include "Support/Sockets.h"
 
 #include "fake/World.h"
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
 #include <utility>
 
 using namespace fake;
@@ -114,6 +117,52 @@ TEST_F(HandlesTest, AKeptDescriptorIsNotInherited)
     EXPECT_EQ(fcntl(file.Get(), F_GETFD) & FD_CLOEXEC, 0);
     KeepFromChildren(file.Get());
     EXPECT_EQ(fcntl(file.Get(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+// ---- sockets
+
+TEST_F(HandlesTest, NoSocketIsInherited)
+{
+    const Fd control(OpenSocket(AF_INET, SOCK_DGRAM, 0));
+    ASSERT_TRUE(control.Ok());
+    EXPECT_EQ(fcntl(control.Get(), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+    EXPECT_EQ(OpenHandles(), (Texts{"socket AF_INET 2 0"}));
+}
+
+TEST_F(HandlesTest, AFailedSocketTellsItsReason)
+{
+    Fail("socket", EMFILE);
+    EXPECT_LT(OpenSocket(AF_INET, SOCK_DGRAM, 0), 0);
+    EXPECT_EQ(errno, EMFILE);
+    EXPECT_EQ(TraceOf({"fcntl"}), Texts{});
+}
+
+TEST_F(HandlesTest, AKeptSocketIsOpenedOnce)
+{
+    KeptSocket kept(AF_INET6);
+    const int fd = kept.Get();
+    EXPECT_GE(fd, 0);
+    EXPECT_EQ(kept.Get(), fd);
+    EXPECT_EQ(Trace(), (Texts{"socket AF_INET6", "fcntl F_SETFD"}));
+    EXPECT_EQ(fcntl(fd, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+TEST_F(HandlesTest, AKeptSocketMayHaveDescriptor0)
+{
+    close(STDIN_FILENO);  // a start script may have done so
+    KeptSocket kept(AF_INET);
+    EXPECT_EQ(kept.Get(), STDIN_FILENO);
+    EXPECT_EQ(kept.Get(), STDIN_FILENO);
+    EXPECT_EQ(TraceOf({"socket"}).size(), 1U);
+}
+
+TEST_F(HandlesTest, AKeptSocketThatFailedIsTriedAgain)
+{
+    KeptSocket kept(AF_INET);
+    Fail("socket", ENFILE);
+    EXPECT_LT(kept.Get(), 0);
+    EXPECT_EQ(errno, ENFILE);
+    EXPECT_GE(kept.Get(), 0);
 }
 
 }  // namespace
