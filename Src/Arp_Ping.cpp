@@ -224,7 +224,11 @@ bool IsAnswered(int fd, const char* host, int timeout)
 int OpenRawSocket(const char* operation, int kind, int protocol)
 {
     const int fd = socket(AF_INET, kind, protocol);
-    if (fd < 0) LOG_ERROR_AS(operation, "can not creat AF raw socket[%s].", strerror(errno));
+    if (fd < 0) {
+        LOG_ERROR_AS(operation, "can not creat AF raw socket[%s].", strerror(errno));
+        return fd;
+    }
+    KeepFromChildren(fd);
     return fd;
 }
 

@@ -404,6 +404,7 @@ int rtnl_open(struct rtnl_handle* rth)
         LOG_ERROR("socket failed");
         return -1;
     }
+    KeepFromChildren(rth->fd);
     rth->local.nl_family = AF_NETLINK;
     if (rth->fd != 0 && bind(rth->fd, Address(&rth->local), sizeof(rth->local)) < 0) {
         LOG_ERROR("bind failed");
@@ -510,6 +511,7 @@ int xll_name_to_index(const char* name)
     request.ifr_ifindex = -1;
     int index = 0;
     Fd control(socket(AF_INET, SOCK_DGRAM, 0));
+    if (control.Ok()) KeepFromChildren(control.Get());
     if (control.Ok() && ioctl(control.Get(), SIOCGIFINDEX, &request) >= 0) {
         index = request.ifr_ifindex;
     }

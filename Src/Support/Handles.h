@@ -93,9 +93,9 @@ private:
     pthread_mutex_t* mutex_;
 };
 
-/// Keeps a descriptor from being inherited by the tools that the shell starts: one that stays open
-/// for the life of the process, or a socket while another thread starts a tool. A call of its own,
-/// because the flags of the open are documented.
+/// Keeps a descriptor from being inherited by the tools that the shell starts, also by one that
+/// another thread starts meanwhile. A call of its own, because the flags of the open are
+/// documented.
 inline void KeepFromChildren(int fd)
 {
     (void)fcntl(fd, F_SETFD, FD_CLOEXEC);

@@ -1,4 +1,5 @@
 #include "Netlink.h"
+#include "Base.h"
 #include "CommonApi.h"
 #include "VirtInter.h"
 
@@ -8,6 +9,8 @@
 #include <cerrno>
 #include <cstring>
 #include <sstream>
+
+#include <unistd.h>
 
 using namespace device;
 
@@ -43,6 +46,15 @@ protected:
         Must("ip link set eth0 up; ip addr add 10.0.0.2/24 dev eth0");
     }
 };
+
+TEST_F(NetlinkTest, AToolGetsNoSocketOfARequest)
+{
+    rtnl_handle handle;
+    EXPECT_EQ(rtnl_open(&handle), 0);
+    EXPECT_TRUE(VorlixRunCmd("ls -l /proc/self/fd | grep socket >/run/sockets"));
+    close(handle.fd);
+    EXPECT_EQ(Get("/run/sockets"), "");
+}
 
 // ---- rules
 

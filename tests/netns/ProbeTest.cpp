@@ -1,10 +1,12 @@
 #include "Arp_Ping.h"
+#include "Base.h"
 #include "CommonApi.h"
 
 #include "Device.h"
 
 #include <algorithm>
 #include <ctime>
+#include <thread>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -119,6 +121,33 @@ protected:
     /// Nobody answers at the peer's end, but we know where to send.
     static void KnowPeer() { Must("ip neigh replace 10.0.0.2 lladdr 02:00:00:00:00:02 dev eth0"); }
 };
+
+// ---- what tools see of a probe
+
+/// The sockets among the descriptors that a tool gets when another thread starts it while a probe
+/// listens.
+template <class Probe>
+std::string SocketsOfATool(int peer, Probe probe)
+{
+    std::thread prober(probe);
+    NextFrame(peer);  // it is on its way
+    EXPECT_TRUE(VorlixRunCmd("ls -l /proc/self/fd | grep socket >/run/sockets"));
+    prober.join();
+    return Get("/run/sockets");
+}
+
+TEST_F(ProbeTest, AToolGetsNoSocketOfAnArpProbeThatListens)
+{
+    const auto probe = [] { Arp_Ckeck("eth0", kOurIP, kOurMac, kPeerIP, kBroadcast, 1); };
+    EXPECT_EQ(SocketsOfATool(PeerSocket(ETH_P_ARP), probe), "");
+}
+
+TEST_F(ProbeTest, AToolGetsNoSocketOfAnEchoProbeThatListens)
+{
+    KnowPeer();
+    const auto probe = [] { Ping_CheckAlive("eth0", kOurIP, kPeerIP, 1); };
+    EXPECT_EQ(SocketsOfATool(PeerSocket(ETH_P_IP), probe), "");
+}
 
 // ---- ARP
 

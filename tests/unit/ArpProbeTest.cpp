@@ -58,8 +58,8 @@ TEST_F(ArpCheckTest, WithoutABudgetItDoesNotListen)
     for (const int timeout : {0, -1, INT_MIN}) {
         ClearTrace();
         EXPECT_EQ(Probe(timeout), 0);
-        EXPECT_EQ(WireCalls(),
-                  (Texts{"socket AF_INET", kSends[0], kSends[1], kSends[2], "close AF_INET"}))
+        EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", "fcntl F_SETFD", kSends[0], kSends[1],
+                                      kSends[2], "close AF_INET"}))
             << timeout;
     }
     EXPECT_EQ(Log(), LogLines{});
@@ -156,8 +156,8 @@ TEST_F(ArpCheckTest, TextsThatDoNotParseAreAFailureAndNothingIsSent)
                                Error("Arp_Ckeck", "CreatArpPacket error."),
                                Error("CreatArpPacket", "mac error[no,ff:ff:ff:ff:ff:ff]"),
                                Error("Arp_Ckeck", "CreatArpPacket error.")}));
-    EXPECT_EQ(WireCalls(),
-              (Texts{"socket AF_INET", "close AF_INET", "socket AF_INET", "close AF_INET"}));
+    EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", "fcntl F_SETFD", "close AF_INET",
+                                  "socket AF_INET", "fcntl F_SETFD", "close AF_INET"}));
 }
 
 TEST_F(ArpCheckTest, TextsThatDoNotParseAreToldBeforeTheSocketIsClosed)
@@ -173,8 +173,8 @@ TEST_F(ArpCheckTest, TextsThatDoNotParseAreToldBeforeTheSocketIsClosed)
 TEST_F(ArpCheckTest, ASilentSegmentUsesTheWholeBudget)
 {
     EXPECT_EQ(Probe(3), 0);
-    EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", kSends[0], kSends[1], kSends[2], "poll 1 3000",
-                                  "poll 1 0", "close AF_INET"}));
+    EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", "fcntl F_SETFD", kSends[0], kSends[1],
+                                  kSends[2], "poll 1 3000", "poll 1 0", "close AF_INET"}));
     EXPECT_EQ(Log(), Joined({HeardNothing(3), HeardNothing(0)}));
 }
 

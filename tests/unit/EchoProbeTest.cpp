@@ -48,8 +48,8 @@ TEST_F(PingTest, WithoutABudgetTheHostIsNotAliveAtOnce)
         ClearLog();
         Arrive(EchoReply());
         EXPECT_FALSE(Ping_CheckAlive(nullptr, nullptr, kHost, timeout));
-        EXPECT_EQ(WireCalls(),
-                  (Texts{"socket AF_INET", kSends[0], kSends[1], kSends[2], "close AF_INET"}))
+        EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", "fcntl F_SETFD", kSends[0], kSends[1],
+                                      kSends[2], "close AF_INET"}))
             << timeout;
         EXPECT_EQ(Log(), (LogLines{kNotAlive}));
     }
@@ -68,9 +68,10 @@ TEST_F(PingTest, BindsTheCardAndThenItsAddress)
 {
     Arrive(EchoReply());
     EXPECT_TRUE(Ping_CheckAlive("eth0", kOurIP, kHost, 3));
-    EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", "setsockopt SO_BINDTODEVICE eth0 40",
-                                  "bind 10.0.0.1 0 16", kSends[0], kSends[1], kSends[2],
-                                  "poll 1 3000", "recvfrom 63 0 16", "close AF_INET"}));
+    EXPECT_EQ(WireCalls(),
+              (Texts{"socket AF_INET", "fcntl F_SETFD", "setsockopt SO_BINDTODEVICE eth0 40",
+                     "bind 10.0.0.1 0 16", kSends[0], kSends[1], kSends[2], "poll 1 3000",
+                     "recvfrom 63 0 16", "close AF_INET"}));
     EXPECT_EQ(Log(), (LogLines{kAlive}));
 }
 
@@ -357,8 +358,8 @@ TEST_F(NetPingCheckTest, WithoutACardTheKernelPicksTheWay)
 {
     Arrive(EchoReply());
     EXPECT_TRUE(NetPingCheck(nullptr, kHost, 1));
-    EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", kSends[0], kSends[1], kSends[2], "poll 1 1000",
-                                  "recvfrom 63 0 16", "close AF_INET"}));
+    EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", "fcntl F_SETFD", kSends[0], kSends[1],
+                                  kSends[2], "poll 1 1000", "recvfrom 63 0 16", "close AF_INET"}));
     EXPECT_EQ(Log(), (LogLines{kAlive}));
 }
 

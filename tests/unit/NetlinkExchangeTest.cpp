@@ -446,7 +446,10 @@ TEST_F(RtnlTalkTest, EachFailureIsToldAndLeavesNothingOpen)
     FailEachCall(talk,
                  [](const std::string& failed) {
                      const bool received = failed.rfind("recvmsg", 0) == 0;
-                     EXPECT_EQ(result, received ? 0 : -1);
+                     const bool harmless = failed == "fcntl F_SETFD";
+                     EXPECT_EQ(result, received || harmless ? 0 : -1);
+                     if (harmless) return;
+
                      EXPECT_EQ(LogOf("rtnl_talk"),
                                LogLines{Says(failed == "malloc" ? "malloc faliled!"
                                              : received         ? "OVERRUN"

@@ -124,6 +124,7 @@ protected:
     /// What a probe does on the wire, in its order.
     static Texts WireCalls()
     {
-        return fake::TraceOf({"socket", "setsockopt", "bind", "sendto", "poll", "recv", "close"});
+        return fake::TraceOf(
+            {"socket", "fcntl", "setsockopt", "bind", "sendto", "poll", "recv", "close"});
     }
 };
