@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cctype>
+#include <climits>
 #include <cstdlib>
 
 #include <arpa/inet.h>
@@ -39,11 +40,15 @@ constexpr size_t kUnusedSize = 128;
 
 // ---- tables
 
-/// What so many rows and the titles of their columns take.
-size_t BytesFor(int rows)
+/// What so many rows and the titles of their columns take, up to a page: a reader asks for no more
+/// at a time.
+constexpr size_t BytesFor(int rows)
 {
-    return (static_cast<size_t>(std::max(rows, 0)) + 1) * kIPv4RowSize;
+    constexpr int kRowsOfAPage = kPageSize / kIPv4RowSize - 1;
+    return (static_cast<size_t>(std::clamp(rows, 0, kRowsOfAPage)) + 1) * kIPv4RowSize;
 }
+static_assert(BytesFor(1) == 2 * kIPv4RowSize && BytesFor(INT_MAX) == kPageSize,
+              "no count of rows leaves a size_t, also where that has 32 bits");
 
 /// Lines of cards begin with a lower-case letter.
 bool IsCardLine(const char* line)

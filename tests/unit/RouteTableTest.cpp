@@ -4,6 +4,7 @@
 
 #include "fake/World.h"
 
+#include <climits>
 #include <cstring>
 #include <functional>
 
@@ -275,6 +276,18 @@ TEST_P(RouteReaderTest, LongTableIsReadNoFurtherThanItsFirstRows)
     EXPECT_TRUE(GetParam().read(&num, &cards));
     EXPECT_EQ(cards, Texts(16, "eth1"));
     EXPECT_EQ(TraceOf({"pread"}), Texts{Pread()});
+}
+
+// Counts whose rows fill 32 bits, to the last one and beyond.
+TEST_P(RouteReaderTest, AHugeCapacityListsAll)
+{
+    PutCards({"eth1", "eth2"});
+    for (const int capacity : {(1 << 25) - 2, (1 << 25) - 1, 1 << 25, INT_MAX - 1, INT_MAX}) {
+        int num = capacity;
+        Texts cards;
+        EXPECT_TRUE(GetParam().read(&num, &cards)) << capacity;
+        EXPECT_EQ(cards, (Texts{"eth1", "eth2"})) << capacity;
+    }
 }
 
 TEST_P(RouteReaderTest, CardNamesHaveUpToFifteenCharacters)
