@@ -18,13 +18,6 @@ std::string Dotted(uint32_t address)
     return text;
 }
 
-std::string Text6(const uint32_t (&address)[4])
-{
-    char text[INET6_ADDRSTRLEN] = {};
-    inet_ntop(AF_INET6, address, text, sizeof(text));
-    return text;
-}
-
 /// The IPv4 table as the library reads it: "10.0.0.0/255.255.255.0 via 0.0.0.0 dev eth0".
 Texts Listed(int capacity = 64)
 {
@@ -35,23 +28,6 @@ Texts Listed(int capacity = 64)
     for (int i = 0; i < count; ++i) {
         texts.push_back(Dotted(rows[i].dst) + "/" + Dotted(rows[i].mask) + " via " +
                         Dotted(rows[i].gw) + " dev " + rows[i].viaDev);
-    }
-    return texts;
-}
-
-/// The IPv6 table as the library reads it, without what the kernel keeps for itself: link-local
-/// and multicast nets, and the cards' own addresses.
-Texts Listed6()
-{
-    std::vector<IPv6Route> rows(64);
-    int count = 64;
-    EXPECT_TRUE(Route_GetIPv6Route(rows.data(), &count));
-    Texts texts;
-    for (int i = 0; i < count; ++i) {
-        const std::string destination = Text6(rows[i].dst);
-        if (destination.rfind("2001:", 0) != 0 || rows[i].perfix == 128) continue;
-        texts.push_back(destination + "/" + std::to_string(rows[i].perfix) + " via " +
-                        Text6(rows[i].gw) + " dev " + rows[i].viaDev);
     }
     return texts;
 }
@@ -259,72 +235,6 @@ TEST_F(DefaultCardTest, AGatewayOutOfReachLeavesNoDefaultRouteAndTheNextQuestion
     Put(CardFile("eth1"), Lines({"GATEWAYIP = 10.0.1.1"}));
     EXPECT_EQ(DefaultCard(), "eth1");
     EXPECT_EQ(Routes(), With("default via 10.0.1.1 dev eth1"));
-}
-
-class Route6Test : public Device {
-protected:
-    void SetUp() override
-    {
-        Device::SetUp();
-        AddCards(2);
-        Must("ip link set eth0 up; ip -6 addr add 2001:db8::2/64 dev eth0 nodad;"
-             " ip link set eth1 up; ip -6 addr add 2001:db8:1::2/64 dev eth1 nodad");
-    }
-
-    const Texts own = {"2001:db8:1::/64 dev eth1", "2001:db8::/64 dev eth0"};
-};
-
-TEST_F(Route6Test, RoutesReachTheTableAndLeaveIt)
-{
-    EXPECT_TRUE(RouteAddIPv6("2001:db8:5::", "2001:db8::1", "48", "eth0"));
-    EXPECT_TRUE(RouteAddIPv6("2001:db8:6::9", "::", "128", "eth0"));
-    EXPECT_EQ(Routes6(),
-              (Texts{"2001:db8:1::/64 dev eth1", "2001:db8:5::/48 via 2001:db8::1 dev eth0",
-                     "2001:db8:6::9 dev eth0", "2001:db8::/64 dev eth0"}));
-    EXPECT_TRUE(RouteDelIPv6("2001:db8:5::", "2001:db8::1", "48", "eth0"));
-    EXPECT_TRUE(RouteDelIPv6("2001:db8:6::9", "::", "128", "eth0"));
-    EXPECT_EQ(Routes6(), own);
-}
-
-TEST_F(Route6Test, RowsAreTheKernelsAndEveryReadIsFresh)
-{
-    const Texts rows = {"2001:db8::/64 via :: dev eth0", "2001:db8:1::/64 via :: dev eth1"};
-    for (int round = 0; round < 3; ++round) {
-        EXPECT_TRUE(RouteAddIPv6("2001:db8:5::", "2001:db8::1", "48", "eth0"));
-        EXPECT_EQ(Listed6(), (Texts{rows[0], rows[1], "2001:db8:5::/48 via 2001:db8::1 dev eth0"}));
-        EXPECT_TRUE(RouteDelIPv6("2001:db8:5::", "2001:db8::1", "48", "eth0"));
-        EXPECT_EQ(Listed6(), rows);
-    }
-}
-
-TEST_F(Route6Test, ARouteThatIsThereIsASuccess)
-{
-    EXPECT_TRUE(RouteAddIPv6("2001:db8:5::", "2001:db8::1", "48", "eth0"));
-    const Texts before = Routes6();
-    EXPECT_TRUE(RouteAddIPv6("2001:db8:5::", "2001:db8::1", "48", "eth0"));
-    EXPECT_EQ(Routes6(), before);
-    EXPECT_EQ(LogOf("Route_SetIPv6Route"), LogLines{});
-}
-
-TEST_F(Route6Test, TheDefaultRouteMovesBetweenCards)
-{
-    Put(std::string(kConfig) + "/networkip6", Lines({"GATEWAYIP = 2001:db8::1"}));
-    Put(std::string(kConfig) + "/networkip61", Lines({"GATEWAYIP = 2001:db8:1::1"}));
-    EXPECT_TRUE(RouteAddDefIPv6("eth0"));
-    EXPECT_EQ(Routes6().back(), "default via 2001:db8::1 dev eth0");
-    EXPECT_TRUE(RouteAddDefIPv6("eth1"));
-    EXPECT_EQ(Routes6().back(), "default via 2001:db8:1::1 dev eth1");
-    EXPECT_TRUE(RouteDelDefIPv6(nullptr));
-    EXPECT_EQ(Routes6(), own);
-}
-
-TEST_F(Route6Test, RoutesOfACardGoAndItsDefaultRouteStays)
-{
-    Must("ip -6 route add default via 2001:db8:1::1; ip -6 route add 2001:db8:7::/48 dev eth1");
-    // The result is left open: newer kernels list the card's own addresses under its name too, and
-    // these cannot be deleted.
-    (void)RouteDelAllIPv6("eth1");
-    EXPECT_EQ(Routes6(), (Texts{"2001:db8::/64 dev eth0", "default via 2001:db8:1::1 dev eth1"}));
 }
 
 class RouteRecordTest : public RouteTest {};
