@@ -1,8 +1,6 @@
 #include "Config.h"
 
 #include "Base.h"
-#include "Support/Handles.h"
-#include "Support/Lines.h"
 #include "Support/Log.h"
 #include "Support/NameList.h"
 #include "Support/Text.h"
@@ -13,7 +11,6 @@
 #include <cstring>
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 
 namespace vorlix {
 
@@ -21,13 +18,10 @@ namespace {
 
 // ---- texts and limits
 
-constexpr char kFirstCard[] = "eth0";  // its file holds the name of the default card
 constexpr char kBridgeFile[] = "/mnt/mtd/Config/rsbridgeinit.conf";
-constexpr char kFileStart[] = "network";
 constexpr char kEmptyAddress[] = "0.0.0.0";
 
 constexpr int kMaxFiles = 32;
-constexpr int kLinesLookedAt = 32;
 constexpr int kFlagSize = 8;
 constexpr int kMtuSize = 8;
 constexpr int kWorkModeSize = 8;
@@ -99,7 +93,7 @@ bool IsAddress(const char* text)
     return inet_aton(text, &address) != 0;
 }
 
-bool IsAddressPair(const char* operation, const char* ip, const char* mask)
+bool CheckAddressPair(const char* operation, const char* ip, const char* mask)
 {
     if (IsAddress(ip) && IsAddress(mask)) return true;
 
@@ -107,7 +101,7 @@ bool IsAddressPair(const char* operation, const char* ip, const char* mask)
     return false;
 }
 
-bool IsGateway(const char* operation, const char* gateway)
+bool CheckGateway(const char* operation, const char* gateway)
 {
     if (IsAddress(gateway)) return true;
 
@@ -115,7 +109,7 @@ bool IsGateway(const char* operation, const char* gateway)
     return false;
 }
 
-bool IsIPv6Pair(const char* operation, const char* ip, const char* perFix)
+bool CheckIPv6Pair(const char* operation, const char* ip, const char* perFix)
 {
     in6_addr address{};
     if (!ParseIPv6(ip, &address)) {
@@ -128,7 +122,7 @@ bool IsIPv6Pair(const char* operation, const char* ip, const char* perFix)
     return false;
 }
 
-bool IsIPv6Gateway(const char* operation, const char* gateway)
+bool CheckIPv6Gateway(const char* operation, const char* gateway)
 {
     in6_addr address{};
     if (ParseIPv6(gateway, &address)) return true;
@@ -156,26 +150,12 @@ void UseParentOfLostVlan(char* card)
     LOG_INFO_AS("GetDefaultEthByConfig", "default card force use %s", card);
 }
 
-void FormListedPath(const char* file, FileName& path)
-{
-    FormatText(path, sizeof(path), "%s/%s", kConfigFolder, file);
-}
-
 bool IsPrioOfDefault(const char* file)
 {
     FileName path;
     FormListedPath(file, path);
     char prio[kPrioSize] = {};
     return GetValueByKey(path, KeyText(HOST_PRIO_KEY), prio, sizeof(prio)) && prio[0] == '0';
-}
-
-/// The card that a setting file belongs to: the reverse of `GetFileByName`.
-const char* CardOfFile(const char* file)
-{
-    const char* card = file + sizeof(kFileStart) - 1;
-    if (Equal(card, "")) return kFirstCard;
-    if (Equal(card, "1")) return "eth1";
-    return card;
 }
 
 bool FindDefaultByPrio(char* name, int len)
@@ -200,14 +180,21 @@ bool FindDefaultByPrio(char* name, int len)
 
 // ---- member lists
 
-bool HoldsKey(int file, KEYENUM key)
+/// A bond's file is of the old kind when it has no member list. Looked for here and not by
+/// `GetValueByKey`: that the key is missing is the answer, that the file is missing is none.
+bool ReadIsTrunk(const char* path, bool* isTrunk)
 {
-    LineReader reader(file);
-    char line[kLineSize];
-    for (int i = 0; i < kLinesLookedAt && reader.Next(line); ++i) {
-        if (Contains(line, KeyText(key))) return true;
+    LockedLines file(path);
+    if (!file.Ok()) {
+        LOG_ERROR_AS("IsTrunkBondConfig", "cannot fopen [%s]", strerror(errno));
+        return false;
     }
-    return false;
+    *isTrunk = true;
+    char line[kLineSize];
+    while (*isTrunk && file.Next(line)) {
+        if (Contains(line, KeyText(HOST_BONDMEMBERS_KEY))) *isTrunk = false;
+    }
+    return true;
 }
 
 bool ReadNames(const char* name, const MemberList& list, char** members, int* num)
@@ -261,21 +248,28 @@ char BridgeLetter(const char* brName)
     return strnlen(brName, 2) < 2 ? '\0' : brName[2];
 }
 
-/// The edge ports of one bridge: the key of their line, and the list, empty when there is none.
+/// The edge ports of one bridge: the key of their line, and the list, empty when none was found.
 struct EdgePorts {
-    explicit EdgePorts(const char* brName)
-    {
-        FormatText(key, sizeof(key), "%s[%c]", KeyText(HOST_BR_EDGE_KEY), BridgeLetter(brName));
-        found = GetValueByKey(kBridgeFile, key, list, sizeof(list));
-    }
-
     char* Find(const char* ethName) { return FindWordInLine(list, ethName, ','); }
-    bool Save() const { return SetValueByKey(kBridgeFile, key, list); }
 
     char key[kEdgeKeySize] = {};
     char list[kListSize] = {};
     bool found = false;
 };
+
+EdgePorts ReadEdgePorts(const char* brName)
+{
+    EdgePorts ports;
+    FormatText(ports.key, sizeof(ports.key), "%s[%c]", KeyText(HOST_BR_EDGE_KEY),
+               BridgeLetter(brName));
+    ports.found = GetValueByKey(kBridgeFile, ports.key, ports.list, sizeof(ports.list));
+    return ports;
+}
+
+bool SaveEdgePorts(const EdgePorts& ports)
+{
+    return SetValueByKey(kBridgeFile, ports.key, ports.list);
+}
 
 /// Removes a word with the comma before it, or, from the start of the list, with the one behind.
 void CutWord(char* list, char* word, size_t length)
@@ -303,13 +297,13 @@ bool GetIPByConfig(const char* name, char* ip, char* mask)
 
     return ReadSettings(name, {HOST_IP_KEY, ip, kIPv4TextSize},
                         {HOST_SUBMASK_KEY, mask, kIPv4TextSize}) &&
-           IsAddressPair(__func__, ip, mask);
+           CheckAddressPair(__func__, ip, mask);
 }
 
 bool SetIPByConfig(const char* name, const char* ip, const char* mask)
 {
     if (name == nullptr || ip == nullptr || mask == nullptr) return false;
-    if (!IsAddressPair(__func__, ip, mask)) return false;
+    if (!CheckAddressPair(__func__, ip, mask)) return false;
 
     if (StartsWith(ip, kEmptyAddress) && StartsWith(mask, kEmptyAddress)) {
         LOG_INFO("ip: %s mask %s not save.", ip, mask);
@@ -321,12 +315,12 @@ bool SetIPByConfig(const char* name, const char* ip, const char* mask)
 bool GetGatewayByConfig(const char* name, char* gateway)
 {
     return ReadSetting(name, HOST_GATEWAY_KEY, gateway, kIPv4TextSize) &&
-           IsGateway(__func__, gateway);
+           CheckGateway(__func__, gateway);
 }
 
 bool SetGatewayByConfig(const char* name, const char* gateway)
 {
-    if (name == nullptr || gateway == nullptr || !IsGateway(__func__, gateway)) return false;
+    if (name == nullptr || gateway == nullptr || !CheckGateway(__func__, gateway)) return false;
 
     if (StartsWith(gateway, kEmptyAddress)) {
         LOG_INFO("gateway: %s not save.", gateway);
@@ -359,7 +353,7 @@ bool GetIPv6ByConfig(const char* name, char* ip, int ipLen, char* perFix, int pe
                       GetFileByName6)) {
         return false;
     }
-    if (!IsIPv6Pair(__func__, ip, perFix)) return false;
+    if (!CheckIPv6Pair(__func__, ip, perFix)) return false;
 
     FormatText(perFix, static_cast<size_t>(perFixLen), "%d", atoi(perFix));
     return true;
@@ -369,7 +363,7 @@ bool SetIPv6ByConfig(const char* name, const char* ip, const char* perFix)
 {
     if (name == nullptr || ip == nullptr || perFix == nullptr) return false;
 
-    return IsIPv6Pair(__func__, ip, perFix) &&
+    return CheckIPv6Pair(__func__, ip, perFix) &&
            WriteSetting(name, HOST_IP_KEY, ip, GetFileByName6) &&
            WriteSetting(name, HOST_SUBMASK_KEY, perFix, GetFileByName6);
 }
@@ -377,14 +371,14 @@ bool SetIPv6ByConfig(const char* name, const char* ip, const char* perFix)
 bool GetGatewayv6ByConfig(const char* name, char* gateway, int len)
 {
     return ReadSetting(name, HOST_GATEWAY_KEY, gateway, len, GetFileByName6) &&
-           IsIPv6Gateway(__func__, gateway);
+           CheckIPv6Gateway(__func__, gateway);
 }
 
 bool SetGatewayv6ByConfig(const char* name, const char* gateway)
 {
     if (name == nullptr || gateway == nullptr) return false;
 
-    return IsIPv6Gateway(__func__, gateway) &&
+    return CheckIPv6Gateway(__func__, gateway) &&
            WriteSetting(name, HOST_GATEWAY_KEY, gateway, GetFileByName6);
 }
 
@@ -489,18 +483,8 @@ bool IsTrunkBondConfig(char* name, bool* isTrunk)
     LOG_INFO("IsTrunkBondConfig ifName: %s", name);
     FileName path = {};
     (void)GetFileByName(name, path, sizeof(path));
-    // Read here and not by key: that the key is missing is the answer, that the file is missing
-    // is none.
-    ConfigLock lock(path);
-    Fd file(open(path, O_RDONLY));
-    if (!file.Ok()) {
-        LOG_ERROR("cannot fopen [%s]", strerror(errno));
-        return false;
-    }
-    *isTrunk = !HoldsKey(file.Get(), HOST_BONDMEMBERS_KEY);
-    lock.ReleaseFile();
-    file.Close();
-    lock.Release();
+    if (!ReadIsTrunk(path, isTrunk)) return false;
+
     LOG_INFO("%s", *isTrunk ? "Is Trunk config" : "Not Trunk config");
     return true;
 }
@@ -577,7 +561,7 @@ bool AddEdgePortByconfig(const char* brName, const char* ethName)
 {
     if (brName == nullptr || ethName == nullptr) return false;
 
-    EdgePorts ports(brName);
+    EdgePorts ports = ReadEdgePorts(brName);
     if (ports.found && ports.Find(ethName) != nullptr) {
         LOG_WARN("%s is already the edgeport of %s", ethName, brName);
         return true;
@@ -588,15 +572,15 @@ bool AddEdgePortByconfig(const char* brName, const char* ethName)
     }
     if (ports.found) Strcat(ports.list, sizeof(ports.list), ",", nullptr);
     Strcat(ports.list, sizeof(ports.list), ethName, nullptr);
-    return ports.Save();
+    return SaveEdgePorts(ports);
 }
 
 bool DelEdgePortByconfig(const char* brName, const char* ethName)
 {
     if (brName == nullptr || ethName == nullptr) return false;
 
-    EdgePorts ports(brName);
-    if (!ports.found) return ports.Save();
+    EdgePorts ports = ReadEdgePorts(brName);
+    if (!ports.found) return SaveEdgePorts(ports);
 
     char* word = ports.Find(ethName);
     if (word == nullptr) {
@@ -604,14 +588,14 @@ bool DelEdgePortByconfig(const char* brName, const char* ethName)
         return true;
     }
     CutWord(ports.list, word, strlen(ethName));
-    return ports.Save();
+    return SaveEdgePorts(ports);
 }
 
 bool IsEdgePortByconfig(const char* brName, const char* ethName)
 {
     if (brName == nullptr || ethName == nullptr) return false;
 
-    EdgePorts ports(brName);
+    EdgePorts ports = ReadEdgePorts(brName);
     return ports.found && ports.Find(ethName) != nullptr;
 }
 

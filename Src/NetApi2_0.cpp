@@ -28,7 +28,6 @@ namespace {
 
 // ---- names and limits
 
-constexpr char kFirstCard[] = "eth0";
 constexpr char kHiddenCard[] = "eth16";
 constexpr char kFirstBond[] = "bond0";
 constexpr char kFirstBridge[] = "br0";

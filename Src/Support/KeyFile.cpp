@@ -1,3 +1,10 @@
+// Contents:
+//   Names: the keys, the files of the cards
+//   Locking: a mutex for the threads, a lock on the file for other processes
+//   Reading: the first line that holds a key, and its value
+//   Writing: what a rewrite keeps, in which place the new line goes
+//   Listing, switch modes
+
 #include "Support/KeyFile.h"
 
 #include "Support/Handles.h"
@@ -22,12 +29,13 @@ namespace {
 
 // ---- texts and limits
 
+constexpr char kSecondCard[] = "eth1";
+constexpr char kFileStart[] = "network";
 constexpr char kIPv4Base[] = "/mnt/mtd/Config/network";
 constexpr char kIPv6Base[] = "/mnt/mtd/Config/networkip6";
 constexpr char kOldNameOfEth2[] = "network2";
 constexpr char kSwitchModeFile[] = "/mnt/mtd/Config/poeMode.conf";
 
-constexpr int kLinesLookedAt = 32;
 constexpr int kLinesKept = 16;
 constexpr int kFileNameSize = 64;
 constexpr unsigned kLongestEntry = 62;  // of the directory record, not of the name alone
@@ -46,9 +54,7 @@ static_assert(keys[HOST_BONDHASH_KEY][0] != '\0', "an empty key would be found i
 // ---- state
 
 pthread_mutex_t net_config_Lock = PTHREAD_MUTEX_INITIALIZER;
-// Both are about the file locked now, and guarded by net_config_Lock.
-int fd = -1;
-bool missing = false;
+int fd = -1;  // of the file locked now; guarded by net_config_Lock
 
 // ---- paths
 
@@ -57,9 +63,9 @@ bool FormPath(const char* base, const char* name, char* file, int len)
     if (name == nullptr || file == nullptr || len <= 0) return false;
 
     const auto size = static_cast<size_t>(len);
-    if (Equal(name, "eth0")) {
+    if (Equal(name, kFirstCard)) {
         FormatText(file, size, "%s", base);
-    } else if (Equal(name, "eth1")) {
+    } else if (Equal(name, kSecondCard)) {
         FormatText(file, size, "%s1", base);
     } else {
         FormatText(file, size, "%s%s", base, name);
@@ -80,20 +86,38 @@ bool ControlFile(short type, int control)
     return fcntl(fd, control, &range) == 0;
 }
 
-void LockFile(const char* filename)
+/// @return false when there is no such file
+bool LockFile(const char* filename)
 {
     pthread_mutex_lock(&net_config_Lock);
-    fd = filename == nullptr ? -1 : open(filename, O_WRONLY | O_APPEND);
-    missing = fd < 0 && errno == ENOENT;
-    if (fd < 0 || ControlFile(F_WRLCK, F_SETLKW)) return;
+    if (filename == nullptr) return true;
 
-    LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:%d, [%s]", getpid(),
-                 strerror(errno));
+    fd = open(filename, O_WRONLY | O_APPEND);
+    if (fd < 0) return errno != ENOENT;
+
+    if (!ControlFile(F_WRLCK, F_SETLKW)) {
+        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:%d, [%s]", getpid(),
+                     strerror(errno));
+    }
+    return true;
+}
+
+/// Lets other processes at the file, while the threads of this one still wait.
+void UnlockForProcesses()
+{
+    if (fd < 0) return;
+
+    if (!ControlFile(F_UNLCK, F_SETLKW)) {
+        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_UNLCK) failed, pid:%d, [%s]", getpid(),
+                     strerror(errno));
+    }
+    close(fd);
+    fd = -1;
 }
 
 void UnlockFile()
 {
-    ReleaseLockedFile();
+    UnlockForProcesses();
     pthread_mutex_unlock(&net_config_Lock);
 }
 
@@ -104,75 +128,66 @@ bool IsPadding(char character)
     return character == ' ' || character == '\t' || character == '\n';
 }
 
-/// Opens the locked file. One that was not there when it was locked is not asked for again.
-int OpenLocked(const char* filename)
-{
-    return missing ? -1 : open(filename, O_RDONLY);
-}
-
 struct KeyLine {
     const char* key;
     bool found;
     char text[kLineSize];
 };
 
-/// Finds for each key the first line that holds it, among the first 32.
+/// Finds for each key the first line that holds it.
 template <size_t count>
 void FindLines(const char* filename, KeyLine (&wanted)[count])
 {
-    ConfigLock lock(filename);
-    const Fd file(OpenLocked(filename));
-    if (file.Ok()) {
-        LineReader reader(file.Get());
-        char line[kLineSize];
-        size_t left = count;
-        for (int i = 0; i < kLinesLookedAt && left > 0 && reader.Next(line); ++i) {
-            for (KeyLine& entry : wanted) {
-                if (entry.found || !Contains(line, entry.key)) continue;
+    LockedLines lines(filename);
+    char line[kLineSize];
+    size_t left = count;
+    while (left > 0 && lines.Next(line)) {
+        for (KeyLine& entry : wanted) {
+            if (entry.found || !Contains(line, entry.key)) continue;
 
-                CopyText(entry.text, line);
-                entry.found = true;
-                --left;
-            }
+            CopyText(entry.text, line);
+            entry.found = true;
+            --left;
         }
     }
-    lock.ReleaseFile();  // a reader unlocks first and closes then
 }
 
-/// Cuts the value out of its line, when there is one, and copies it out.
-bool TakeValue(KeyLine& line, const char* filename, char* value, int len)
+/// Copies out the value of a line.
+bool TakeValue(const char* filename, const char* key, const char* line, char* value, int len)
 {
-    if (!line.found) return false;
-
-    char* text = strchr(line.text, '=');
+    const char* text = strchr(line, '=');
     if (text == nullptr) {
-        LOG_ERROR_AS("GetValueByKey", "file formate error![file:%s,context:%s]", filename,
-                     line.text);
+        LOG_ERROR_AS("GetValueByKey", "file formate error![file:%s,context:%s]", filename, line);
         return false;
     }
     do {
         ++text;
     } while (IsPadding(*text));
-    size_t length = strlen(text);
+    auto length = static_cast<int>(strlen(text));
     while (length > 0 && IsPadding(text[length - 1])) --length;
-    text[length] = '\0';
 
     if (length == 0) {
-        LOG_WARN_AS("GetValueByKey", "the %s from %s is empty.", line.key, filename);
+        LOG_WARN_AS("GetValueByKey", "the %s from %s is empty.", key, filename);
         return false;
     }
-    if (static_cast<int>(length) >= len) {
-        LOG_ERROR_AS("GetValueByKey", "value len is too small.[len:%d,value:%s]",
-                     static_cast<int>(length), text);
+    if (length >= len) {
+        LOG_ERROR_AS("GetValueByKey", "value len is too small.[len:%d,value:%.*s]", length, length,
+                     text);
         return false;
     }
-    CopyText(value, static_cast<size_t>(len), text);
+    memset(value, 0, static_cast<size_t>(len));
+    memcpy(value, text, static_cast<size_t>(length));
     return true;
+}
+
+bool TakeValue(const KeyLine& line, const char* filename, char* value, int len)
+{
+    return line.found && TakeValue(filename, line.key, line.text, value, len);
 }
 
 // ---- writing
 
-struct Lines {
+struct KeptLines {
     int count = 0;
     char text[kLinesKept][kLineSize] = {};
 };
@@ -193,20 +208,27 @@ void CloseLine(char (&line)[kLineSize])
     if (length < sizeof(line) - 1 && line[length - 1] != '\n') CopyText(line + length, 2, "\n");
 }
 
-void KeepKnownLines(FILE* scan, Lines* kept)
+/// @return false when the file cannot be read to its end: emptied now, it would lose for good what
+/// a
+///         bad read has hidden
+bool KeepKnownLines(const char* filename, FILE* scan, KeptLines* kept)
 {
     char line[kLineSize];
     for (int i = 0; i < kLinesLookedAt && kept->count < kLinesKept; ++i) {
-        if (fgets(line, sizeof(line), scan) == nullptr) return;
+        if (fgets(line, sizeof(line), scan) == nullptr) break;
         if (!HoldsKnownKey(line)) continue;
 
         CloseLine(line);
         CopyText(kept->text[kept->count], line);
         ++kept->count;
     }
+    if (ferror(scan) == 0) return true;
+
+    LOG_ERROR_AS("SetValueByKey", "cannot read %s.[%s]", filename, strerror(errno));
+    return false;
 }
 
-int PlaceOf(const char* key, const Lines& kept)
+int PlaceOf(const char* key, const KeptLines& kept)
 {
     for (int place = 0; place < kept.count; ++place) {
         if (Contains(kept.text[place], key)) return place;
@@ -214,7 +236,21 @@ int PlaceOf(const char* key, const Lines& kept)
     return kept.count;
 }
 
-bool WriteLines(const char* filename, const Lines& lines)
+/// @return false when there is no room for another line
+bool PutLine(const char* key, const char* value, KeptLines* kept)
+{
+    const int place = PlaceOf(key, *kept);
+    if (place >= kLinesKept) {
+        LOG_ERROR_AS("SetValueByKey", "can not set %s = %s, too many lines [%d] max line num is %d",
+                     key, value, place, kLinesKept);
+        return false;
+    }
+    FormatText(kept->text[place], sizeof(kept->text[place]), "%s = %s\n", key, value);
+    if (place == kept->count) ++kept->count;
+    return true;
+}
+
+bool WriteLines(const char* filename, const KeptLines& lines)
 {
     const Stream file(fopen(filename, "w+"));
     if (file == nullptr) {
@@ -234,6 +270,13 @@ bool WriteLines(const char* filename, const Lines& lines)
 }
 
 // ---- listing
+
+bool IsIPv4SettingFile(const char* name)
+{
+    if (Equal(name, ".") || Equal(name, "..") || !checkIsRegFile(name)) return false;
+
+    return Contains(name, kFileStart) && !Contains(name, "networkip6");
+}
 
 /// A folder has no order. The old name of eth2's file is put last: who finds a card by the name of
 /// its file finds it under the present name first, not a card "2" that is none.
@@ -260,21 +303,54 @@ int32_t SwitchModeFromText(const char* text, int32_t* mode)
 
 }  // namespace
 
+void FormListedPath(const char* file, char (&path)[kPathSize])
+{
+    FormatText(path, sizeof(path), "%s/%s", kConfigFolder, file);
+}
+
+const char* CardOfFile(const char* file)
+{
+    const char* card = file + sizeof(kFileStart) - 1;
+    if (Equal(card, "")) return kFirstCard;
+    if (Equal(card, "1")) return kSecondCard;
+    return card;
+}
+
+bool FileExists(const char* path)
+{
+    return access(path, F_OK) == 0;
+}
+
 const char* KeyText(KEYENUM key)
 {
     return keys[key];
 }
 
-void ReleaseLockedFile()
-{
-    if (fd < 0) return;
+ConfigLock::ConfigLock(const char* filename) : missing_(!LockFile(filename)) {}
 
-    if (!ControlFile(F_UNLCK, F_SETLKW)) {
-        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_UNLCK) failed, pid:%d, [%s]", getpid(),
-                     strerror(errno));
-    }
-    close(fd);
-    fd = -1;
+ConfigLock::~ConfigLock()
+{
+    UnlockFile();
+}
+
+void ConfigLock::ReleaseFile() const
+{
+    UnlockForProcesses();
+}
+
+LockedLines::LockedLines(const char* filename)
+    : lock_(filename),
+      file_(lock_.FileIsMissing() ? -1 : open(filename, O_RDONLY)),
+      reader_(file_.Get())
+{
+}
+
+bool LockedLines::Next(char (&line)[kLineSize])
+{
+    if (!Ok() || left_ == 0) return false;
+
+    --left_;
+    return reader_.Next(line);
 }
 
 bool ReadTwoKeys(const char* filename, const Wanted& first, const Wanted& second)
@@ -288,13 +364,8 @@ bool ReadTwoKeys(const char* filename, const Wanted& first, const Wanted& second
 void SwitchModes::Read()
 {
     read_ = true;
-    ConfigLock lock(kSwitchModeFile);
-    const Fd file(OpenLocked(kSwitchModeFile));
-    if (file.Ok()) {
-        LineReader reader(file.Get());
-        while (count_ < kCapacity && reader.Next(lines_[count_])) ++count_;
-    }
-    lock.ReleaseFile();
+    LockedLines file(kSwitchModeFile);
+    while (count_ < kLinesLookedAt && file.Next(lines_[count_])) ++count_;
 }
 
 int32_t SwitchModes::Get(const char* name, int32_t* mode)
@@ -303,10 +374,8 @@ int32_t SwitchModes::Get(const char* name, int32_t* mode)
     for (int i = 0; i < count_; ++i) {
         if (!Contains(lines_[i], name)) continue;
 
-        KeyLine line = {name, true, {}};
-        CopyText(line.text, lines_[i]);
         char text[kModeTextSize + 1] = {};
-        if (!TakeValue(line, kSwitchModeFile, text, kModeTextSize)) return -1;
+        if (!TakeValue(kSwitchModeFile, name, lines_[i], text, kModeTextSize)) return -1;
         return SwitchModeFromText(text, mode);
     }
     return -1;
@@ -343,7 +412,7 @@ bool checkIsRegFile(const char* fileName)
 bool FileLock(bool lockORunlock, const char* filename)
 {
     if (lockORunlock) {
-        LockFile(filename);
+        (void)LockFile(filename);
     } else {
         UnlockFile();
     }
@@ -363,37 +432,21 @@ bool SetValueByKey(const char* filename, const char* key, const char* value)
 {
     if (filename == nullptr || key == nullptr || value == nullptr) return false;
 
-    ConfigLock lock(filename);
-    // The stream of the scan is closed last: a process loses its lock on a file as soon as it
-    // closes any descriptor of that file.
+    const ConfigLock lock(filename);
     const Stream scan(fopen(filename, "r+"));
-    Lines lines;
+    KeptLines lines;
     if (scan == nullptr) {
         LOG_ERROR("cannot fopen for read.[%s]", strerror(errno));
-    } else {
-        KeepKnownLines(scan.get(), &lines);
-        // Emptied now, the file would lose for good what a bad read has hidden.
-        if (ferror(scan.get()) != 0) {
-            LOG_ERROR("cannot read %s.[%s]", filename, strerror(errno));
-            return false;
-        }
-    }
-
-    const int place = PlaceOf(key, lines);
-    if (place >= kLinesKept) {
-        LOG_ERROR("can not set %s = %s, too many lines [%d] max line num is %d", key, value, place,
-                  kLinesKept);
+    } else if (!KeepKnownLines(filename, scan.get(), &lines)) {
         return false;
     }
-    FormatText(lines.text[place], sizeof(lines.text[place]), "%s = %s\n", key, value);
-    if (place == lines.count) ++lines.count;
-    return WriteLines(filename, lines);
+    return PutLine(key, value, &lines) && WriteLines(filename, lines);
 }
 
 bool CheckConfigFile(const char* ethName)
 {
     char path[kPathSize] = {};
-    return GetFileByName(ethName, path, sizeof(path)) && access(path, F_OK) == 0;
+    return GetFileByName(ethName, path, sizeof(path)) && FileExists(path);
 }
 
 bool CreateConfigFile(const char* ethName)
@@ -432,8 +485,7 @@ bool GetAllNetworkFile(char (*files)[64], int* num)
         const dirent* entry = readdir(folder.get());
         if (entry == nullptr) break;
         const char* name = entry->d_name;
-        if (Equal(name, ".") || Equal(name, "..") || !checkIsRegFile(name)) continue;
-        if (!Contains(name, "network") || Contains(name, "networkip6")) continue;
+        if (!IsIPv4SettingFile(name)) continue;
 
         if (entry->d_reclen > kLongestEntry) {
             LOG_WARN("filename too long[%s].max length is %d", name, kFileNameSize - 1);

@@ -54,8 +54,9 @@ VORLIX_API bool GetFileByName(const char* name, char* file, int len);
 VORLIX_API bool GetFileByName6(const char* name, char* file, int len);
 
 /// Takes (`true`) or releases (`false`) a setting file for this thread: a mutex inside the process
-/// and a whole-file write lock against other processes. Not recursive; calls come in pairs on one
-/// thread.
+/// and a whole-file write lock against other processes. Waits for both, however long they are held.
+/// Not recursive; calls come in pairs on one thread, and nothing that asks a setting file may stand
+/// between them.
 ///
 /// A file that cannot be opened for writing, and NULL, are guarded by the mutex alone, silently.
 ///
@@ -69,24 +70,28 @@ VORLIX_API bool FileLock(bool lockORunlock, const char* filename);
 ///
 /// @param value  `len` bytes, written only on success and zero-filled behind the value
 /// @return true when a value that is not empty and fits was found
-/// @errors NULL, no file, no such line within 32: silent; no "=" in the line: Error; nothing behind
-///         it: Warn; a value of `len` characters or more: Error
+/// @errors NULL, no file, one that cannot be read, no such line within 32: silent; no "=" in the
+///         line: Error; nothing behind it: Warn; a value of `len` characters or more: Error
 VORLIX_API bool GetValueByKey(const char* filename, const char* key, char* value, int len);
 
 /// Rewrites a setting file with `key` set to `value`: in the place of the first kept line that
-/// contains `key`, or behind the last. Creates a missing file. The file is synced before the lock
-/// is released.
+/// contains `key`, or behind the last. Creates a missing file. Takes the file's lock, and syncs the
+/// file before the lock is released.
 ///
-/// @return true when the file was written
-/// @errors NULL: silent; no file yet: Error, and it is created; a 17th line: Error, file unchanged;
-///         a file that cannot be rewritten: Error; a failed sync: Warn, still true
+/// @param value  what does not fit into the line of 255 characters is cut off, the newline first
+/// @return true when the file was opened and written; that it came to the disk is not promised
+/// @errors NULL: silent; no file yet: Error, and it is created; a file that cannot be read to the
+///         end, or a 17th line: Error, file unchanged; a file that cannot be rewritten: Error; a
+///         failed sync: Warn, still true
 VORLIX_API bool SetValueByKey(const char* filename, const char* key, const char* value);
 
 /// True when the card's IPv4 setting file exists.
 VORLIX_API bool CheckConfigFile(const char* ethName);
 
-/// Creates the card's IPv4 setting file, empty, when it is missing. What is in it stays.
-/// @return false when the file can neither be opened nor created
+/// Creates the card's IPv4 setting file, empty, when it is missing. What is in it stays. Waits for
+/// the threads of this process that are at a setting file, so it may not stand between a
+/// `FileLock(true, ...)` and its release.
+/// @return false for NULL, and when the file can neither be opened nor created
 VORLIX_API bool CreateConfigFile(const char* ethName);
 
 /// Removes the card's IPv4 setting file.
@@ -94,8 +99,8 @@ VORLIX_API bool CreateConfigFile(const char* ethName);
 /// @errors a failed removal, and NULL: Warn
 VORLIX_API bool DelConfigFile(const char* ethName);
 
-/// Lists the base names of all IPv4 setting files, in the directory's order, "network2" (the old
-/// name of the file of eth2) last.
+/// Lists the base names of all IPv4 setting files in no order that is promised, but "network2", the
+/// old name of the file of eth2, behind all others.
 ///
 /// @param files  `*num` entries of 64 bytes
 /// @param num    capacity on entry (32 by custom), number of names on return
@@ -126,9 +131,15 @@ bool checkIsRegFile(const char* fileName);
 #ifdef __cplusplus
 }  // extern "C"
 
+#include "Support/Handles.h"
 #include "Support/Lines.h"
 
 namespace vorlix {
+
+// ---- names
+
+/// The first card of a device: its file names the default card, and it alone has a backup.
+constexpr char kFirstCard[] = "eth0";
 
 /// Folder of all setting files. Nothing here creates it.
 constexpr char kConfigFolder[] = "/mnt/mtd/Config";
@@ -136,43 +147,67 @@ constexpr char kConfigFolder[] = "/mnt/mtd/Config";
 /// Bytes of a setting file's path in a caller's buffer.
 constexpr int kPathSize = 64;
 
+/// Forms the path of a file in the settings folder from its base name.
+void FormListedPath(const char* file, char (&path)[kPathSize]);
+
+/// The card that an IPv4 setting file belongs to, by its base name: the reverse of `GetFileByName`.
+const char* CardOfFile(const char* file);
+
+/// True when the path leads to something, whatever it is.
+bool FileExists(const char* path);
+
 /// Text of a known key.
 const char* KeyText(KEYENUM key);
 
-/// The first half of `FileLock(false, ...)`: lets other processes at the file now locked, while the
-/// threads of this one still wait. Does nothing when the file is not locked.
-void ReleaseLockedFile();
+// ---- access
 
-/// The lock of one setting file, held to the end of the scope or to `Release`.
+/// The lock of one setting file, held to the end of the scope.
 ///
-/// All that is opened of the file under the lock is closed before the threads are let in: a process
-/// loses its lock on a file as soon as it closes any descriptor of that file, so a descriptor that
-/// is closed later takes away the lock that the next thread has just got.
+/// A process loses its lock on a file as soon as it closes any descriptor of that file. So what is
+/// opened of the file stays open as long as the lock is needed, by this thread or by the next: it
+/// is declared behind the lock and in the order of its opening, and the scope closes it in time. A
+/// writer, who opens twice, closes what was read behind what was written.
 class ConfigLock {
 public:
-    explicit ConfigLock(const char* filename) : filename_(filename)
-    {
-        (void)FileLock(true, filename_);
-    }
-    ~ConfigLock() { Release(); }
+    explicit ConfigLock(const char* filename);
+    ~ConfigLock();
     ConfigLock(const ConfigLock&) = delete;
     ConfigLock& operator=(const ConfigLock&) = delete;
 
-    /// For readers, which let other processes in first and close then.
-    void ReleaseFile() const
-    {
-        if (held_) ReleaseLockedFile();
-    }
+    /// True when there was no such file: a reader need not ask for it again.
+    bool FileIsMissing() const { return missing_; }
 
-    void Release()
-    {
-        if (held_) (void)FileLock(false, filename_);
-        held_ = false;
-    }
+    /// For readers, which let other processes in before they close.
+    void ReleaseFile() const;
 
 private:
-    const char* filename_;
-    bool held_ = true;
+    bool missing_;
+};
+
+/// Lines of a setting file that are looked at.
+constexpr int kLinesLookedAt = 32;
+
+/// The lines of a setting file as a reader sees them, under its lock to the end of the scope. Then
+/// other processes are let in, the file is closed, and the threads of this process are let in.
+class LockedLines {
+public:
+    explicit LockedLines(const char* filename);
+    ~LockedLines() { lock_.ReleaseFile(); }
+    LockedLines(const LockedLines&) = delete;
+    LockedLines& operator=(const LockedLines&) = delete;
+
+    /// False when the file cannot be opened; `errno` tells why.
+    bool Ok() const { return file_.Ok(); }
+
+    /// Stores the next line, as `LineReader` does.
+    /// @return false behind the last line, or behind the 32nd, and without a file
+    bool Next(char (&line)[kLineSize]);
+
+private:
+    ConfigLock lock_;
+    Fd file_;
+    LineReader reader_;
+    int left_ = kLinesLookedAt;
 };
 
 /// Where the value of a key goes: `len` bytes.
@@ -195,10 +230,9 @@ public:
 private:
     void Read();
 
-    static constexpr int kCapacity = 32;  // as many lines as a read looks at
     bool read_ = false;
     int count_ = 0;
-    char lines_[kCapacity][kLineSize];
+    char lines_[kLinesLookedAt][kLineSize];
 };
 
 }  // namespace vorlix

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
@@ -93,6 +94,20 @@ TEST(GetFileByName, RefusesNullAndNoRoom)
         EXPECT_FALSE(form("eth0", nullptr, sizeof(path)));
         for (const int len : {0, -1, INT_MIN}) EXPECT_FALSE(form("eth0", path, len));
         EXPECT_STREQ(path, "as it was");
+    }
+}
+
+TEST(CardOfFile, IsTheWayBackFromAFilesName)
+{
+    for (const char* card : {"eth0", "eth1", "eth2", "eth10", "bond0.5", "br0", "wlan0"}) {
+        char path[vorlix::kPathSize] = {};
+        ASSERT_TRUE(GetFileByName(card, path, sizeof(path)));
+        const char* file = path + strlen(vorlix::kConfigFolder) + 1;
+        EXPECT_STREQ(vorlix::CardOfFile(file), card);
+
+        char listed[vorlix::kPathSize] = {};
+        vorlix::FormListedPath(file, listed);
+        EXPECT_STREQ(listed, path);
     }
 }
 
@@ -214,17 +229,23 @@ TEST_F(FileLockTest, NothingIsLeftHeldWhateverFails)
     });
 }
 
-TEST_F(FileLockTest, AGuardReleasesOnceAndAtTheEndOfItsScope)
+TEST_F(FileLockTest, AGuardKnowsItsFileAndReleasesAtTheEndOfItsScope)
 {
+    Put(kFile, "");
     {
-        vorlix::ConfigLock lock(kFile);
+        const vorlix::ConfigLock lock(kFile);
+        EXPECT_FALSE(lock.FileIsMissing());
+        lock.ReleaseFile();
+        EXPECT_FALSE(LockedForOthers(kFile));
         EXPECT_EQ(HeldMutexes(), 1);
-        lock.Release();
-        EXPECT_EQ(HeldMutexes(), 0);
-        lock.Release();
+    }
+    {
+        const vorlix::ConfigLock lock("/mnt/mtd/Config/none");
+        EXPECT_TRUE(lock.FileIsMissing());
     }
     {
         const vorlix::ConfigLock lock(nullptr);
+        EXPECT_FALSE(lock.FileIsMissing());
         EXPECT_EQ(HeldMutexes(), 1);
     }
     EXPECT_EQ(HeldMutexes(), 0);
