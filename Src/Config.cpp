@@ -31,7 +31,8 @@ constexpr int kListSize = 256;
 constexpr size_t kListFull = 255;  // a list with its last comma stays below
 constexpr int kEdgeKeySize = 32;
 
-using FileName = char[kPathSize];
+using Path = char[kPathSize];
+using FileName = char[64];  // as the setting files are listed
 
 /// Member lists of bonds and bridges differ in these numbers.
 struct MemberList {
@@ -51,20 +52,20 @@ using PathOf = bool (*)(const char* name, char* file, int len);
 
 bool ReadSetting(const char* name, KEYENUM key, char* value, int len, PathOf pathOf = GetFileByName)
 {
-    FileName path = {};
+    Path path = {};
     return pathOf(name, path, sizeof(path)) && GetValueByKey(path, KeyText(key), value, len);
 }
 
-bool ReadSettings(const char* name, const Wanted& first, const Wanted& second,
+bool ReadPair(const char* name, const Wanted& first, const Wanted& second,
                   PathOf pathOf = GetFileByName)
 {
-    FileName path = {};
+    Path path = {};
     return pathOf(name, path, sizeof(path)) && ReadTwoKeys(path, first, second);
 }
 
 bool WriteSetting(const char* name, KEYENUM key, const char* value, PathOf pathOf = GetFileByName)
 {
-    FileName path = {};
+    Path path = {};
     return pathOf(name, path, sizeof(path)) && SetValueByKey(path, KeyText(key), value);
 }
 
@@ -152,7 +153,7 @@ void UseParentOfLostVlan(char* card)
 
 bool IsPrioOfDefault(const char* file)
 {
-    FileName path;
+    Path path;
     FormListedPath(file, path);
     char prio[kPrioSize] = {};
     return GetValueByKey(path, KeyText(HOST_PRIO_KEY), prio, sizeof(prio)) && prio[0] == '0';
@@ -295,7 +296,7 @@ bool GetIPByConfig(const char* name, char* ip, char* mask)
 {
     if (ip == nullptr || mask == nullptr) return false;
 
-    return ReadSettings(name, {HOST_IP_KEY, ip, kIPv4TextSize},
+    return ReadPair(name, {HOST_IP_KEY, ip, kIPv4TextSize},
                         {HOST_SUBMASK_KEY, mask, kIPv4TextSize}) &&
            CheckAddressPair(__func__, ip, mask);
 }
@@ -349,7 +350,7 @@ bool SetMtuByConfig(const char* name, int mtu)
 bool GetIPv6ByConfig(const char* name, char* ip, int ipLen, char* perFix, int perFixLen)
 {
     if (ip == nullptr || perFix == nullptr) return false;
-    if (!ReadSettings(name, {HOST_IP_KEY, ip, ipLen}, {HOST_SUBMASK_KEY, perFix, perFixLen},
+    if (!ReadPair(name, {HOST_IP_KEY, ip, ipLen}, {HOST_SUBMASK_KEY, perFix, perFixLen},
                       GetFileByName6)) {
         return false;
     }
@@ -402,7 +403,7 @@ bool SetDefaultEthByConfig(const char* name)
     if (!GetAllNetworkFile(files, &count)) return false;
 
     for (int i = 0; i < count; ++i) {
-        FileName path;
+        Path path;
         FormListedPath(files[i], path);
         (void)SetValueByKey(path, KeyText(HOST_PRIO_KEY), "1");
     }
@@ -481,7 +482,7 @@ bool IsTrunkBondConfig(char* name, bool* isTrunk)
     if (name == nullptr || isTrunk == nullptr) return false;
 
     LOG_INFO("IsTrunkBondConfig ifName: %s", name);
-    FileName path = {};
+    Path path = {};
     (void)GetFileByName(name, path, sizeof(path));
     if (!ReadIsTrunk(path, isTrunk)) return false;
 

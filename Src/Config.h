@@ -3,12 +3,16 @@
 /// Typed settings of cards, bonds and bridges, on top of the setting files.
 ///
 /// Each operation knows its key, its limits and its rule; a value that breaks the rule is refused
-/// on the way in as well as on the way out, and no file is repaired here, save a missing work mode.
-/// A NULL argument gives false in silence, and so does a key that is not saved, unless an operation
-/// says otherwise. A value longer than its buffer fails the read with an Error line.
+/// on the way out, and on the way in unless the operation takes any. No file is repaired here, apart
+/// from a work mode that is missing or no number. A NULL argument gives false in silence, and so
+/// does a key that is not saved, unless an operation says otherwise. An empty value fails the read
+/// with a Warn line, one longer than its buffer with an Error line.
 ///
-/// Every read and every write locks its file for itself: an operation over two keys or two files is
-/// not atomic as a whole.
+/// What is saved is for the next boot and for those who read it: nothing here changes the kernel,
+/// and only the default card's VLAN asks it something. Every operation waits for the lock of its
+/// file. Two values that belong together are read in one pass, but written one after the other, each
+/// under a lock of its own: a failed second write leaves the first, and nothing over two writes or
+/// two files is atomic as a whole.
 
 #include "Support/KeyFile.h"
 #include "Types.h"
@@ -31,7 +35,7 @@ VORLIX_API bool GetIPByConfig(const char* name, char* ip, char* mask);
 /// the result is true: an empty address never overwrites a saved one.
 ///
 /// @return false when a text does not pass `inet_aton`, or a write fails; the mask is not written
-///         after a failed address
+///         after a failed address, and the address stays before a failed mask
 /// @errors a text that is no address: Error; an empty pair: Info
 VORLIX_API bool SetIPByConfig(const char* name, const char* ip, const char* mask);
 
@@ -86,10 +90,13 @@ VORLIX_API bool SetGatewayv6ByConfig(const char* name, const char* gateway);
 /// @errors none found: Error; a fall-back to the parent: Info
 VORLIX_API bool GetDefaultEthByConfig(char* name, int len);
 
-/// Makes a card the default one: saves its name in the file of eth0, "PRIO" as "1" in all setting
-/// files, and as "0" in the card's own, which is created when it is missing.
-/// @return false when the settings folder cannot be listed; failed writes do not count
-/// @threads a reader between the writes can see no default card by "PRIO", or two
+/// Makes a card the saved default one: its name goes to the file of eth0, then "PRIO" as "1" to each
+/// of the first 32 setting files that are listed, then as "0" to the card's own. The files of eth0
+/// and of the card are created when they are missing. The default route stays as it is.
+/// @return false when the settings folder cannot be listed, with the name saved; failed writes do
+///         not count
+/// @threads the name is there all the time; by "PRIO" alone a reader between the writes can see no
+///          default card, and two callers at once can leave two
 VORLIX_API bool SetDefaultEthByConfig(const char* name);
 
 /// Saves the work mode of a card.
@@ -154,7 +161,8 @@ VORLIX_API bool SetBondModeByConfig(const char* bondname, const NICBondMode bond
 ///
 /// @param bondMembers  `*num` pointers to buffers of 16 bytes; longer names are cut to 15
 ///                     characters
-/// @param num          capacity on entry, number of members on return; untouched on failure
+/// @param num          capacity on entry, number of members on return; untouched on failure, when
+///                     buffers in front of a NULL among them have been written
 VORLIX_API bool GetBondMemberByConfig(const char* bondname, char** bondMembers, int* num);
 
 /// Saves the members of a bond, joined by commas. No members, or one empty name, save an empty
@@ -197,14 +205,15 @@ VORLIX_API bool SetBridgeMemberByConfig(const char* brName, const char** brMembe
 /// Adds a card to the saved edge ports of a bridge. The list belongs to the third character of the
 /// bridge's name.
 ///
-/// @return true also when the card is one already
-/// @errors one already: Warn; more than 253 characters in all, of a first card too: Error, nothing
-///         is written. What does not fit into a line of the file is cut off there: 240 characters
-///         do.
+/// @return true also when the card is one already; a failed read counts as a list without ports
+/// @errors one already: Warn; list and name of more than 253 characters together, also the name of
+///         a first card: Error, nothing is written. What does not fit into a line of the file is
+///         cut off there: 240 characters do.
 /// @threads a read and a write under separate locks: of two calls at once one may be lost
 VORLIX_API bool AddEdgePortByconfig(const char* brName, const char* ethName);
 
-/// Removes a card from the saved edge ports of a bridge. A bridge that has none gets an empty list.
+/// Removes a card from the saved edge ports of a bridge. A bridge that has none, and one whose list
+/// cannot be read, gets an empty list.
 ///
 /// @return true also when the card is none
 /// @errors none: Warn
@@ -225,9 +234,10 @@ VORLIX_API bool GetBridgeStpModeByConfig(const char* brName, unsigned char* mode
 /// Saves the third character of the bridge's name as the letter of the bridge.
 VORLIX_API bool SetBridgeIDByConfig(const char* brName);
 
-/// Saves the ports of the bridge, joined by commas; what lies beyond 254 characters is cut off. The
-/// line replaced is the first one that holds "SSIF", which may be one of edge ports.
-/// @param slavesNum  number of names; 0 gives false
+/// Saves the ports of the bridge, joined by commas, one list for all bridges. What lies beyond 248
+/// characters does not fit into a line of the file and is cut off. The line replaced is the first
+/// one that holds "SSIF", which may be one of edge ports.
+/// @param slavesNum  number of names; 0 gives false, a negative number saves an empty list
 VORLIX_API bool SetBridgePortListByConfig(const char* brName, const char** slaves, int slavesNum);
 
 #ifdef __cplusplus
