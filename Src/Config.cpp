@@ -57,7 +57,7 @@ bool ReadSetting(const char* name, KEYENUM key, char* value, int len, PathOf pat
 }
 
 bool ReadPair(const char* name, const Wanted& first, const Wanted& second,
-                  PathOf pathOf = GetFileByName)
+              PathOf pathOf = GetFileByName)
 {
     Path path = {};
     return pathOf(name, path, sizeof(path)) && ReadTwoKeys(path, first, second);
@@ -297,7 +297,7 @@ bool GetIPByConfig(const char* name, char* ip, char* mask)
     if (ip == nullptr || mask == nullptr) return false;
 
     return ReadPair(name, {HOST_IP_KEY, ip, kIPv4TextSize},
-                        {HOST_SUBMASK_KEY, mask, kIPv4TextSize}) &&
+                    {HOST_SUBMASK_KEY, mask, kIPv4TextSize}) &&
            CheckAddressPair(__func__, ip, mask);
 }
 
@@ -351,7 +351,7 @@ bool GetIPv6ByConfig(const char* name, char* ip, int ipLen, char* perFix, int pe
 {
     if (ip == nullptr || perFix == nullptr) return false;
     if (!ReadPair(name, {HOST_IP_KEY, ip, ipLen}, {HOST_SUBMASK_KEY, perFix, perFixLen},
-                      GetFileByName6)) {
+                  GetFileByName6)) {
         return false;
     }
     if (!CheckIPv6Pair(__func__, ip, perFix)) return false;

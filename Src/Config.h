@@ -3,16 +3,16 @@
 /// Typed settings of cards, bonds and bridges, on top of the setting files.
 ///
 /// Each operation knows its key, its limits and its rule; a value that breaks the rule is refused
-/// on the way out, and on the way in unless the operation takes any. No file is repaired here, apart
-/// from a work mode that is missing or no number. A NULL argument gives false in silence, and so
-/// does a key that is not saved, unless an operation says otherwise. An empty value fails the read
-/// with a Warn line, one longer than its buffer with an Error line.
+/// on the way out, and on the way in unless the operation takes any. No file is repaired here,
+/// apart from a work mode that is missing or no number. A NULL argument gives false in silence, and
+/// so does a key that is not saved, unless an operation says otherwise. An empty value fails the
+/// read with a Warn line, one longer than its buffer with an Error line.
 ///
 /// What is saved is for the next boot and for those who read it: nothing here changes the kernel,
 /// and only the default card's VLAN asks it something. Every operation waits for the lock of its
-/// file. Two values that belong together are read in one pass, but written one after the other, each
-/// under a lock of its own: a failed second write leaves the first, and nothing over two writes or
-/// two files is atomic as a whole.
+/// file. Two values that belong together are read in one pass, but written one after the other,
+/// each under a lock of its own: a failed second write leaves the first, and nothing over two
+/// writes or two files is atomic as a whole.
 
 #include "Support/KeyFile.h"
 #include "Types.h"
@@ -90,9 +90,9 @@ VORLIX_API bool SetGatewayv6ByConfig(const char* name, const char* gateway);
 /// @errors none found: Error; a fall-back to the parent: Info
 VORLIX_API bool GetDefaultEthByConfig(char* name, int len);
 
-/// Makes a card the saved default one: its name goes to the file of eth0, then "PRIO" as "1" to each
-/// of the first 32 setting files that are listed, then as "0" to the card's own. The files of eth0
-/// and of the card are created when they are missing. The default route stays as it is.
+/// Makes a card the saved default one: its name goes to the file of eth0, then "PRIO" as "1" to
+/// each of the first 32 setting files that are listed, then as "0" to the card's own. The files of
+/// eth0 and of the card are created when they are missing. The default route stays as it is.
 /// @return false when the settings folder cannot be listed, with the name saved; failed writes do
 ///         not count
 /// @threads the name is there all the time; by "PRIO" alone a reader between the writes can see no

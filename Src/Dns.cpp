@@ -5,6 +5,12 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
+#include <cstdio>
+#include <cstring>
+
+#include <fcntl.h>
+#include <pthread.h>
+
 namespace vorlix {
 
 namespace {
@@ -16,7 +22,7 @@ constexpr char kServerFile6[] = "/mnt/mtd/Config/resolvip6.conf";  // the IPv6 s
 constexpr char kServerWord[] = "nameserver";
 constexpr char kServerLine[] = "nameserver %s\n";
 
-constexpr int kLinesLookedAt = 32;
+constexpr int kServerLines = 32;  // looked at
 constexpr int kSavedSize = 256;
 constexpr int kRefusedSize = 16 + 1;  // what a message shows of a text that is no address
 
@@ -110,7 +116,7 @@ bool ReadServers(const char* path, Pair* ipv4, Pair* ipv6)
 
     LineReader reader(file.Get());
     char line[kLineSize];
-    for (int i = 0; i < kLinesLookedAt && reader.Next(line); ++i) {
+    for (int i = 0; i < kServerLines && reader.Next(line); ++i) {
         const char* server = ServerIn(line);
         if (server == nullptr) break;
 
@@ -182,9 +188,9 @@ bool Dns_GetDnsFileInfo(char* primary_4, char* secondary_4, char* primary_6, cha
 {
     Pair ipv4 = {{primary_4, kIPv4TextSize}, {secondary_4, kIPv4TextSize}};
     Pair ipv6 = {{primary_6, len_6}, {secondary_6, len_6}};
-    const char* closed = ReadFiles(&ipv4, &ipv6);
-    if (closed != nullptr) {
-        LOG_ERROR("open %s failed", closed);
+    const char* unopened = ReadFiles(&ipv4, &ipv6);
+    if (unopened != nullptr) {
+        LOG_ERROR("open %s failed", unopened);
         return false;
     }
     return ipv4.IsComplete() && ipv6.IsComplete();
@@ -197,9 +203,9 @@ bool Dns_SetDnsAddress(const char* primary_4, const char* secondary_4, const cha
                         {"srimary_4", secondary_4, IsIPv4, false},
                         {"primary_6", primary_6, IsIPv6, true},
                         {"srimary_6", secondary_6, IsIPv6, true}};
-    const char* closed = RewriteFiles(servers);
-    if (closed != nullptr) {
-        LOG_ERROR("Can not open %s", closed);
+    const char* unopened = RewriteFiles(servers);
+    if (unopened != nullptr) {
+        LOG_ERROR("Can not open %s", unopened);
         return false;
     }
     for (const Server& server : servers) {
