@@ -1079,7 +1079,7 @@ bool SetBondHashPolicy(const char* bondName, unsigned char lacp)
     }
     if (!CardExists(bondName)) return false;
 
-    (void)Net_InterfaceDown(bondName);  // the driver refuses a policy while the bond is up
+    (void)Net_InterfaceDown(bondName);  // older drivers take a policy only while the bond is down
     const bool done = Bond_SetHashPolicy(bondName, lacp);
     (void)Net_InterfaceUp(bondName);
     if (done) (void)SetBondHashPolicyByConfig(bondName, lacp);

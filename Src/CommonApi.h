@@ -27,11 +27,18 @@ extern "C" {
 //
 // Addresses are text: dotted IPv4 in 16 bytes, IPv6 in 48. "0.0.0.0" is the IPv4 default
 // destination, mask and "no gateway"; "0:0:0::0" is the IPv6 default destination. A route operation
-// looks at the first 16 rows of a kernel table (`NetGetDefEth` at 10): what lies beyond counts as
-// absent. Nothing is retried or rolled back; a batch of deletions stops at its first failure.
+// looks at the first 16 rows of a kernel table (`NetGetDefEth` at 10, `RouteGetAllInfo` at as many
+// as its caller has room for): what lies beyond counts as absent. Nothing is retried or rolled
+// back; a batch of deletions stops at its first failure.
+//
+// The IPv4 table is the kernel's main table. The IPv6 one lists the rows of every table, and since
+// Linux 4.14 or so also those of a card's own addresses, of anycast and of multicast, which cannot
+// be deleted here: a batch of IPv6 deletions ends with false at the first of them.
 
-/// Adds an IPv4 route that is not there yet.
-/// @return false when the route is already there, in silence; otherwise as `Route_AddIPv4Route`
+/// Adds an IPv4 route that is not there yet. The destination is masked before it is looked for.
+/// @return false also when the route is already there
+/// @errors NULL: silent; a route that is there: Info; a table that cannot be read: Warn, and the
+///         route is added all the same; otherwise as `Route_AddIPv4Route`
 VORLIX_API bool RouteAddIPv4(const char* dst, const char* gw, const char* mask, const char* viaDev);
 
 /// Deletes an IPv4 route, without looking at the table first.
@@ -52,7 +59,8 @@ VORLIX_API bool RouteDelIPv6(const char* dst, const char* gw, const char* mask, 
 /// route is then put back. Asking is what heals a lost default route.
 ///
 /// @param name  `len` bytes
-/// @return true when a name was obtained, whatever became of the route
+/// @return true when a name was obtained, whatever became of the route. False also when no gateway
+///         is saved for the saved card: its name stands in `name` then
 /// @errors no table, no default route, no saved gateway, a recovery that fails: Error
 VORLIX_API bool NetGetDefEth(char* name, int len);
 
@@ -60,7 +68,8 @@ VORLIX_API bool NetGetDefEth(char* name, int len);
 /// After `RouteControl(1)` it only saves.
 ///
 /// @return false for an unknown card or one without a saved gateway; the present default route then
-///         stays
+///         stays. False also when the kernel refuses the new route: no default route is left then.
+///         After `RouteControl(1)` the result of the saving
 /// @errors a failed save: Error, and the route moves all the same
 VORLIX_API bool NetSetDefEth(const char* name);
 
@@ -73,11 +82,14 @@ VORLIX_API bool RouteAddDefIPv4(const char* name);
 /// @errors no table: Error, and the route to the saved gateway of `name` is tried
 VORLIX_API bool RouteDelDefIPv4(const char* name);
 
-/// Replaces all IPv6 default routes by one over `name` to its saved gateway.
+/// Replaces all IPv6 default routes by one over `name` to its saved gateway. What the kernel does
+/// not delete stays, and the new route is tried all the same.
+/// @return false without a saved gateway or when the addition fails, with the others gone
 VORLIX_API bool RouteAddDefIPv6(const char* name);
 
 /// Deletes the IPv6 default routes of `name`, or of all cards for NULL.
-/// @return true also when there was none; false when the table cannot be read
+/// @return true also when there was none; false when the table cannot be read, and at a default
+///         route of another table
 VORLIX_API bool RouteDelDefIPv6(const char* name);
 
 /// Deletes every listed IPv4 route, default and directly connected ones included.
@@ -87,6 +99,9 @@ VORLIX_API bool RouteDelAllRoute(void);
 VORLIX_API bool RouteDelAllIPv4(const char* name);
 
 /// Deletes the IPv6 routes of `name`, save its default routes.
+/// @return false for every card that has an IPv6 address, whose own rows the kernel does not
+/// delete:
+///         those before them are gone then
 VORLIX_API bool RouteDelAllIPv6(const char* name);
 
 /// Takes the default route out of the hands of `NetSetDefEth`: 1 latches it for the life of the
@@ -111,7 +126,8 @@ VORLIX_API bool RouteDel(NetRouteTableInfo* cmd);
 
 // ==== Virtual links ====
 
-/// Creates an IPVLAN or MACVLAN link on a card; it comes up at once. Nothing is saved.
+/// Creates an IPVLAN or MACVLAN link on a card; it comes up at once. Nothing is saved. Waits for
+/// the kernel's answer without a limit.
 ///
 /// @param pstInterInfo  names, which may fill their fields, and the parameters of the type's own
 ///                      member of the union
@@ -120,7 +136,8 @@ VORLIX_API bool RouteDel(NetRouteTableInfo* cmd);
 /// @source rtnetlink, RTM_NEWLINK
 VORLIX_API bool NetVirtInterAdd(NetVirtInterInfo* pstInterInfo);
 
-/// Deletes a virtual link by its name; messages as above.
+/// Deletes a virtual link by its name; whether it is of the kind told is not tested. Messages as
+/// above.
 VORLIX_API bool NetVirtInterDel(NetVirtInterName* pstInterName);
 
 // ==== IPv4 operations ====
@@ -137,16 +154,17 @@ VORLIX_API bool NetInterfaceDown(const char* name);
 
 /// Sets address and mask: in the kernel, then in the setting file, then in the backup memory.
 ///
-/// @param addr  dotted text; "0.0.0.0" takes the address away and is not saved
-/// @param mask  same form
-/// @return true when the kernel took both, whatever became of the other stores; false with nothing
-///         else written
+/// @param addr  dotted text; "0.0.0.0" takes the address away
+/// @param mask  same form; "0.0.0.0" for both leaves the file as it is, and zeroes eth0's backup
+/// @return true when the kernel took both, whatever became of the other stores; false with neither
+///         of these written. A kernel that refuses the mask has the new address by then
 VORLIX_API bool NetSetIPByName(const char* name, const char* addr, const char* mask);
 
 /// Saves the gateway in the setting file, and for eth0 in the backup memory. No route is changed:
 /// `NetSetDefEth` applies the gateway.
 ///
-/// @param addr  dotted text; "0.0.0.0" is not saved
+/// @param addr  dotted text; "0.0.0.0" leaves the file as it is, which counts as saved, and zeroes
+///              eth0's backup
 /// @return result of the setting file; the backup is written also when that failed
 /// @errors a failed save: Error
 VORLIX_API bool NetSetGatewaybyName(const char* name, const char* addr);
@@ -166,6 +184,8 @@ VORLIX_API bool NetSetMediumPrefer(const char* name, NetMediumPrefer medium);
 ///
 /// @param addr  16 bytes
 /// @param mask  16 bytes
+/// @return false, which may leave what one of the sources gave: an address without its mask, or
+///         saved texts that are none
 /// @errors each source that fails: Warn; the last: Error
 VORLIX_API bool NetGetIPbyName(const char* name, char* addr, char* mask);
 
@@ -173,10 +193,12 @@ VORLIX_API bool NetGetIPbyName(const char* name, char* addr, char* mask);
 /// the file. The kernel is not asked.
 ///
 /// @param addr  16 bytes
+/// @return false, which may leave a saved text that is no address
 /// @errors each source that fails: Warn; the last: Error
 VORLIX_API bool NetGetGatewaybyName(const char* name, char* addr);
 
 /// Tells the MTU: from the kernel, else from the setting file.
+/// @return false, which may leave a saved number that is no MTU
 /// @errors each source that fails: Warn; the last: Error
 VORLIX_API bool NetGetMtubyName(const char* name, int* mtu);
 
@@ -187,7 +209,7 @@ VORLIX_API bool NetGetMacbyName(const char* name, char* addr);
 
 /// `Net_GetLinkSpeed` on a card that exists.
 ///
-/// @param speed  Mbit/s
+/// @param speed  Mbit/s, in 16 bits: 65535 when the driver knows none, and 100 Gbit/s are cut
 VORLIX_API bool NetGetLinkSpeed(const char* name, int* speed);
 
 /// `Net_GetDataStat` on a card that exists.
@@ -222,7 +244,8 @@ VORLIX_API bool NetMiiDiag(const char* name, bool bcheckSlaves);
 ///
 /// @param addr    address text without prefix; an empty text takes the address away and saves
 ///                "0:0:0::0" and "64"
-/// @param perfix  prefix length in decimal, up to 128
+/// @param perfix  prefix length in decimal, up to 128. One without a number in it counts as 0; one
+///                that does not begin with a digit is set and not saved
 /// @return result of the kernel, or of the setting file for an empty address. After false from the
 ///         kernel the old address is gone there, and still stands in the file
 /// @errors another prefix length: Error; an old address that cannot be removed, an empty address:
@@ -234,14 +257,17 @@ VORLIX_API bool NetSetIPv6byName(const char* name, const char* addr, const char*
 ///
 /// @param addr  address text, alone or as address/prefix. The latter must be writable: it is cut at
 ///              the "/" in place
-/// @return result of the kernel; true for a card without an address
+/// @return result of the kernel; true for a card that has no address, or link-local ones alone,
+///         which stay
 /// @errors a prefix length above 128: Error, with nothing removed
 VORLIX_API bool NetDelIPAddressIpv6(const char* name, const char* addr);
 
 /// Tells the address: from the kernel, else from the setting file.
 ///
-/// @param addr    `ipLen` bytes; the shortened form takes up to 40
+/// @param addr    `ipLen` bytes; the shortened form takes up to 40. One of the kernel that does not
+///                fit is told as an empty text, with true
 /// @param perfix  `perFixLen` bytes
+/// @return false, which may leave saved texts that are none, or one without the other
 /// @errors neither has one: Error
 VORLIX_API bool NetGetIPv6byName(const char* name, char* addr, int ipLen, char* perfix,
                                  int perFixLen);
@@ -264,6 +290,7 @@ VORLIX_API bool NetSetGatewayIPv6byName(const char* name, const char* addr);
 /// Tells the saved gateway. The kernel is not asked.
 ///
 /// @param addr  `len` bytes
+/// @return false, which may leave a saved text that is no address
 /// @errors none: Error
 VORLIX_API bool NetGetGatewayIPv6byName(const char* name, char* addr, int len);
 
@@ -274,6 +301,7 @@ VORLIX_API bool NetGetGatewayIPv6byName(const char* name, char* addr, int len);
 // changes of one bond apart.
 
 /// Tells the saved mode of a bond that runs. The driver's is never asked.
+/// @return false, which leaves -1 in `mode` when what is saved is no number
 /// @errors  no bond, no saved mode: Error
 VORLIX_API bool GetBondMode(const char* bondName, NICBondMode* mode);
 
@@ -288,7 +316,8 @@ VORLIX_API bool GetBondActiveSlave(const char* bondName, char* ethName, int len)
 /// `Bond_GetBondMembers` of a bond whose device exists.
 ///
 /// @param ethList  `*ethNum` pointers to 16 bytes each
-/// @param ethNum   capacity on entry, number of members on return
+/// @param ethNum   capacity on entry, number of members on return; 0 also for a name with a ".",
+///                 which is refused
 VORLIX_API bool GetBondMembers(const char* bondName, char** ethList, int* ethNum);
 
 /// Sets the MTU of a running bond, with the bond and its members taken down for it. Nothing is
@@ -312,7 +341,9 @@ VORLIX_API bool NetCardRecover(const char* name);
 /// becomes its primary instead, and list and `mode` play no other part.
 ///
 /// @param bondName  holds "bond" and no "."
-/// @param ethList   `ethNum` cards; the first is read even when there are none
+/// @param ethList   `ethNum` cards; the first is read even when there are none. A NULL among them
+///                  is refused before anything is done, a name that begins with "br" passes as a
+///                  card without being there
 /// @return true when the driver's part was done; false with nothing saved, and with the cards
 ///         recovered when they could not be joined
 /// @errors  mode outside 0 to 6, another name, a bond that must be ended first, a primary or a
@@ -320,19 +351,24 @@ VORLIX_API bool NetCardRecover(const char* name);
 VORLIX_API bool Bond(const char* bondName, const char** ethList, const int ethNum,
                      NICBondMode mode);
 
-/// Ends a bond, saves that, and recovers each member it had. Its own settings stay saved.
+/// Ends a bond, saves that, and recovers each member it had. Its own address, gateway and MTU stay
+/// saved. What the tools refuse is not seen.
 ///
 /// @param bondName  holds "bond"
-/// @errors  members that cannot be read, a driver that cannot be asked: Error, with nothing saved
+/// @errors  another name: silent; no such bond, members that cannot be read, a command that grows
+///          too long: Error, with nothing saved
 VORLIX_API bool UnBond(const char* bondName);
 
 /// Sets the transmit hash policy, with the bond taken down for it, and saves it.
 ///
 /// @param bondName  holds "bond"; another name: Warn
+/// @param lacp      as the bonding driver numbers it; 5, which newer drivers take, is saved too,
+///                  and not told by `GetBondHashPolicy`
 /// @return result of the driver; false with nothing saved
 VORLIX_API bool SetBondHashPolicy(const char* bondName, unsigned char lacp);
 
-/// Tells the saved hash policy. The driver is never asked.
+/// Tells the saved hash policy, 0 to 4. The driver is never asked.
+/// @return false, which leaves 0 in `lacp` when what is saved is another
 VORLIX_API bool GetBondHashPolicy(const char* bondName, unsigned char* lacp);
 
 // ==== Bridges ====
@@ -356,7 +392,9 @@ VORLIX_API bool BridgeByInterNic(const char* brName);
 /// setting file. A bridge that exists already takes the same steps.
 ///
 /// @param brName   "br" and a digit, and whatever follows
-/// @param ethList  `ethNum` cards, not written to
+/// @param ethList  `ethNum` cards, not written to; the first is read even when there are none. A
+///                 NULL among them is refused before anything is done, a name that begins with "br"
+///                 passes as a card without being there
 /// @return true when the tools were run
 /// @errors  another name, a failed building: Error, with nothing saved and no card recovered
 VORLIX_API bool Bridge(const char* brName, char** ethList, int ethNum);
@@ -397,7 +435,9 @@ VORLIX_API bool BridgeControl(const char* brName, const STPInfo* stp);
 VORLIX_API bool BridgeGetStpInfo(const char* brName, STPInfo* stp);
 
 /// Saves the ports of a bridge that exists.
-/// @return false for no ports, otherwise the result of the saving
+///
+/// @param num  below 0 empties the saved list
+/// @return false for 0 ports, otherwise the result of the saving
 VORLIX_API bool BridgeUpdatePortListByConfig(const char* brName, const char** portList, int num);
 
 /// Saves the identification of a bridge that exists.
@@ -408,7 +448,11 @@ VORLIX_API bool BridgeUpdateBrIDByConfig(const char* brName);
 /// Sets the MTU of a card or bond in the kernel and then saves it. Cards go down and up for it, so
 /// the default card and its route are set again afterwards.
 ///
-/// @param mtu  negative: Warn, and 1500 is set
+/// A name that holds "bond" goes to `SetMtubyBondName`, and what was asked for is saved: above 7200
+/// that is not what the bond has, and for a bond that does not run, or a name such as "bond0.5",
+/// the saving is all that is done.
+///
+/// @param mtu  negative: Warn, and 1500 is set; 0 is not saved
 /// @return result of the kernel
 VORLIX_API bool NetSetMtubyName(const char* name, const int mtu);
 
@@ -424,6 +468,8 @@ VORLIX_API bool NetGetAllInterface(NetInterfaceInfo* list, int32_t* num);
 ///
 /// @param isBr  a bridge, otherwise a bond
 /// @return 2 for fibre, 0 for everything else
+/// @errors  NULL, an empty name: silent; members that cannot be read, a member whose driver cannot
+///          be asked: Error
 VORLIX_API int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr);
 
 // ==== Reachability probes ====
@@ -466,7 +512,11 @@ VORLIX_API bool GetMacByIPFromARP(const char* ip, char* mac);
 /// Sets limits on a card that exists, in the order of the records, and saves each behind those that
 /// are saved already. A limit that cannot be applied is not saved, and the next one follows.
 ///
-/// @param tc   `num` records; `flags` 0 is a send limit, any other a receive limit, which fails
+/// On the card of the process's first limit all other traffic shares that limit's class. Behind 999
+/// limits of a process `tc` refuses the class numbers, which nobody sees.
+///
+/// @param tc   `num` records; `flags` 0 is a send limit, any other a receive limit, which fails and
+///             leaves the card with a root
 /// @param num  below 1: nothing is done
 /// @return true when all were applied, whether or not they could be saved
 /// @errors a limit that was not applied: Error

@@ -20,19 +20,25 @@
 ///   Ports and bandwidth: port filter, limits of bandwidth
 ///   DHCP: configuration of the DHCP server
 ///
-/// Results. Unless a function says otherwise it returns 0 for success and -1 for failure, and a
-/// failure leaves what its pointers lead to untouched. NULL for a needed pointer fails, in most
-/// functions in silence. The API logs one Error for a failure of the operation below it, behind
-/// that operation's own lines; functions that say "logs nothing" leave it at the latter.
+/// Results. Unless a function says otherwise it returns 0 for success and -1 for failure. Where a
+/// failure has changed what a pointer leads to, the function says what stands there. NULL for a
+/// needed pointer fails, in most functions in silence. The API logs one Error for a failure of the
+/// operation below it, behind that operation's own lines; functions that say "logs nothing" leave
+/// it at the latter.
 ///
 /// Texts. The caller owns every buffer. An IPv4 address is dotted text in 16 bytes, an IPv6 address
 /// takes 46 bytes, a hardware address is six hexadecimal bytes with colons in 18 bytes, an
-/// interface name takes 16 bytes; all end in NUL. Address texts and names that begin with "br" end
-/// in commands for the shell as they stand, so the caller vouches for them.
+/// interface name takes 16 bytes; all end in NUL. Address texts, names that begin with "br", and
+/// what stands behind a ":" in any name end in commands for the shell as they stand, so the caller
+/// vouches for them: the test whether a card exists looks at neither.
+///
+/// Rights. The kernel asks for CAP_NET_ADMIN where it is changed, and for CAP_NET_RAW in the
+/// probes; what is saved needs the right to write in /mnt/mtd/Config.
 ///
 /// Threads. The functions may be entered from several threads, and beside callers of version 3.
-/// Nothing is kept here between calls. Changes of one bond or bridge and of the limits of bandwidth
-/// are not atomic; callers keep them apart.
+/// Nothing is kept here between calls. Changes of one bond or bridge, of the limits of bandwidth,
+/// and of the address and gateway of eth0, whose backup memory has no lock, are not atomic; callers
+/// keep them apart.
 
 #include "Types.h"
 
@@ -103,26 +109,35 @@ VORLIX_API int32_t NetGetGateway(char* pGateway, const int32_t iGLen);
 /// Sets address and mask: in the kernel, then in the setting file, and for eth0 in the backup
 /// memory.
 ///
-/// @param pHostIp   dotted text; "0.0.0.0" takes the address away and is not saved
-/// @param pNetmask  same form
-/// @return -1 with nothing written when the kernel refuses; later stores may lag
+/// @param pHostIp   dotted text; "0.0.0.0" takes the address away
+/// @param pNetmask  same form; "0.0.0.0" for both leaves the setting file as it is, and zeroes the
+///                  backup memory
+/// @return 0, or -1 when the kernel refuses, with nothing saved; it has the new address when it
+///         refuses the mask alone. What becomes of file and backup memory is not told
 VORLIX_API int32_t NetSetHostIPEx(const char* pEthName, const char* pHostIp, const char* pNetmask);
 
 /// Saves the gateway. No route is changed: `NetSetDefaultEth` applies it.
 ///
-/// @param pGateway  dotted text; "0.0.0.0" is not saved
+/// @param pGateway  dotted text; "0.0.0.0" leaves the setting file as it is, with success, and
+///                  zeroes eth0's backup memory
+/// @return 0, or -1 when the file could not be written; the backup memory is written all the same
 VORLIX_API int32_t NetSetGatewayEx(const char* pEthName, const char* pGateway);
 
-/// Tells the configured address and mask: saved, else the kernel's, else from the backup memory.
+/// Tells the configured address and mask: saved, else the kernel's, else from the backup memory,
+/// which is then saved.
 ///
 /// @param iHLen  bytes of `pHostIp`, at least 16
 /// @param iNLen  bytes of `pNetmask`, at least 16
+/// @return 0, or -1, which may leave what one of the sources gave: an address without its mask, or
+///         saved texts that are none
 VORLIX_API int32_t NetGetHostIPEx(const char* pEthName, char* pHostIp, const int32_t iHLen,
                                   char* pNetmask, const int32_t iNLen);
 
-/// Tells the saved gateway, else the one in the backup memory. The kernel is not asked.
+/// Tells the saved gateway, else the one in the backup memory, which is then saved. The kernel is
+/// not asked.
 ///
 /// @param iGLen  bytes of `pGateway`, at least 16
+/// @return 0, or -1, which may leave a saved text that is no address
 VORLIX_API int32_t NetGetGatewayEx(const char* pEthName, char* pGateway, const int32_t iGLen);
 
 /// Tells the hardware address.
@@ -130,21 +145,27 @@ VORLIX_API int32_t NetGetGatewayEx(const char* pEthName, char* pGateway, const i
 /// @param iEthMacLen  bytes of `pEthMac`, at least 18
 VORLIX_API int32_t NetGetMAC(const char* pEthName, char* pEthMac, const int32_t iEthMacLen);
 
-/// Sets the hardware address, which is kept nowhere. The card goes down and up for it.
+/// Sets the hardware address, which is kept nowhere. The card goes down and up for it, and the
+/// default route is set again.
 VORLIX_API int32_t NetSetMAC(const char* pEthName, const char* pEthMac);
 
-/// Sets the MTU and saves it. Cards and bonds go down and up for it.
+/// Sets the MTU in the kernel and then saves it. A card whose driver refuses it goes down and up
+/// for a second try; a bond goes down and up with its members. The default route is set again. A
+/// bond that does not run, and a name such as "bond0.5", which counts as one, are only saved for.
 ///
-/// @param mtu  bytes; a negative one sets 1500
+/// @param mtu  bytes; a negative one sets and saves 1500, 0 is not saved. A bond gets 1500 for more
+///             than 7200, while the number that was asked for is saved
 VORLIX_API int32_t NetSetMTU(const char* pEthName, const int32_t mtu);
 
 /// Tells the MTU in bytes: the kernel's, else the saved one.
+/// @return 0, or -1, which may leave a saved number that is no MTU
 VORLIX_API int32_t NetGetMTU(const char* pEthName, int32_t* mtu);
 
 /// Tells the hardware address of another machine of the network.
 ///
 /// @param pIp   dotted text of an address that the kernel has in its neighbour table
 /// @param pMac  18 bytes
+/// @return 0, or -1, which leaves `pMac` zeroed when the table has no such neighbour
 /// @source  /proc/net/arp
 VORLIX_API int32_t NetWorkGetMac(const char* pIp, char* pMac);
 
@@ -153,14 +174,21 @@ VORLIX_API int32_t NetWorkGetMac(const char* pIp, char* pMac);
 // Prefix lengths are decimal text, 0 to 128.
 
 /// Replaces the address of a card: in the kernel, then in the setting file. An empty address takes
-/// it away.
+/// it away, and "0:0:0::0" and "64" are saved. An address that the card has already with this very
+/// prefix text is left alone, and so is the file.
+///
+/// @param pRefixlen  one without a number in it counts as 0; one that does not begin with a digit
+///                   is set and not saved
+/// @return 0, or -1, which may leave the card without an address, with the old one still saved
 VORLIX_API int32_t NetSetHostIPEx6(const char* pEthName, const char* pHostIp,
                                    const char* pRefixlen);
 
 /// Tells address and prefix length: the kernel's, else the saved ones.
 ///
-/// @param iHLen  bytes of `pHostIP`
+/// @param iHLen  bytes of `pHostIP`; an address of the kernel that does not fit is told as an empty
+///               text, with success
 /// @param iNLen  bytes of `pNetmask`, which takes the prefix length
+/// @return 0, or -1, which may leave saved texts that are none, or one without the other
 VORLIX_API int32_t NetGetHostIPEx6(const char* pEthName, char* pHostIP, const int32_t iHLen,
                                    char* pNetmask, const int32_t iNLen);
 
@@ -170,12 +198,14 @@ VORLIX_API int32_t NetSetGatewayEx6(const char* pEthName, const char* pGateway);
 /// Tells the saved gateway. The kernel is not asked.
 ///
 /// @param iGLen  bytes of `pGateway`
+/// @return 0, or -1, which may leave a saved text that is no address
 VORLIX_API int32_t NetGetGatewayEx6(const char* pEthName, char* pGateway, const int32_t iGLen);
 
-/// Takes an address off a card, and what is saved of it.
+/// Takes an address off a card, and what is saved of it. A card that has no address, or link-local
+/// ones alone, gives 0 and keeps what it has; what is saved goes.
 ///
 /// @param hostIP  "address" or "address/prefix"; the latter must be writable, since the text is cut
-///                at its "/"
+///                at its "/", also when -1 follows
 VORLIX_API int32_t NetIfDelIpv6Addr(const char* pEthName, const char* hostIP);
 
 /// Tells the link-local address: the kernel's as "address/prefix", else the one that follows from
@@ -196,6 +226,7 @@ VORLIX_API IPV6_ADDR_SCOPE_TYPE_E In6AddrType(struct in6_addr* addr);
 ///
 /// @param iPlen  bytes of `pprimary`, at least 16
 /// @param iSlen  bytes of `psecondary`, at least 16
+/// @return 0, or -1, which may have filled `pprimary`
 VORLIX_API int32_t NetGetDNSAddress(char* pprimary, const int32_t iPlen, char* psecondary,
                                     const int32_t iSlen);
 
@@ -206,6 +237,7 @@ VORLIX_API int32_t NetSetDNSAddress(const char* pPrimary, const char* pSecondary
 ///
 /// @param iPlen  bytes of `pPrimary`
 /// @param iSlen  bytes of `pSecondary`; both addresses must fit the smaller of the two
+/// @return 0, or -1, which may have filled `pPrimary`
 VORLIX_API int32_t NetGetDNSAddressip6(char* pPrimary, const int32_t iPlen, char* pSecondary,
                                        const int32_t iSlen);
 
@@ -222,14 +254,15 @@ VORLIX_API int32_t mii_diag(char* ethname);
 /// @return 0 with a link, -1 without; logs nothing
 VORLIX_API int32_t NetGetLinkStatus(const char* ethname);
 
-/// Asks the network whether another machine uses the card's address. Blocks for some seconds and
-/// needs the right to open packet sockets.
+/// Asks the network whether another machine uses the card's configured address. Listens for 3
+/// seconds, whatever comes, and needs the right to open packet sockets.
 ///
 /// @return 1 when there is a conflict or the question could not be asked, 0 when there is none, -1
 ///         for NULL; logs nothing
 VORLIX_API int32_t ArpCheck(char* pEthName);
 
-/// Pings another machine, for up to 3 seconds, and times that. Needs the right to open raw sockets.
+/// Pings another machine, for up to 3 seconds, and times that. A card without a configured address
+/// asks over whichever card leads there. Needs the right to open raw sockets.
 ///
 /// @param pstPing  `acFrom` names the card, `acTo` the other machine; `s32Time` gets the elapsed
 ///                 time in microseconds, also when a clock that was put back makes it negative and
@@ -250,6 +283,7 @@ VORLIX_API int32_t network_alive(const char* pHostIP);
 /// @param len_EthName  bytes of `pEthName`, at least one more than the text has. When it is less,
 ///                     the buffer holds what fitted
 /// @param iEthnum      not NULL, and never written
+/// @return 0 without an interface too, with nothing written, not even an end of text
 VORLIX_API int32_t NetGetEthName(char* pEthName, int32_t len_EthName, int32_t* iEthnum);
 
 /// Lists the names of all interfaces but "eth16".
@@ -259,7 +293,8 @@ VORLIX_API int32_t NetGetEthName(char* pEthName, int32_t len_EthName, int32_t* i
 /// @return the number of names, or -1
 VORLIX_API int32_t NetGetDeviceName(NetDevice* pNetDev, int32_t iMax);
 
-/// Lists all interfaces with medium, usage and speeds.
+/// Lists all interfaces with medium, usage and speeds. Speeds have 16 bits: 65535 when the driver
+/// knows none, and what is above is cut, so that 100 Gbit/s read 34464.
 ///
 /// @param pNetDev  `iMax` records, all zeroed first, also those behind the 32nd
 /// @param iMax     above 32: Warn, and 32 counts
@@ -283,9 +318,13 @@ VORLIX_API NetWorkMode_E NetWorkGetMode(void);
 /// put back then.
 ///
 /// @param pEthName  16 bytes
+/// @return 0 when a name was obtained, whatever became of the route; -1 without one, and, with the
+///         saved name in `pEthName`, when no gateway is saved for it
 VORLIX_API int32_t NetGetDefaultEth(char* pEthName);
 
 /// Makes a card the default card, and moves the default route to its saved gateway.
+/// @return 0; -1 for one that does not exist or has no saved gateway, with the route as it was; -1
+///         also when the kernel refuses the new route: no default route is left then
 VORLIX_API int32_t NetSetDefaultEth(const char* pEthName);
 
 /// Adds (`status` 0) or deletes (any other) the route to the network that a card's configured
@@ -312,7 +351,8 @@ VORLIX_API int32_t NetAddRoute(NetRouteTableInfo* routeCmd);
 /// Deletes the route of a record, over a card that exists; logs nothing.
 VORLIX_API int32_t NetDelRoute(NetRouteTableInfo* routeCmd);
 
-/// Lists one family's routes; logs nothing.
+/// Lists one family's routes: over IPv4 those of the main table, over IPv6 those of all tables,
+/// with the rows of the cards' own addresses. Logs nothing.
 ///
 /// @param routes  `*num` records; `type` of the first tells the family
 /// @param num     capacity on entry, not 0; number of routes on return
@@ -340,7 +380,8 @@ VORLIX_API char* NetWorkGetActiveSlave(void);
 /// its primary instead.
 ///
 /// @param bonddev  holds "bond" and no "."
-/// @param dev      `num` names; the first is read even when there are none
+/// @param dev      `num` names; the first is read even when there are none. A NULL among them
+///                 gives -1 before anything is done
 /// @param mode     1 to 7, as above
 /// @errors  another mode: Error
 VORLIX_API int32_t NetWorkBondEx(const char* bonddev, const char** dev, int32_t num, int32_t mode);
@@ -350,7 +391,8 @@ VORLIX_API int32_t NetWorkUnBondEx(const char* bonddev);
 
 /// Tells the saved mode of a bond, and the default card.
 ///
-/// @param mode         a number as above; 0, with success, for a bond that does not run
+/// @param mode         a number as above; 0, with success, for a bond that does not run or has no
+///                     saved mode; -1 leaves it as it was
 /// @param default_dev  16 bytes, filled as by `NetGetDefaultEth`, whatever the result is
 VORLIX_API int32_t NetWorkGetBondModeEx(const char* bonddev, int32_t* mode, char* default_dev);
 
@@ -363,7 +405,8 @@ VORLIX_API char* NetWorkGetActiveSlaveEx(const char* bonddev, char* buf, int32_t
 /// Lists the members of a bond; logs nothing.
 ///
 /// @param slaves  `*num` pointers to 16 bytes each
-/// @param num     capacity on entry, number of members on return
+/// @param num     capacity on entry, number of members on return; -1 leaves 0 there when the name
+///                holds a "."
 VORLIX_API int32_t NetGetBondSlaves(const char* bondDev, char** slaves, int32_t* num);
 
 /// Tells whether a card is saved as a member of a bond, and of which of "bond0" to "bond3".
@@ -378,7 +421,8 @@ VORLIX_API int32_t NetIsBondingSlave(const char* ethName, char* masterName, int3
 /// Builds a bridge from cards and saves it.
 ///
 /// @param bridge  "br" and a digit, and whatever follows
-/// @param dev     `num` names
+/// @param dev     `num` names; the first is read even when there are none. A NULL among them gives
+///                -1 before anything is done
 VORLIX_API int32_t CreateNetWorkBridge(const char* bridge, const char** dev, int32_t num);
 
 /// Ends a bridge, saves that, and gives its cards their own settings back.
@@ -436,7 +480,8 @@ VORLIX_API int32_t SwitchGetPortStatus(struct SwitchPortInfo* port_info, int32_t
 /// @param portstatus  `*portnum` bytes, 1 for a port with a link, 0 for any other
 /// @param portnum     capacity on entry, which must be above the number of ports; that number on
 ///                    return. Otherwise it stays, with a Warn
-/// @return also on -1, `portstatus` has been zeroed
+/// @return 0, or -1, which leaves `portstatus` zeroed; when the links alone could not be read,
+///         `portnum` may hold the number of ports
 VORLIX_API int32_t NetGetSwitchLinkStatus(const char* ethname, unsigned char* portstatus,
                                           int32_t* portnum);
 
@@ -445,6 +490,7 @@ VORLIX_API int32_t NetGetSwitchLinkStatus(const char* ethname, unsigned char* po
 // A mask has one bit for each port. Units of power are the driver's.
 
 /// Reads the state of all ports.
+/// @return 0, or -1, which leaves the record zeroed when the device was there and did not answer
 /// @source  /dev/qv_poe
 VORLIX_API int32_t PoEGetPowerInfo(PoeInfo_t* pPoe_info);
 
@@ -473,10 +519,12 @@ VORLIX_API int32_t NetDelStaticARPEntry(const NetARPEntry* arpInfo);
 ///
 /// @param arpInfo  `*num` records
 /// @param num      capacity on entry, above 0; number of entries on return
+/// @return 0, or -1, which leaves the records zeroed when the table could not be read
 /// @source  /proc/net/arp
 VORLIX_API int32_t NetGetAllStaticARPEntry(NetARPEntry* arpInfo, int* num);
 
-/// Lists the fixed entries of one address; otherwise as `NetGetAllStaticARPEntry`.
+/// Lists the fixed entries of one address; otherwise as `NetGetAllStaticARPEntry`, but nothing is
+/// zeroed.
 VORLIX_API int32_t NetGetStaticARPInfoByIP(const char* ip, NetARPEntry* arpInfo, int* num);
 
 // ==== Ports and bandwidth ====
@@ -489,7 +537,12 @@ VORLIX_API int32_t NetDisableIpPort(const char* ipAddr, int32_t portNumber);
 VORLIX_API int32_t NetEnableIpPort(const char* ipAddr, int32_t portNumber);
 
 /// Limits what is sent over a card to each of some addresses, and saves the limits. The next one
-/// follows when one cannot be applied.
+/// follows when one cannot be applied. What `tc` itself refuses counts as applied.
+///
+/// The first limit of a card, also one that fails by its `flags`, puts a root of its own in the
+/// place of what shapes the card. The class of the first limit of the process takes all else that
+/// its card sends as well. A process can set 999 limits: `tc` refuses the class numbers behind
+/// them. Nothing is put back after a restart.
 ///
 /// @param pTc  `num` limits; `ipAddr` is cut to 47 characters, `bandWidth` is in Mbit/s, `flags` is
 ///             0 (receive limits, any other value, fail), `prio` and `resv` play no part
@@ -503,7 +556,10 @@ VORLIX_API int32_t NetSetBandWidth(const char* pDev, const NetTc_2* pTc, int32_t
 /// @errors  no memory, which a negative `max` counts as: Error
 VORLIX_API int32_t NetGetBandWidth(const char* pDev, NetTc_2* pTc, int32_t max);
 
-/// Takes the limit of an address away, or all limits of the card for "0.0.0.0".
+/// Takes the limit of an address away, or all limits of the card for "0.0.0.0". The other limits,
+/// of which 32 survive, are set anew for that: they are gone meanwhile, and each uses up one of the
+/// numbers that `NetSetBandWidth` tells of.
+/// @return 0 for every card that exists
 VORLIX_API int32_t NetUnSetBandWidth(const char* pDev, const char* ipAddr);
 
 // ==== DHCP ====

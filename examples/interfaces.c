@@ -1,11 +1,13 @@
 /*
  * Version 3: an object for each interface, and one for a bridge.
  *
- *     interfaces                            lists the interfaces and changes nothing
+ *     interfaces                            lists the interfaces
  *     interfaces <card> <address> <mask>    sets and saves a card's address
  *     interfaces bridge <name> <card>...    makes a bridge, lists its ports, and ends it again
  *
- * The library's log goes to standard output too.
+ * The listing changes nothing, but that it saves the work mode of a card whose file has none, and
+ * an address of eth0 which the backup memory alone has. The library's log goes to standard output
+ * too.
  */
 #include <Pal/Net3.h>
 

@@ -1,6 +1,7 @@
 /*
  * Version 2: what the device's network looks like, by functions that take the card's name.
- * Changes nothing. The library's log goes to standard output too.
+ * Changes nothing, but that an address of eth0 which the backup memory alone has is saved by the
+ * asking. The library's log goes to standard output too.
  */
 #include <Pal/NetApi2_0.h>
 

@@ -13,9 +13,12 @@
  *
  * Results: 0 is success and -1 failure, unless a slot says otherwise. What went wrong stands in the
  * log, on standard output. A NULL object gives -1, in silence unless a slot says otherwise, and so
- * does NULL for a text or a place that an operation needs. Where a failure leaves anything behind,
- * the slot says so. Texts are NUL-terminated; IPv4 addresses and masks are dotted text in 16 bytes,
- * hardware addresses "02:00:00:00:00:01" in 18.
+ * does NULL for a text or a place that an operation needs. Where the places for results are not as
+ * they were after a failure, the slot says what they hold. Texts are NUL-terminated; IPv4 addresses
+ * and masks are dotted text in 16 bytes, hardware addresses "02:00:00:00:00:01" in 18.
+ *
+ * Rights: the kernel asks for CAP_NET_ADMIN where it is changed, and for CAP_NET_RAW in `arpCheck`
+ * and `ping`; what is saved needs the right to write in /mnt/mtd/Config.
  *
  * Threads: any operation may be called from any thread. Changes of one bond or bridge, of the
  * traffic limits, of eth0's address and gateway, whose backup memory has no lock, and of one bridge
@@ -24,7 +27,8 @@
  * them.
  *
  * Texts that end up in a tool's command line are not quoted: the caller vouches for addresses to
- * `setBandWidth`, `unsetBandWidth` and `ipPortCtrl`, and for names that begin with "br".
+ * `setBandWidth`, `unsetBandWidth` and `ipPortCtrl`, for names that begin with "br", and for what
+ * stands behind a ":" in any name. The test whether a card exists looks at neither.
  *
  * Clean C11 and C++17: nothing of the kernel is included. Sizes and offsets are those of a 64-bit
  * little-endian target.
@@ -123,10 +127,18 @@ typedef struct NetInterface NetInterface;
 struct NetInterface {
     /* 0 */ void* priv; /**< the library's own */
 
-    /** Formal: counts nothing. 1, or -1 for NULL. */
+    /**
+     * Formal: counts nothing.
+     *
+     * @return 1, or -1 for NULL
+     */
     /* 8 */ int (*addRef)(NetInterface* thiz);
 
-    /** Formal: frees nothing, and the object stays usable. 1, or -1 for NULL. */
+    /**
+     * Formal: frees nothing, and the object stays usable.
+     *
+     * @return 1, or -1 for NULL
+     */
     /* 16 */ int (*release)(NetInterface* thiz);
 
     /** Brings the interface up. Source: SIOCSIFFLAGS. */
@@ -137,37 +149,50 @@ struct NetInterface {
 
     /**
      * Sets address and mask: in the kernel, in the setting file and, for eth0, in the backup
-     * memory. "0.0.0.0" takes the address away and is not saved. Each call is logged at Info. -1
-     * when the kernel refuses, with nothing saved; what becomes of the other two is not told.
+     * memory. "0.0.0.0" takes the address away: with "0.0.0.0" for the mask too the file keeps what
+     * it has, while the backup memory is zeroed. Each call is logged at Info.
+     *
+     * -1 when the kernel refuses, with nothing saved; where it refuses the mask alone, the card has
+     * the new address. What becomes of file and backup memory is not told.
      */
     /* 40 */ int (*setHostIP)(NetInterface* thiz, const char* hostIP, const char* netmask);
 
     /**
-     * Saves the gateway in the setting file and, for eth0, in the backup memory; "0.0.0.0" is not
-     * saved. No route changes: `setDefaultNetInterface` applies it. Each call is logged at Info.
+     * Saves the gateway in the setting file and, for eth0, in the backup memory. "0.0.0.0" leaves
+     * the file as it is, with success, and zeroes the backup memory. No route changes:
+     * `setDefaultNetInterface` applies the gateway. Each call is logged at Info.
+     *
+     * -1 when the file could not be written; the backup memory is written all the same.
      */
     /* 48 */ int (*setGateway)(NetInterface* thiz, const char* gateway);
 
     /**
      * Tells the configured address and mask: from the setting file, else from the kernel, else from
      * the backup memory, which is then saved. `hlen` and `nlen` are the bytes of the two, 16 at
-     * least, else -1.
+     * least, else -1. -1 may leave there what one of the sources gave: an address without its mask,
+     * or saved texts that are none.
      */
     /* 56 */ int (*getHostIP)(NetInterface* thiz, char* hostIP, const int hlen, char* netmask,
                               const int nlen);
 
     /**
      * Tells the saved gateway, or else the one in the backup memory, which is then saved. `iGLen`
-     * is the bytes of `gateway`, 16 at least, else -1.
+     * is the bytes of `gateway`, 16 at least, else -1. -1 may leave there a saved text that is no
+     * address.
      */
     /* 64 */ int (*getGateway)(NetInterface* thiz, char* gateway, const int iGLen);
 
-    /** Reads the counters. Source: /proc/net/dev, and the driver for the speed. */
+    /**
+     * Reads the counters. Source: /proc/net/dev, and the driver for the speed, which is 0 when it
+     * tells none and else as `getLinkSpeed` says.
+     */
     /* 72 */ int (*getDataStat)(NetInterface* thiz, NetDataStat* state);
 
     /**
-     * 1 when the network was reset since the last question, which clears the mark, else 0. Of the
+     * Tells whether the network was reset since the last question, and clears the mark. Of the
      * whole device; the interface plays no part. Source: the backup memory.
+     *
+     * @return 1 when it was, 0 when not, -1 for a NULL object
      */
     /* 80 */ int (*configBeenReset)(NetInterface* thiz);
 
@@ -182,7 +207,7 @@ struct NetInterface {
 
     /**
      * Tells the device's two IPv4 DNS servers; the interface plays no part. `plen` and `slen` are
-     * the bytes of the two, 16 at least, else -1. A failure may have filled one of them.
+     * the bytes of the two, 16 at least, else -1. -1 may have filled `primary`.
      */
     /* 104 */ int (*getDNSAddress)(NetInterface* thiz, char* primary, const int plen,
                                    char* secondary, const int slen);
@@ -199,22 +224,38 @@ struct NetInterface {
     /** Empty. */
     /* 136 */ int (*scanWLanAccessPoint)(NetInterface* thiz, WLanAccessPoint* list, int* num);
 
-    /** 0 when there is a link; a member of a bond or bridge is judged by its master. */
+    /**
+     * Tells whether there is a link; a member of a bond or bridge is judged by its master.
+     *
+     * @return 0 with a link, -1 without one and for a NULL object
+     */
     /* 144 */ int (*miiDiag)(NetInterface* thiz);
 
     /**
-     * Asks by ARP whether another station uses this card's address, and waits for answers. 0 for
-     * none; otherwise a sum of 1 (one with its hardware address) and 2 (one with its IPv4 address);
-     * -1 when the question could not be asked.
+     * Asks by ARP whether another station uses this card's configured address, and listens for
+     * answers for 3 seconds, whatever comes. Needs the rights for a raw socket.
+     *
+     * @return 0 for none; otherwise a sum of 1 (one with its hardware address) and 2 (one with its
+     *         IPv4 address); -1 at once when the question could not be asked
      */
     /* 152 */ int (*arpCheck)(NetInterface* thiz);
 
-    /** Tells the MTU in bytes: the kernel's, else the saved one. */
+    /**
+     * Tells the MTU in bytes: the kernel's, else the saved one. -1 may leave in `size` a saved
+     * number that is no MTU.
+     */
     /* 160 */ int (*getMTU)(NetInterface* thiz, int* size);
 
     /**
-     * Sets the MTU in bytes, in the kernel and then in the setting file; below 0 sets 1500. Cards
-     * go down and up for it, and the default route is set again.
+     * Sets the MTU in bytes, in the kernel and then in the setting file; below 0 sets and saves
+     * 1500, and 0 is never saved. A card whose driver refuses it goes down and up for a second try.
+     * The default route is set again, whatever came of it.
+     *
+     * A bond goes down and up with its members. Above 7200 it gets 1500, while the number that was
+     * asked for is saved. For a bond that does not run, and for a name such as "bond0.5", which
+     * counts as one, nothing but the saving is done, with success.
+     *
+     * -1 when the kernel refuses, with nothing saved.
      */
     /* 168 */ int (*setMTU)(NetInterface* thiz, int size);
 
@@ -224,7 +265,7 @@ struct NetInterface {
      *
      * @param list  `*num` records
      * @param num   capacity on entry, 0 and more; number of members on return, or unchanged, with a
-     *              Warn, when there are more
+     *              Warn, when there are more and the first of them are listed
      */
     /* 176 */ int (*getBondMembers)(NetInterface* thiz, NetInterfaceInfo* list, int* num);
 
@@ -233,7 +274,10 @@ struct NetInterface {
      * as its primary instead; any other running bond is refused. When the cards cannot be joined
      * they get their own settings back.
      *
-     * @param listname  `number` names; the first is read even when there are none
+     * Runs tools and waits for them. What `ifenslave` refuses is not seen.
+     *
+     * @param listname  `number` names; the first is read even when there are none. A NULL among
+     *                  them gives -1 before anything is done
      */
     /* 184 */ int (*bond)(NetInterface* thiz, const char** listname, const int number,
                           NICBondMode mode);
@@ -266,16 +310,21 @@ struct NetInterface {
     /* 208 */ int (*delRoute)(NetInterface* thiz, const char* address, const char* netmask);
 
     /**
-     * Replaces the IPv6 address, in the kernel and then in its setting file. An empty `hostip`
-     * takes it away. -1 may leave the card without an address, with the old one still saved.
+     * Replaces the IPv6 address, in the kernel and then in its setting file. An address that the
+     * card has already with this very prefix text is left alone, and so is the file. An empty
+     * `hostip` takes the address away, and "0:0:0::0" and "64" are saved. -1 may leave the card
+     * without an address, with the old one still saved.
      *
-     * @param prefixLen  decimal text, 0 to 128
+     * @param prefixLen  decimal text, 0 to 128. One without a number in it counts as 0; one that
+     *                   does not begin with a digit is set and not saved
      */
     /* 216 */ int (*setHostIpv6)(NetInterface* thiz, const char* hostip, const char* prefixLen);
 
     /**
      * Tells the IPv6 address and its prefix length, the kernel's or else the saved one. `hostLen`
-     * and `maskLen` are the bytes of the two.
+     * and `maskLen` are the bytes of the two; 46 and 4 hold every answer. An address of the kernel
+     * that does not fit is told as an empty text, with success. -1 may leave there saved texts that
+     * are none, or one without the other.
      */
     /* 224 */ int (*getHostIpv6)(NetInterface* thiz, char* host, int hostLen, char* netmask,
                                  int maskLen);
@@ -283,7 +332,10 @@ struct NetInterface {
     /** Saves the IPv6 gateway. No route changes. */
     /* 232 */ int (*setGatewayIpv6)(NetInterface* thiz, const char* gateway);
 
-    /** Tells the saved IPv6 gateway. `len` is the bytes of `gateway`. */
+    /**
+     * Tells the saved IPv6 gateway. `len` is the bytes of `gateway`; 46 hold every answer. -1 may
+     * leave there a saved text that is no address.
+     */
     /* 240 */ int (*getGatewayIpv6)(NetInterface* thiz, char* gateway, int len);
 
     /** Sets the device's two IPv6 DNS servers; the interface plays no part. */
@@ -292,8 +344,7 @@ struct NetInterface {
 
     /**
      * Tells the device's two IPv6 DNS servers; the interface plays no part. The smaller of `plen`
-     * and `slen` counts as the bytes of both; 46 hold every address. A failure may have filled one
-     * of them.
+     * and `slen` counts as the bytes of both; 46 hold every address. -1 may have filled `primary`.
      */
     /* 256 */ int (*getDNSAddressIpv6)(NetInterface* thiz, char* primary, const int plen,
                                        char* secondary, const int slen);
@@ -305,14 +356,18 @@ struct NetInterface {
     /* 264 */ int (*getLinkLocalAddressIpv6)(NetInterface* thiz, char* linklocal, int len);
 
     /**
-     * Asks an IPv4 station for an echo over this card, and waits up to `timeout` seconds. `IpType`
-     * is 0; any other is refused with an Error. Needs the rights for a raw socket.
+     * Asks an IPv4 station for an echo over this card, and waits up to `timeout` seconds. A card
+     * without a configured address asks over whichever card leads there, with an Error. `IpType` is
+     * 0; any other is refused with an Error. Needs the rights for a raw socket.
      */
     /* 272 */ int (*ping)(NetInterface* thiz, const char* dstHost, int timeout, int IpType);
 
     /**
-     * The switch port behind which a station is, counted from 0; -1 when there is none, and with an
-     * Error on failure. `ethMacLen` is 18 at least, else -1. Source: the switch driver.
+     * Tells the switch port behind which a station is. `ethMacLen` is 18 at least, else -1. Source:
+     * the switch driver.
+     *
+     * @return the port, counted from 0; -1 when the switch does not know the station, and with an
+     *         Error on failure
      */
     /* 280 */ int (*getSwitchPort)(NetInterface* thiz, const char* ethMac, const int ethMacLen);
 
@@ -336,14 +391,23 @@ struct NetInterface {
     /* 304 */ int (*addRouteIpv6)(NetInterface* thiz, const char* pAddress, const int preFixLen);
 
     /**
-     * Deletes an IPv6 route of this card.
+     * Deletes an IPv6 route of this card, in the main table.
+     *
+     * A deletion of several walks the first 16 rows of /proc/net/ipv6_route and ends with -1 at the
+     * first row that the kernel does not delete; what was deleted before stays so. Linux lists
+     * there the rows of all tables, and since 4.14 or so also those of the card's own addresses, of
+     * anycast and of multicast, which cannot be deleted so: all routes of a card that has an IPv6
+     * address end in -1, and so does a default route of another table.
      *
      * @param pAddress   destination; a text with "default" in it means the card's default routes
      * @param preFixLen  -1, with `pAddress` NULL, means all its other routes
      */
     /* 312 */ int (*delRouteIpv6)(NetInterface* thiz, const char* pAddress, const int preFixLen);
 
-    /** Tells the link's speed in Mbit/s. Source: the driver. */
+    /**
+     * Tells the link's speed in Mbit/s, in 16 bits. 65535 when the driver knows none; what is above
+     * that is cut, so that 100 Gbit/s read 34464. -1 for a wireless card. Source: the driver.
+     */
     /* 320 */ int (*getLinkSpeed)(NetInterface* thiz, int* speed);
 
     /** Tells the number of ports of the switch. Source: the switch driver. */
@@ -360,7 +424,10 @@ struct NetInterface {
     /* 336 */ int (*getSwitchPortStatus)(NetInterface* thiz, struct SwitchPortStatus* portStatus,
                                          int* len);
 
-    /** Tells the saved mode of this bond, which must run. */
+    /**
+     * Tells the saved mode of this bond, which must run. -1 leaves -1 in `mode` when what is saved
+     * is no number.
+     */
     /* 344 */ int (*getBondMode)(NetInterface* thiz, NICBondMode* mode);
 
     /** Tells what the card is for; one without a saved mode is saved as standing alone. */
@@ -369,7 +436,13 @@ struct NetInterface {
     /**
      * Limits what is sent to `num` stations, and saves each limit that was applied. A limit that is
      * not one of sending (`flags` 0) always fails; the others are applied all the same. What the
-     * tool itself refuses is not seen. Source: the tool `tc`.
+     * tool itself refuses is not seen: it counts as applied. Source: the tool `tc`.
+     *
+     * The first limit of a card, also one that fails by its `flags`, puts a root of its own in the
+     * place of what shapes the card. The class of the first limit of the process takes all else
+     * that its card sends as well. A process can set 999 limits: `tc` refuses the class numbers
+     * behind them. A removal uses up a number for each limit that it sets anew. Nothing is put back
+     * after a restart.
      */
     /* 360 */ int (*setBandWidth)(NetInterface* thiz, const NetTc* pTc, int num);
 
@@ -378,11 +451,14 @@ struct NetInterface {
      *
      * @param pTc  `*num` records
      * @param num  capacity on entry, number of records on return
-     * @return that number, or -1
+     * @return that number, 0 included, or -1
      */
     /* 368 */ int (*getBandWidth)(NetInterface* thiz, NetTc* pTc, int* num);
 
-    /** Lifts the limit of a station and sets the others anew; "0.0.0.0" lifts all. */
+    /**
+     * Lifts the limit of a station and sets the others anew, of which 32 survive; "0.0.0.0" lifts
+     * all. Meanwhile the other stations are without a limit. 0 for every card that exists.
+     */
     /* 376 */ int (*unsetBandWidth)(NetInterface* thiz, const char* ipAddr);
 
     /**
@@ -401,11 +477,12 @@ struct NetInterface {
 
     /**
      * Tells the hardware address of a neighbour of the device. `len` is the bytes of `mac`, 18 at
-     * least, else -1. Zeroes `mac` also when there is none. Source: the kernel's ARP table.
+     * least, else -1. -1 leaves `mac` zeroed when the table has no such neighbour. Source: the
+     * kernel's ARP table.
      */
     /* 400 */ int (*ipToMac)(NetInterface* thiz, const char* ipAddr, char* mac, const int len);
 
-    /** The same function as in `getHostIP`. */
+    /** The same function as in `getHostIP`: the configured address, not what the kernel has. */
     /* 408 */ int (*getRealHostIP)(NetInterface* thiz, char* hostIP, const int hlen, char* netmask,
                                    const int nlen);
 
@@ -417,7 +494,8 @@ struct NetInterface {
 
     /**
      * Takes an IPv6 address away, and the saved one with it. With "/<prefix>" behind it the text
-     * must be writable: it is cut at the "/".
+     * must be writable: it is cut at the "/", also when -1 follows. A card that has no address, or
+     * link-local ones alone, gives 0 and keeps what it has; what is saved goes.
      */
     /* 432 */ int (*delIPaddressIpv6)(NetInterface* thiz, const char* hostIP);
 
@@ -435,13 +513,25 @@ struct NetInterface {
     /** Empty. */
     /* 456 */ int (*getNetLinkCaps)(NetInterface* thiz, unsigned int* caps);
 
-    /** Sets the transmit hash policy of this bond, which goes down and up for it, and saves it. */
+    /**
+     * Sets the transmit hash policy of this bond, which goes down and up for it, and saves it. What
+     * the driver takes is saved: 5 too, which `getBondParams` then does not tell.
+     */
     /* 464 */ int (*setBondParams)(NetInterface* thiz, const QV_PAL_NetBondParams params);
 
-    /** Tells the saved hash policy. Unlike its neighbours: 1 success, 0 failure, -1 for NULL. */
+    /**
+     * Tells the saved hash policy, 0 to 4. A saved value that is none of them is a failure that
+     * leaves 0 in `lacp`.
+     *
+     * @return 1 for success, 0 for failure, unlike its neighbours; -1 for NULL
+     */
     /* 472 */ int (*getBondParams)(NetInterface* thiz, QV_PAL_NetBondParams* params);
 
-    /** 0 when this card itself has a link, whatever it is a member of. */
+    /**
+     * Tells whether this card itself has a link, whatever it is a member of.
+     *
+     * @return 0 with a link, -1 without one and for a NULL object
+     */
     /* 480 */ int (*miiDiagEx)(NetInterface* thiz);
 
     /** `getHostIpv6`, from the kernel alone. */
@@ -518,10 +608,18 @@ typedef struct QV_PAL_NetControl QV_PAL_NetControl;
 struct QV_PAL_NetControl {
     /* 0 */ void* priv; /**< the library's own */
 
-    /** Adds a reference. The new count, -1 for NULL. */
+    /**
+     * Adds a reference.
+     *
+     * @return the new count, or -1 for NULL
+     */
     /* 8 */ int (*addRef)(QV_PAL_NetControl* thiz);
 
-    /** Takes a reference off, and at 0 frees the object. The new count, -1 for NULL. */
+    /**
+     * Takes a reference off, and at 0 frees the object.
+     *
+     * @return the new count, or -1 for NULL
+     */
     /* 16 */ int (*release)(QV_PAL_NetControl* thiz);
 
     /** Reads the state of power over Ethernet. Source: /dev/qv_poe. */
@@ -534,7 +632,8 @@ struct QV_PAL_NetControl {
     /* 40 */ int (*setPoEPowerOff)(QV_PAL_NetControl* thiz, uint32_t portMask);
 
     /**
-     * Lists one family's routes. No memory, no table: Error, and `routes` is unchanged.
+     * Lists one family's routes: over IPv4 those of the main table, over IPv6 those of all tables,
+     * with the rows of the cards' own addresses. No memory, no table: Error.
      *
      * @param routes  `*num` records; `type` of the first tells the family
      * @param num     capacity on entry, number of routes on return
@@ -555,7 +654,7 @@ struct QV_PAL_NetControl {
     /* 80 */ int (*delArpStaticEntry)(QV_PAL_NetControl* thiz, QV_PAL_ARPEntry* arpInfo);
 
     /**
-     * Lists the static ARP entries. No memory, no table: Error, and `arpInfo` is unchanged.
+     * Lists the static ARP entries. No memory, no table: Error.
      *
      * @param arpInfo  `*num` records
      * @param num      capacity on entry, 1 at least; number of entries on return, which may be 0
@@ -581,7 +680,7 @@ struct QV_PAL_NetControl {
 /** The bridge that an object is for; size 136, alignment 8. */
 typedef struct NetBrDesc {
     /* 0 */ const char* name;    /**< "br" and a digit, and whatever follows; copied */
-    /* 8 */ const char** subDev; /**< `num` names of cards; not kept */
+    /* 8 */ const char** subDev; /**< `num` names, the first read even when 0; not kept */
     /* 16 */ int num;
     /* 20 */ int reserved[29];
 } NetBrDesc;
@@ -605,13 +704,18 @@ typedef struct NetBridge NetBridge;
 struct NetBridge {
     /* 0 */ void* priv; /**< the library's own */
 
-    /** Adds a reference. 0, not the count. */
+    /**
+     * Adds a reference.
+     *
+     * @return 0, not the count; -1 for NULL
+     */
     /* 8 */ int (*addRef)(NetBridge* thiz);
 
     /**
      * Takes a reference off. At 0 the bridge is ended, in the system and in the settings, its cards
-     * get their own settings back, and the object is freed. The new count, whatever became of the
-     * bridge.
+     * get their own settings back, and the object is freed.
+     *
+     * @return the new count, whatever became of the bridge; -1 for NULL
      */
     /* 16 */ int (*release)(NetBridge* thiz);
 
@@ -621,7 +725,11 @@ struct NetBridge {
      */
     /* 24 */ int (*getBridgeDevicesInfo)(NetBridge* thiz, unsigned int* slave);
 
-    /** 0 when the card is saved as an edge port of the bridge, -1 when not. */
+    /**
+     * Tells whether a card is saved as an edge port of the bridge.
+     *
+     * @return 0 when it is, -1 when not
+     */
     /* 32 */ int (*isEdgePort)(NetBridge* thiz, const char* dev);
 
     /**
@@ -640,7 +748,8 @@ struct NetBridge {
      * Lists the ports.
      *
      * @param device  `*num` records
-     * @param num     capacity on entry, 1 and more, of which 32 count; number of ports on return
+     * @param num     capacity on entry, 1 and more, of which 32 count; number of ports on return.
+     *                -1 leaves 32 there when it was more
      */
     /* 64 */ int (*getBridgeDevices)(NetBridge* thiz, QV_PAL_NetBrDevice* device, int* num);
 
@@ -677,23 +786,40 @@ VORLIX_API int getNetInterfaceMaxNum(int* num);
  * default route is then put back.
  *
  * @param name  `len` bytes; 16 hold every name
+ * @return 0 when a name was obtained, whatever became of the route; -1 without one, and, with the
+ *         saved name in `name`, when no gateway is saved for it
  */
 VORLIX_API int getDefaultNetInterface(char* name, const int len);
 
 /**
  * Saves the default interface and moves the default route to its saved gateway.
  *
- * @return -1 for one that does not exist or has no saved gateway; the route then stays as it is
+ * @return 0; -1 for one that does not exist or has no saved gateway, with the route as it was; -1
+ *         also when the kernel refuses the new route: no default route is left then
  */
 VORLIX_API int setDefaultNetInterface(const char* name);
 
-/** 1 stops `setDefaultNetInterface` from moving routes, for the life of the process. Always 0. */
+/**
+ * 1 stops `setDefaultNetInterface` from moving routes, for the life of the process. Any other value
+ * changes nothing.
+ *
+ * @return always 0
+ */
 VORLIX_API int disableRoute(int disable);
 
-/** Makes a virtual interface over a card. */
+/**
+ * Makes an IPVLAN or MACVLAN link on a card; any other kind is refused with an Error. The link
+ * comes up at once. Nothing is saved: it is gone after a restart. Waits for the kernel's answer
+ * without a limit. Each call is logged at Error.
+ *
+ * @return 0; -1 for another kind, and when the kernel refuses, the latter with a Warn
+ */
 VORLIX_API int addNetVirtInterface(NetVirtInterInfo* virtInterInfo);
 
-/** Deletes a virtual interface. */
+/**
+ * Deletes a link of these kinds by its name; otherwise as `addNetVirtInterface`. That it is of the
+ * kind told is not tested.
+ */
 VORLIX_API int delNetVirtInterface(NetVirtInterName* virtInterName);
 
 /**

@@ -219,8 +219,8 @@ typedef struct NetRouteTableInfo {
 /** Names of a virtual link and of its host; size 384, alignment 4. */
 typedef struct NetVirtInterName {
     /* 0 */ NetVirtInterType eType;
-    /* 4 */ char hostName[128];   /**< interface that the link rides on; must end in NUL */
-    /* 132 */ char virtName[128]; /**< the link's own name; must end in NUL */
+    /* 4 */ char hostName[128];   /**< interface that the link rides on; may fill the field */
+    /* 132 */ char virtName[128]; /**< the link's own name; may fill the field */
     /* 260 */ uint8_t enable;     /**< not read */
     /* 261 */ char reserve[3];
     /* 264 */ int rsd[30];
@@ -270,7 +270,7 @@ typedef struct STPInfo {
  */
 __extension__ typedef struct NetInterfaceInfo {
     /* 0 */ char name[32];    /**< at most 31 characters */
-    /* 32.0 */ int valid : 8; /**< 1 or 0: whether it is a card of its own */
+    /* 32.0 */ int valid : 8; /**< 0 for "wlan" and "apra" names and a Wi-Fi eth2, else 1 */
     /* 33.0 */ NetInterfaceMedia media : 8;
     /* 34.0 */ int type : 8;         /**< a NetWorkMode value */
     /* 35.0 */ NICBondMode bond : 8; /**< left 0 in a list */
@@ -363,7 +363,7 @@ typedef struct NET_DDNS_CONFIG {
 
 /** One interface as version 2 shows it; size 40, alignment 4. */
 typedef struct tagNetDevice {
-    /* 0 */ char valid;       /**< 1 or 0: whether it is a card of its own */
+    /* 0 */ char valid;       /**< as in NetInterfaceInfo */
     /* 1 */ char trans_media; /**< a NetInterfaceMedia value */
     /* 2 */ uint8_t usage;    /**< a NetDeviceUsage value, cut to a byte */
     /* 3 */ char reserved[1];
@@ -373,7 +373,7 @@ typedef struct tagNetDevice {
     /* 28 */ uint32_t resv[3];
 } NetDevice;
 
-/** Bytes of one interface since it came up; size 16, alignment 8. */
+/** Bytes of one interface since the kernel made it; size 16, alignment 8. */
 typedef struct NetStats {
     /* 0 */ uint64_t rx_bytes;
     /* 8 */ uint64_t tx_bytes;
