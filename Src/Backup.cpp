@@ -49,16 +49,26 @@ using Block = std::array<unsigned char, kBlockSize>;
 
 // ---- records of the drivers
 
-static_assert(sizeof(SramFileParam) == 32 && offsetof(SramFileParam, sramHandle) == 0 &&
-                  offsetof(SramFileParam, fileName) == 8 && offsetof(SramFileParam, period) == 16 &&
-                  offsetof(SramFileParam, mode) == 20 && offsetof(SramFileParam, markLen) == 24 &&
-                  offsetof(SramFileParam, totalLen) == 28,
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__,
+              "the bytes in a backup memory are those of a little-endian target");
+// A pointer is as wide as the kernel's: the drivers' records shrink with it.
+constexpr size_t kPointer = sizeof(void*);
+static_assert(sizeof(SramFileParam) == 2 * kPointer + 16 &&
+                  offsetof(SramFileParam, sramHandle) == 0 &&
+                  offsetof(SramFileParam, fileName) == kPointer &&
+                  offsetof(SramFileParam, period) == 2 * kPointer &&
+                  offsetof(SramFileParam, mode) == 2 * kPointer + 4 &&
+                  offsetof(SramFileParam, markLen) == 2 * kPointer + 8 &&
+                  offsetof(SramFileParam, totalLen) == 2 * kPointer + 12,
               "layout of the SRAM driver");
-static_assert(sizeof(SramFileData) == 40 && offsetof(SramFileData, sramHandle) == 0 &&
-                  offsetof(SramFileData, pDatabuf) == 8 && offsetof(SramFileData, dataLen) == 16 &&
-                  offsetof(SramFileData, offset) == 20 && offsetof(SramFileData, reserved) == 24,
+static_assert(sizeof(SramFileData) == 3 * kPointer + 16 &&
+                  offsetof(SramFileData, sramHandle) == 0 &&
+                  offsetof(SramFileData, pDatabuf) == kPointer &&
+                  offsetof(SramFileData, dataLen) == 2 * kPointer &&
+                  offsetof(SramFileData, offset) == 2 * kPointer + 4 &&
+                  offsetof(SramFileData, reserved) == 2 * kPointer + 8,
               "layout of the SRAM driver");
-static_assert(sizeof(RTCData) == 16 && offsetof(RTCData, addr) == 0 &&
+static_assert(sizeof(RTCData) == kPointer + 8 && offsetof(RTCData, addr) == 0 &&
                   offsetof(RTCData, len) == 4 && offsetof(RTCData, pBuf) == 8,
               "layout of the RTC driver");
 static_assert(sizeof(CmosCaps) == 16 && offsetof(CmosCaps, UseTable) == 4 &&

@@ -265,14 +265,16 @@ constexpr NetInterface MakeInterfaceTable()
 
 constexpr NetInterface kInterfaceTable = MakeInterfaceTable();
 
-// Applications were built against these places.
-static_assert(offsetof(NetInterface, addRef) == 8 && offsetof(NetInterface, setHostIP) == 40 &&
-                  offsetof(NetInterface, getMTU) == 160 &&
-                  offsetof(NetInterface, addRoute) == 200 &&
-                  offsetof(NetInterface, setSTP) == 296 &&
-                  offsetof(NetInterface, setTelnet) == 392 &&
-                  offsetof(NetInterface, getPhyExceptionInfo) == 504 &&
-                  offsetof(NetInterface, reserved) == 512 && sizeof(NetInterface) == 1024,
+// Applications were built against these places, each as wide as a pointer.
+static_assert(offsetof(NetInterface, addRef) == 1 * sizeof(void*) &&
+                  offsetof(NetInterface, setHostIP) == 5 * sizeof(void*) &&
+                  offsetof(NetInterface, getMTU) == 20 * sizeof(void*) &&
+                  offsetof(NetInterface, addRoute) == 25 * sizeof(void*) &&
+                  offsetof(NetInterface, setSTP) == 37 * sizeof(void*) &&
+                  offsetof(NetInterface, setTelnet) == 49 * sizeof(void*) &&
+                  offsetof(NetInterface, getPhyExceptionInfo) == 63 * sizeof(void*) &&
+                  offsetof(NetInterface, reserved) == 64 * sizeof(void*) &&
+                  sizeof(NetInterface) == 128 * sizeof(void*),
               "order of the slots is fixed");
 
 }  // namespace
@@ -892,9 +894,10 @@ constexpr QV_PAL_NetControl MakeControlTable()
 
 constexpr QV_PAL_NetControl kControlTable = MakeControlTable();
 
-static_assert(offsetof(QV_PAL_NetControl, getAllRouteInfo) == 48 &&
-                  offsetof(QV_PAL_NetControl, setPhyWolMode) == 112 &&
-                  offsetof(QV_PAL_NetControl, reserved) == 120 && sizeof(QV_PAL_NetControl) == 1024,
+static_assert(offsetof(QV_PAL_NetControl, getAllRouteInfo) == 6 * sizeof(void*) &&
+                  offsetof(QV_PAL_NetControl, setPhyWolMode) == 14 * sizeof(void*) &&
+                  offsetof(QV_PAL_NetControl, reserved) == 15 * sizeof(void*) &&
+                  sizeof(QV_PAL_NetControl) == 128 * sizeof(void*),
               "order of the slots is fixed");
 
 #define SAME_PLACE(Public, Own, publicField, ownField)                                             \
@@ -1100,9 +1103,10 @@ constexpr NetBridge MakeBridgeTable()
 
 constexpr NetBridge kBridgeTable = MakeBridgeTable();
 
-static_assert(offsetof(NetBridge, getBridgeDevicesInfo) == 24 &&
-                  offsetof(NetBridge, getBridgeDevices) == 64 &&
-                  offsetof(NetBridge, reserved) == 72 && sizeof(NetBridge) == 256,
+static_assert(offsetof(NetBridge, getBridgeDevicesInfo) == 3 * sizeof(void*) &&
+                  offsetof(NetBridge, getBridgeDevices) == 8 * sizeof(void*) &&
+                  offsetof(NetBridge, reserved) == 9 * sizeof(void*) &&
+                  sizeof(NetBridge) == 32 * sizeof(void*),
               "order of the slots is fixed");
 
 /// Makes the bridge of a new object, unless there is one.

@@ -19,6 +19,14 @@
 
 #define SIZE(record, size) LAYOUT_ASSERT(sizeof(record) == (size))
 #define ALIGNMENT(record, bytes) LAYOUT_ASSERT(ALIGN_OF(record) == (bytes))
+/* Pointers are 8 bytes wide or 4, and what is reserved keeps its number of elements. */
+#define WIDTH(wide, narrow) (sizeof(void*) == 8 ? (wide) : (narrow))
+/* 64-bit numbers of a record stand at multiples of 4 on 32-bit x86 alone. */
+#ifdef __i386__
+#define COUNTER_ALIGNMENT 4
+#else
+#define COUNTER_ALIGNMENT 8
+#endif
 #define VALUE(name, number) LAYOUT_ASSERT((name) == (number))
 #define FIELD(record, field, offset) LAYOUT_ASSERT(offsetof(record, field) == (offset))
 
@@ -88,7 +96,7 @@ VALUE(VORLIX_IPV6_ADDR_SCOPE_ORGLOCAL, 8);
 VALUE(VORLIX_IPV6_ADDR_SCOPE_GLOBAL, 14);
 
 SIZE(NetDataStat, 128);
-ALIGNMENT(NetDataStat, 8);
+ALIGNMENT(NetDataStat, COUNTER_ALIGNMENT);
 FIELD(NetDataStat, transmittedBytes, 0);
 FIELD(NetDataStat, receivedBytes, 8);
 FIELD(NetDataStat, transmittedPackets, 16);
@@ -107,7 +115,7 @@ FIELD(NetDataStat, interfaceSpeed, 72);
 FIELD(NetDataStat, reserved, 76);
 
 SIZE(struct InterfaceInfo, 144);
-ALIGNMENT(struct InterfaceInfo, 8);
+ALIGNMENT(struct InterfaceInfo, COUNTER_ALIGNMENT);
 FIELD(struct InterfaceInfo, netDatastat, 16);
 
 SIZE(union netAddr, 16);
@@ -229,16 +237,16 @@ FIELD(NetDevice, max_speed, 24);
 FIELD(NetDevice, resv, 28);
 
 SIZE(NetStats, 16);
-ALIGNMENT(NetStats, 8);
+ALIGNMENT(NetStats, COUNTER_ALIGNMENT);
 FIELD(NetStats, tx_bytes, 8);
 
-SIZE(PING_S, 104);
-ALIGNMENT(PING_S, 8);
+SIZE(PING_S, WIDTH(104, 96));
+ALIGNMENT(PING_S, WIDTH(8, 4));
 FIELD(PING_S, acTo, 40);
 FIELD(PING_S, s32Len, 80);
 FIELD(PING_S, s32Time, 84);
 FIELD(PING_S, s32Ttl, 88);
-FIELD(PING_S, pvoid, 96);
+FIELD(PING_S, pvoid, WIDTH(96, 92));
 
 SIZE(SwitchPortInfo, 32);
 ALIGNMENT(SwitchPortInfo, 4);
@@ -316,23 +324,23 @@ ALIGNMENT(CmosCaps_Sys_t, 4);
 FIELD(CmosCaps_Sys_t, UseTable, 4);
 FIELD(CmosCaps_Sys_t, resv, 8);
 
-SIZE(SramFileParam, 32);
-ALIGNMENT(SramFileParam, 8);
-FIELD(SramFileParam, fileName, 8);
-FIELD(SramFileParam, period, 16);
-FIELD(SramFileParam, mode, 20);
-FIELD(SramFileParam, markLen, 24);
-FIELD(SramFileParam, totalLen, 28);
+SIZE(SramFileParam, WIDTH(32, 24));
+ALIGNMENT(SramFileParam, WIDTH(8, 4));
+FIELD(SramFileParam, fileName, WIDTH(8, 4));
+FIELD(SramFileParam, period, WIDTH(16, 8));
+FIELD(SramFileParam, mode, WIDTH(20, 12));
+FIELD(SramFileParam, markLen, WIDTH(24, 16));
+FIELD(SramFileParam, totalLen, WIDTH(28, 20));
 
-SIZE(SramFileData, 40);
-ALIGNMENT(SramFileData, 8);
-FIELD(SramFileData, pDatabuf, 8);
-FIELD(SramFileData, dataLen, 16);
-FIELD(SramFileData, offset, 20);
-FIELD(SramFileData, reserved, 24);
+SIZE(SramFileData, WIDTH(40, 28));
+ALIGNMENT(SramFileData, WIDTH(8, 4));
+FIELD(SramFileData, pDatabuf, WIDTH(8, 4));
+FIELD(SramFileData, dataLen, WIDTH(16, 8));
+FIELD(SramFileData, offset, WIDTH(20, 12));
+FIELD(SramFileData, reserved, WIDTH(24, 16));
 
-SIZE(RTCData, 16);
-ALIGNMENT(RTCData, 8);
+SIZE(RTCData, WIDTH(16, 12));
+ALIGNMENT(RTCData, WIDTH(8, 4));
 FIELD(RTCData, len, 4);
 FIELD(RTCData, pBuf, 8);
 
@@ -359,9 +367,9 @@ VALUE(wlanEncryptionWEB128, 3);
 VALUE(wlanEncryptionTKIP, 4);
 VALUE(wlanEncryptionAES, 5);
 
-SIZE(NetInterfaceDesc, 136);
-ALIGNMENT(NetInterfaceDesc, 8);
-FIELD(NetInterfaceDesc, reserved, 8);
+SIZE(NetInterfaceDesc, WIDTH(136, 128));
+ALIGNMENT(NetInterfaceDesc, WIDTH(8, 4));
+FIELD(NetInterfaceDesc, reserved, WIDTH(8, 4));
 
 SIZE(TelnetInfo, 64);
 ALIGNMENT(TelnetInfo, 1);
@@ -427,111 +435,111 @@ FIELD(QV_PAL_PoeInfo, reserved, 104);
 SIZE(QV_PAL_NetControlDesc, 128);
 ALIGNMENT(QV_PAL_NetControlDesc, 4);
 
-SIZE(NetBrDesc, 136);
-ALIGNMENT(NetBrDesc, 8);
-FIELD(NetBrDesc, subDev, 8);
-FIELD(NetBrDesc, num, 16);
-FIELD(NetBrDesc, reserved, 20);
+SIZE(NetBrDesc, WIDTH(136, 128));
+ALIGNMENT(NetBrDesc, WIDTH(8, 4));
+FIELD(NetBrDesc, subDev, WIDTH(8, 4));
+FIELD(NetBrDesc, num, WIDTH(16, 8));
+FIELD(NetBrDesc, reserved, WIDTH(20, 12));
 
 SIZE(QV_PAL_NetBrDevice, 128);
 ALIGNMENT(QV_PAL_NetBrDevice, 1);
 
-SIZE(NetInterface, 1024);
-ALIGNMENT(NetInterface, 8);
+SIZE(NetInterface, WIDTH(1024, 512));
+ALIGNMENT(NetInterface, WIDTH(8, 4));
 FIELD(NetInterface, priv, 0);
-FIELD(NetInterface, addRef, 8);
-FIELD(NetInterface, release, 16);
-FIELD(NetInterface, up, 24);
-FIELD(NetInterface, down, 32);
-FIELD(NetInterface, setHostIP, 40);
-FIELD(NetInterface, setGateway, 48);
-FIELD(NetInterface, getHostIP, 56);
-FIELD(NetInterface, getGateway, 64);
-FIELD(NetInterface, getDataStat, 72);
-FIELD(NetInterface, configBeenReset, 80);
-FIELD(NetInterface, getMAC, 88);
-FIELD(NetInterface, setMAC, 96);
-FIELD(NetInterface, getDNSAddress, 104);
-FIELD(NetInterface, setDNSAddress, 112);
-FIELD(NetInterface, getWLanConfig, 120);
-FIELD(NetInterface, setWLanConfig, 128);
-FIELD(NetInterface, scanWLanAccessPoint, 136);
-FIELD(NetInterface, miiDiag, 144);
-FIELD(NetInterface, arpCheck, 152);
-FIELD(NetInterface, getMTU, 160);
-FIELD(NetInterface, setMTU, 168);
-FIELD(NetInterface, getBondMembers, 176);
-FIELD(NetInterface, bond, 184);
-FIELD(NetInterface, unbond, 192);
-FIELD(NetInterface, addRoute, 200);
-FIELD(NetInterface, delRoute, 208);
-FIELD(NetInterface, setHostIpv6, 216);
-FIELD(NetInterface, getHostIpv6, 224);
-FIELD(NetInterface, setGatewayIpv6, 232);
-FIELD(NetInterface, getGatewayIpv6, 240);
-FIELD(NetInterface, setDNSAddressIpv6, 248);
-FIELD(NetInterface, getDNSAddressIpv6, 256);
-FIELD(NetInterface, getLinkLocalAddressIpv6, 264);
-FIELD(NetInterface, ping, 272);
-FIELD(NetInterface, getSwitchPort, 280);
-FIELD(NetInterface, getSwitchLinkMask, 288);
-FIELD(NetInterface, setSTP, 296);
-FIELD(NetInterface, addRouteIpv6, 304);
-FIELD(NetInterface, delRouteIpv6, 312);
-FIELD(NetInterface, getLinkSpeed, 320);
-FIELD(NetInterface, getSwitchPortNum, 328);
-FIELD(NetInterface, getSwitchPortStatus, 336);
-FIELD(NetInterface, getBondMode, 344);
-FIELD(NetInterface, getEthWorkMode, 352);
-FIELD(NetInterface, setBandWidth, 360);
-FIELD(NetInterface, getBandWidth, 368);
-FIELD(NetInterface, unsetBandWidth, 376);
-FIELD(NetInterface, ipPortCtrl, 384);
-FIELD(NetInterface, setTelnet, 392);
-FIELD(NetInterface, ipToMac, 400);
-FIELD(NetInterface, getRealHostIP, 408);
-FIELD(NetInterface, setMediumPrefer, 416);
-FIELD(NetInterface, setNetModeAndSpeed, 424);
-FIELD(NetInterface, delIPaddressIpv6, 432);
-FIELD(NetInterface, getIPv6NeighborTableInfo, 440);
-FIELD(NetInterface, setSSH, 448);
-FIELD(NetInterface, getNetLinkCaps, 456);
-FIELD(NetInterface, setBondParams, 464);
-FIELD(NetInterface, getBondParams, 472);
-FIELD(NetInterface, miiDiagEx, 480);
-FIELD(NetInterface, getSystemHostIpv6, 488);
-FIELD(NetInterface, getNetPortState, 496);
-FIELD(NetInterface, getPhyExceptionInfo, 504);
-FIELD(NetInterface, reserved, 512);
+FIELD(NetInterface, addRef, WIDTH(8, 4));
+FIELD(NetInterface, release, WIDTH(16, 8));
+FIELD(NetInterface, up, WIDTH(24, 12));
+FIELD(NetInterface, down, WIDTH(32, 16));
+FIELD(NetInterface, setHostIP, WIDTH(40, 20));
+FIELD(NetInterface, setGateway, WIDTH(48, 24));
+FIELD(NetInterface, getHostIP, WIDTH(56, 28));
+FIELD(NetInterface, getGateway, WIDTH(64, 32));
+FIELD(NetInterface, getDataStat, WIDTH(72, 36));
+FIELD(NetInterface, configBeenReset, WIDTH(80, 40));
+FIELD(NetInterface, getMAC, WIDTH(88, 44));
+FIELD(NetInterface, setMAC, WIDTH(96, 48));
+FIELD(NetInterface, getDNSAddress, WIDTH(104, 52));
+FIELD(NetInterface, setDNSAddress, WIDTH(112, 56));
+FIELD(NetInterface, getWLanConfig, WIDTH(120, 60));
+FIELD(NetInterface, setWLanConfig, WIDTH(128, 64));
+FIELD(NetInterface, scanWLanAccessPoint, WIDTH(136, 68));
+FIELD(NetInterface, miiDiag, WIDTH(144, 72));
+FIELD(NetInterface, arpCheck, WIDTH(152, 76));
+FIELD(NetInterface, getMTU, WIDTH(160, 80));
+FIELD(NetInterface, setMTU, WIDTH(168, 84));
+FIELD(NetInterface, getBondMembers, WIDTH(176, 88));
+FIELD(NetInterface, bond, WIDTH(184, 92));
+FIELD(NetInterface, unbond, WIDTH(192, 96));
+FIELD(NetInterface, addRoute, WIDTH(200, 100));
+FIELD(NetInterface, delRoute, WIDTH(208, 104));
+FIELD(NetInterface, setHostIpv6, WIDTH(216, 108));
+FIELD(NetInterface, getHostIpv6, WIDTH(224, 112));
+FIELD(NetInterface, setGatewayIpv6, WIDTH(232, 116));
+FIELD(NetInterface, getGatewayIpv6, WIDTH(240, 120));
+FIELD(NetInterface, setDNSAddressIpv6, WIDTH(248, 124));
+FIELD(NetInterface, getDNSAddressIpv6, WIDTH(256, 128));
+FIELD(NetInterface, getLinkLocalAddressIpv6, WIDTH(264, 132));
+FIELD(NetInterface, ping, WIDTH(272, 136));
+FIELD(NetInterface, getSwitchPort, WIDTH(280, 140));
+FIELD(NetInterface, getSwitchLinkMask, WIDTH(288, 144));
+FIELD(NetInterface, setSTP, WIDTH(296, 148));
+FIELD(NetInterface, addRouteIpv6, WIDTH(304, 152));
+FIELD(NetInterface, delRouteIpv6, WIDTH(312, 156));
+FIELD(NetInterface, getLinkSpeed, WIDTH(320, 160));
+FIELD(NetInterface, getSwitchPortNum, WIDTH(328, 164));
+FIELD(NetInterface, getSwitchPortStatus, WIDTH(336, 168));
+FIELD(NetInterface, getBondMode, WIDTH(344, 172));
+FIELD(NetInterface, getEthWorkMode, WIDTH(352, 176));
+FIELD(NetInterface, setBandWidth, WIDTH(360, 180));
+FIELD(NetInterface, getBandWidth, WIDTH(368, 184));
+FIELD(NetInterface, unsetBandWidth, WIDTH(376, 188));
+FIELD(NetInterface, ipPortCtrl, WIDTH(384, 192));
+FIELD(NetInterface, setTelnet, WIDTH(392, 196));
+FIELD(NetInterface, ipToMac, WIDTH(400, 200));
+FIELD(NetInterface, getRealHostIP, WIDTH(408, 204));
+FIELD(NetInterface, setMediumPrefer, WIDTH(416, 208));
+FIELD(NetInterface, setNetModeAndSpeed, WIDTH(424, 212));
+FIELD(NetInterface, delIPaddressIpv6, WIDTH(432, 216));
+FIELD(NetInterface, getIPv6NeighborTableInfo, WIDTH(440, 220));
+FIELD(NetInterface, setSSH, WIDTH(448, 224));
+FIELD(NetInterface, getNetLinkCaps, WIDTH(456, 228));
+FIELD(NetInterface, setBondParams, WIDTH(464, 232));
+FIELD(NetInterface, getBondParams, WIDTH(472, 236));
+FIELD(NetInterface, miiDiagEx, WIDTH(480, 240));
+FIELD(NetInterface, getSystemHostIpv6, WIDTH(488, 244));
+FIELD(NetInterface, getNetPortState, WIDTH(496, 248));
+FIELD(NetInterface, getPhyExceptionInfo, WIDTH(504, 252));
+FIELD(NetInterface, reserved, WIDTH(512, 256));
 
-SIZE(QV_PAL_NetControl, 1024);
-ALIGNMENT(QV_PAL_NetControl, 8);
+SIZE(QV_PAL_NetControl, WIDTH(1024, 512));
+ALIGNMENT(QV_PAL_NetControl, WIDTH(8, 4));
 FIELD(QV_PAL_NetControl, priv, 0);
-FIELD(QV_PAL_NetControl, addRef, 8);
-FIELD(QV_PAL_NetControl, release, 16);
-FIELD(QV_PAL_NetControl, getPoEPowerInfo, 24);
-FIELD(QV_PAL_NetControl, setPoEPowerOn, 32);
-FIELD(QV_PAL_NetControl, setPoEPowerOff, 40);
-FIELD(QV_PAL_NetControl, getAllRouteInfo, 48);
-FIELD(QV_PAL_NetControl, addRoute, 56);
-FIELD(QV_PAL_NetControl, delRoute, 64);
-FIELD(QV_PAL_NetControl, addArpStaticEntry, 72);
-FIELD(QV_PAL_NetControl, delArpStaticEntry, 80);
-FIELD(QV_PAL_NetControl, getAllArpStaticEntry, 88);
-FIELD(QV_PAL_NetControl, getArpStaticInfoByIp, 96);
-FIELD(QV_PAL_NetControl, setPoETotalPower, 104);
-FIELD(QV_PAL_NetControl, setPhyWolMode, 112);
-FIELD(QV_PAL_NetControl, reserved, 120);
+FIELD(QV_PAL_NetControl, addRef, WIDTH(8, 4));
+FIELD(QV_PAL_NetControl, release, WIDTH(16, 8));
+FIELD(QV_PAL_NetControl, getPoEPowerInfo, WIDTH(24, 12));
+FIELD(QV_PAL_NetControl, setPoEPowerOn, WIDTH(32, 16));
+FIELD(QV_PAL_NetControl, setPoEPowerOff, WIDTH(40, 20));
+FIELD(QV_PAL_NetControl, getAllRouteInfo, WIDTH(48, 24));
+FIELD(QV_PAL_NetControl, addRoute, WIDTH(56, 28));
+FIELD(QV_PAL_NetControl, delRoute, WIDTH(64, 32));
+FIELD(QV_PAL_NetControl, addArpStaticEntry, WIDTH(72, 36));
+FIELD(QV_PAL_NetControl, delArpStaticEntry, WIDTH(80, 40));
+FIELD(QV_PAL_NetControl, getAllArpStaticEntry, WIDTH(88, 44));
+FIELD(QV_PAL_NetControl, getArpStaticInfoByIp, WIDTH(96, 48));
+FIELD(QV_PAL_NetControl, setPoETotalPower, WIDTH(104, 52));
+FIELD(QV_PAL_NetControl, setPhyWolMode, WIDTH(112, 56));
+FIELD(QV_PAL_NetControl, reserved, WIDTH(120, 60));
 
-SIZE(NetBridge, 256);
-ALIGNMENT(NetBridge, 8);
+SIZE(NetBridge, WIDTH(256, 128));
+ALIGNMENT(NetBridge, WIDTH(8, 4));
 FIELD(NetBridge, priv, 0);
-FIELD(NetBridge, addRef, 8);
-FIELD(NetBridge, release, 16);
-FIELD(NetBridge, getBridgeDevicesInfo, 24);
-FIELD(NetBridge, isEdgePort, 32);
-FIELD(NetBridge, edgePortCtrl, 40);
-FIELD(NetBridge, getInfo, 48);
-FIELD(NetBridge, bridgeCtrl, 56);
-FIELD(NetBridge, getBridgeDevices, 64);
-FIELD(NetBridge, reserved, 72);
+FIELD(NetBridge, addRef, WIDTH(8, 4));
+FIELD(NetBridge, release, WIDTH(16, 8));
+FIELD(NetBridge, getBridgeDevicesInfo, WIDTH(24, 12));
+FIELD(NetBridge, isEdgePort, WIDTH(32, 16));
+FIELD(NetBridge, edgePortCtrl, WIDTH(40, 20));
+FIELD(NetBridge, getInfo, WIDTH(48, 24));
+FIELD(NetBridge, bridgeCtrl, WIDTH(56, 28));
+FIELD(NetBridge, getBridgeDevices, WIDTH(64, 32));
+FIELD(NetBridge, reserved, WIDTH(72, 36));
