@@ -37,5 +37,10 @@ configure()
 {
     preset=$1
     shift
+    found=$(cmake --version | sed -n 's/^cmake version //p')
+    if [ "$(printf '%s\n3.21\n' "$found" | sort -V | head -n 1)" != 3.21 ]; then
+        echo "cmake 3.21 or newer reads the presets; this one is $found (without presets 3.16 builds the product)" >&2
+        return 1
+    fi
     cmake --preset "$preset" "$@"
 }
