@@ -1,13 +1,16 @@
 #!/bin/sh
-# The Debian packages: what they ask for; and in a clean root that holds just that, how they install,
-# how the examples run that were built with them, how they start the device, and what they leave behind.
+# The Debian packages: what they ask for and what lintian says of them; and in a clean root that holds
+# just that, how they install and replace those of an older release, how the examples run that were
+# built with them, how they start the device, and what they leave behind.
 # shellcheck source=tests/install/lib.sh
 . "$(dirname "$0")/lib.sh"
 
-packages=$build/packages
 debian=$work/debian
+packages=$debian/packages
+older=$debian/older
 root=$debian/root
 soversion=${version%%.*}
+library=libvorlix$soversion
 
 # ---- inside: the root, with its own network and mounts
 
@@ -18,7 +21,7 @@ enter_root()
     mount -t tmpfs tmpfs "$root"
     cp -a "$1/." "$root"
     mkdir -p "$root/proc" "$root/sys" "$root/dev" "$root/tmp" "$root/mnt/mtd/Config" "$root/packages" \
-        "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
+        "$root/older" "$root/var/lib/dpkg/updates" "$root/var/lib/dpkg/info"
     mount -t proc proc "$root/proc"
     mount -t sysfs sysfs "$root/sys"
     for node in null zero random urandom; do
@@ -28,6 +31,7 @@ enter_root()
     : >>"$root/var/lib/dpkg/status"
     ip link set lo up
     cp "$packages"/*.deb "$root/packages"
+    cp "$older"/*.deb "$root/older"
     cp -r "$debian/examples" "$here/device.sh" "$root/tmp"
     inside ldconfig
 }
@@ -39,25 +43,39 @@ files_of()
         ! -path './var/log/*' ! -path './etc/ld.so.cache' ! -path './var/cache/*' | sort)
 }
 
+# The root holds what they ask for, unpacked; dpkg knows of none of it.
+# installs NAME FOLDER_IN_THE_ROOT
+installs() { succeeds "$1" inside sh -c "dpkg --force-depends --install $2/*.deb"; }
+
+units() { (cd "$root/etc/systemd/system" && find . -name lanrise.service); }
+
+# stands NAME VERSION: the packages of that version, and the start that they enable
+stands()
+{
+    # shellcheck disable=SC2016  # dpkg's variables
+    is "$1: state of the packages" \
+        "$(inside dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'l*' |
+            grep ' installed$' | grep -v dbgsym | sort | paste -sd ,)" \
+        "lanrise $2 install ok installed,libvorlix-dev $2 install ok installed,$library $2 install ok installed"
+    is "$1: files that differ from the packages" "$(inside dpkg --verify)" ''
+    is "$1: links of the init script" "$(cd "$root/etc" && echo rc*.d/*lanrise)" rcS.d/S01lanrise
+    is "$1: settings" "$(ls "$root/mnt/mtd/Config")" ''
+    [ -e "$root/usr/lib/systemd/system/lanrise.service" ] || is "$1: unit" gone there
+}
+
 try_packages()
 {
     files_of >"$debian/before"
-    # The root holds what they ask for, unpacked; dpkg knows of none of it.
-    succeeds 'installation' inside sh -c 'dpkg --force-depends --install /packages/*.deb'
-    # shellcheck disable=SC2016  # dpkg's variables
-    is 'state of the packages' "$(inside dpkg-query -W -f '${Package} ${Status}\n' | sort | paste -sd ,)" \
-        "lanrise install ok installed,libvorlix-dev install ok installed,libvorlix$soversion install ok installed"
-    is 'files that differ from the packages' "$(inside dpkg --verify)" ''
-    is 'links of the init script' "$(cd "$root/etc" && echo rc*.d/*lanrise)" rcS.d/S01lanrise
-    is 'links of the unit' "$(cd "$root/etc/systemd/system" && find . -name lanrise.service)" \
-        ./multi-user.target.wants/lanrise.service
+    installs 'installation' /packages
+    stands 'installation' "$version"
+    is 'links of the unit' "$(units)" ./multi-user.target.wants/lanrise.service
     rm "$root/etc/systemd/system/multi-user.target.wants/lanrise.service" # as `systemctl disable` does
     succeeds 'installation over it' inside sh -c 'dpkg --force-depends --install /packages/lanrise_*'
-    is 'a start that was disabled' "$(cd "$root/etc/systemd/system" && find . -name lanrise.service)" ''
-    is 'settings after the installation' "$(ls "$root/mnt/mtd/Config")" ''
+    is 'a start that was disabled' "$(units)" ''
     for page in 3/vorlix.3 5/lanrise.5 8/lanrise.8; do
         succeeds "page $page" gzip -t "$root/usr/share/man/man$page.gz"
     done
+    [ -x "$root/etc/init.d/lanrise" ] || is 'mode of the init script' 'not executable' executable
 
     for example in interfaces status mixed; do
         inside ldd "/tmp/examples/$example" >"$debian/needs"
@@ -71,42 +89,113 @@ try_packages()
     ls "$root/mnt/mtd/Config" >"$debian/settings"
     holds 'settings after the start' "$debian/settings" network1
 
-    succeeds 'removal' inside dpkg --purge lanrise libvorlix-dev "libvorlix$soversion"
+    purge
     is 'settings after the removal' "$(ls "$root/mnt/mtd/Config")" "$(cat "$debian/settings")"
     rm -rf "$root/mnt/mtd/Config"
+    nothing_left 'the removal'
+}
+
+purge() { succeeds 'removal' inside dpkg --purge lanrise lanrise-dbgsym libvorlix-dev "$library" "$library-dbgsym"; }
+
+nothing_left()
+{
     files_of >"$debian/after"
-    succeeds 'what is left after the removal' diff "$debian/before" "$debian/after"
+    succeeds "what is left after $1" diff "$debian/before" "$debian/after"
+}
+
+try_upgrade()
+{
+    mkdir -p "$root/mnt/mtd/Config"
+    installs 'the older release' /older
+    stands 'the older release' 3.0.0
+    installs 'upgrade' /packages
+    stands 'upgrade' "$version"
+    is 'links of the unit after the upgrade' "$(units)" ./multi-user.target.wants/lanrise.service
+    purge
+
+    installs 'the older release again' /older
+    rm "$root/etc/systemd/system/multi-user.target.wants/lanrise.service"
+    installs 'upgrade with a disabled start' /packages
+    is 'a start that was disabled before the upgrade' "$(units)" ''
+    purge
+    rm -rf "$root/mnt/mtd/Config"
+    nothing_left 'upgrade and removal'
 }
 
 if [ "${2-}" = --inside ]; then
     enter_root "$3"
     try_packages
+    try_upgrade
     exit "$failed"
 fi
 
 # ---- outside: the packages, the root, and the examples built with the packages
 
-for tool in dpkg-deb dpkg-shlibdeps file; do
+# older_package PACKAGE: as release 3.0.0 packed it: its own maintainer scripts, its unit below /usr
+older_package()
+{
+    there=$older/$1
+    mkdir -p "$there/DEBIAN"
+    dpkg-deb -x "$packages/$1_${version}_"*.deb "$there"
+    if [ -d "$there/lib" ]; then
+        mkdir -p "$there/usr/lib/systemd"
+        mv "$there/lib/systemd/system" "$there/usr/lib/systemd/system"
+        rm -r "${there:?}/lib"
+    fi
+    find "$there" -depth -name "*$version*" | while read -r file; do
+        mv "$file" "$(echo "$file" | sed "s/$version/3.0.0/")"
+    done
+    link=$(find "$there" -name "libvorlix.so.$soversion")
+    [ -z "$link" ] || ln -sf libvorlix.so.3.0.0 "$link"
+    {
+        dpkg-deb -f "$packages/$1_${version}_"*.deb Package Architecture Maintainer Description
+        echo 'Version: 3.0.0'
+    } >"$there/DEBIAN/control"
+    case $1 in
+    lanrise) cp "$here/release-3.0.0/postinst" "$here/release-3.0.0/postrm" "$here/release-3.0.0/conffiles" "$there/DEBIAN" ;;
+    libvorlix?) cp "$here/release-3.0.0/triggers" "$there/DEBIAN" ;;
+    esac
+    succeeds "$1 of the older release" dpkg-deb --root-owner-group -b "$there" "$older"
+}
+
+for tool in dpkg-buildpackage dh; do
     command -v $tool >/dev/null || skip "$tool is not installed"
 done
-rm -rf "$packages" "$debian"
-mkdir -p "$root" "$debian/sysroot" "$debian/examples"
+rm -rf "$debian"
+mkdir -p "$root" "$debian/sysroot" "$debian/examples" "$older"
 export SOURCE_DATE_EPOCH=1700000000
-succeeds 'packing' sh -c "cd '$build' && cpack"
-succeeds 'packing again' sh -c "cd '$build' && cpack -B '$debian/again'"
+succeeds 'packing' "$top/tools/debian-packages" "$(dpkg --print-architecture)" "$packages"
+succeeds 'packing again' "$top/tools/debian-packages" "$(dpkg --print-architecture)" "$debian/again"
 is 'packages packed again' "$(cd "$debian/again" && sha256sum ./*.deb)" "$(cd "$packages" && sha256sum ./*.deb)"
 
-relations_of "$packages"/*.deb >"$debian/relations"
+main=$(find "$packages" -name '*.deb' ! -name '*-dbgsym_*' | sort)
+# shellcheck disable=SC2086  # a list of files
+relations_of $main >"$debian/relations"
 succeeds 'relations of the packages' diff -u "$here/debian.list" "$debian/relations"
-for package in "$packages"/*.deb; do
+for symbols in lanrise "$library"; do
+    is "debug symbols of $symbols" "$(find "$packages" -name "$symbols-dbgsym_*" | wc -l)" 1
+done
+if command -v lintian >/dev/null; then
+    # The project has no mail domain; who distributes the packages puts an address of theirs.
+    succeeds 'what lintian says' lintian --allow-root --fail-on error,warning \
+        --suppress-tags bogus-mail-host,bogus-mail-host-in-debian-changelog "$packages"/*.deb
+else
+    echo 'left out: lintian is not installed'
+fi
+for package in $main; do
     dpkg-deb -x "$package" "$debian/sysroot"
 done
+is 'symbols that have no release' \
+    "$(dpkg-deb -I "$packages/${library}_${version}_"*.deb symbols | grep -c '@VORLIX_3 ')" \
+    "$(($(grep -c '^[A-Za-z]' "$top/packaging/exports.list") + 1))"
 is 'files of the packages' \
-    "$(cd "$debian/sysroot" && find usr/share/doc -name copyright -o -name changelog.gz -o -name README.Debian -o -name ifenslave | sort | paste -sd ' ')" \
-    "usr/share/doc/lanrise/README.Debian usr/share/doc/lanrise/changelog.gz usr/share/doc/lanrise/copyright usr/share/doc/lanrise/examples/ifenslave usr/share/doc/libvorlix-dev/changelog.gz usr/share/doc/libvorlix-dev/copyright usr/share/doc/libvorlix$soversion/changelog.gz usr/share/doc/libvorlix$soversion/copyright"
+    "$(cd "$debian/sysroot" && find usr/share/doc -name copyright -o -name changelog.gz -o -name 'README.Debian*' -o -name ifenslave | sort | paste -sd ' ')" \
+    "usr/share/doc/lanrise/README.Debian usr/share/doc/lanrise/changelog.gz usr/share/doc/lanrise/copyright usr/share/doc/lanrise/examples/ifenslave usr/share/doc/libvorlix-dev/changelog.gz usr/share/doc/libvorlix-dev/copyright usr/share/doc/$library/changelog.gz usr/share/doc/$library/copyright"
 
 [ "$(id -u)" = 0 ] || skip 'a root to install into needs root; the packages themselves were looked at'
-clean=$("$here/root.sh" "$packages"/*.deb) || skip 'no clean root: its packages cannot be had'
+# shellcheck disable=SC2086
+clean=$("$here/root.sh" $main) || skip 'no clean root: its packages cannot be had'
+for package in lanrise "$library" libvorlix-dev; do older_package "$package"; done
 
 cp "$debian/sysroot/usr/share/doc/libvorlix-dev/examples"/* "$debian/examples"
 folder=$(dirname "$debian"/sysroot/usr/lib/*/libvorlix.so)

@@ -65,7 +65,7 @@ relations_of()
 {
     for package in "$@"; do
         dpkg-deb -f "$package" Package Version Section Depends Recommends Suggests |
-            sed 's/libc6 (>= [^)]*)/libc6/'
+            sed 's/libc6\(:[a-z0-9]*\)\{0,1\} (>= [^)]*)/libc6/'
         echo
     done
 }

@@ -11,7 +11,7 @@ recipe=$(echo "$top"/packaging/yocto/meta-vorlix/recipes-*/vorlix/vorlix_*.bb)
 
 is 'version of the recipe' "$(basename "$recipe")" "vorlix_$version.bb"
 is 'version for Buildroot' "$(sed -n 's/^VORLIX_VERSION = //p' "$buildroot/vorlix/vorlix.mk")" "$version"
-is 'version of the changelog' "$(sed -n '1s/^vorlix (\(.*\)) .*/\1/p' "$top/packaging/debian/changelog")" "$version"
+is 'version of the changelog' "$(sed -n '1s/^vorlix (\(.*\)) .*/\1/p' "$top/debian/changelog")" "$version"
 is 'license of the recipe' "$(sed -n 's/^LIC_FILES_CHKSUM.*md5=\([0-9a-f]*\)"$/\1/p' "$recipe")" \
     "$(md5sum "$top/LICENSE" | cut -d ' ' -f 1)"
 

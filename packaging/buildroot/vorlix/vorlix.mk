@@ -4,7 +4,7 @@
 #
 ################################################################################
 
-VORLIX_VERSION = 3.0.0
+VORLIX_VERSION = 3.1.0
 VORLIX_SITE = $(realpath $(BR2_EXTERNAL_VORLIX_PATH)/../..)
 VORLIX_SITE_METHOD = local
 VORLIX_LICENSE = MIT
