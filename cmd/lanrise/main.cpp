@@ -32,6 +32,17 @@ void OutliveTheLog(int signal)
     (void)sigaction(signal, &action, nullptr);
 }
 
+/// Children of a process that ignores their end cannot be waited for, and a tool that cannot be
+/// waited for counts as failed: no bridge would be built. Whoever starts this may ignore it.
+void WaitForTools()
+{
+    struct sigaction action {};
+    if (sigaction(SIGCHLD, nullptr, &action) != 0 || action.sa_handler != SIG_IGN) return;
+
+    action.sa_handler = SIG_DFL;
+    (void)sigaction(SIGCHLD, &action, nullptr);
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -39,5 +50,6 @@ int main(int argc, char** argv)
     FillStandardStreams();
     OutliveTheLog(SIGPIPE);
     OutliveTheLog(SIGXFSZ);
+    WaitForTools();
     return CommonMain(argc, argv) ? 0 : -1;
 }

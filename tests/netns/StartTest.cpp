@@ -205,6 +205,17 @@ TEST_F(StartWithToolsTest, ToolsSeeTheSignalsThatTheProgramWasStartedWith)
     }
 }
 
+TEST_F(StartWithToolsTest, AParentThatIgnoresItsChildrenGetsItsBridgeToo)
+{
+    SwitchOff();
+    EXPECT_EQ(Try("env --ignore-signal=CHLD " VORLIX_LANRISE).status, 0);
+    EXPECT_EQ(Addresses("br0"), Texts{"10.0.9.10/24"});
+    for (const char* card : {"eth1", "eth2"}) {
+        EXPECT_NE(Must(std::string("ip link show dev ") + card).find("master br0"),
+                  std::string::npos);
+    }
+}
+
 TEST_F(StartWithToolsTest, ToolsHaveStandardStreamsThatLeadToNoSetting)
 {
     SwitchOff();
