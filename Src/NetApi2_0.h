@@ -38,7 +38,7 @@
 /// Threads. The functions may be entered from several threads, and beside callers of version 3.
 /// Nothing is kept here between calls. Changes of one bond or bridge, of the limits of bandwidth,
 /// and of the address and gateway of eth0, whose backup memory has no lock, are not atomic; callers
-/// keep them apart.
+/// keep them apart. What the process owes the library stands at the head of Types.h.
 
 #include "Types.h"
 

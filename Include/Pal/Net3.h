@@ -24,7 +24,7 @@
  * traffic limits, of eth0's address and gateway, whose backup memory has no lock, and of one bridge
  * object's count are for the callers to keep apart. What reads or writes settings waits for other
  * threads and processes that have the same file. Some operations run outside tools and wait for
- * them.
+ * them. What the process owes the library meanwhile, and before, stands at the head of Types.h.
  *
  * Texts that end up in a tool's command line are not quoted: the caller vouches for addresses to
  * `setBandWidth`, `unsetBandWidth` and `ipPortCtrl`, for names that begin with "br", and for what

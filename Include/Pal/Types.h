@@ -1,11 +1,70 @@
 /**
- * Types shared by the library and its applications.
+ * Types shared by the library and its applications, and what the library asks of its process.
  *
  * Clean C11 and C++17: nothing of the kernel is included. All records have the same layout in both
  * languages and on every 64-bit little-endian target. Texts end in NUL within their size.
  */
 #ifndef PAL_TYPES_H
 #define PAL_TYPES_H
+
+/**
+ * @page process The process around the library
+ *
+ * The library works on the threads of an application, in its process. What it asks of that process,
+ * and what it does to it:
+ *
+ * @par Standard streams
+ * Descriptors 0, 1 and 2 are open, if only on /dev/null. Where standard output is closed, a setting
+ * file may be opened in its place, and lines of the log stay in it.
+ *
+ * @par Log
+ * Each line goes to standard output at once. A reader that takes nothing is waited for when its
+ * pipe is full, and some lines are logged while a setting file is locked: other threads and the
+ * boot program then wait for that reader too. A line that cannot be written is lost, and no
+ * operation fails for it. The signal of such a write is the application's: with the default action
+ * SIGPIPE ends it when the reader has gone, SIGXFSZ when the log has reached RLIMIT_FSIZE.
+ *
+ * @par Children
+ * Operations on bonds, bridges, limits of bandwidth, blocked ports and remote login run tools
+ * through the shell that PATH finds, and wait for each. Meanwhile SIGCHLD is not ignored, has no
+ * SA_NOCLDWAIT, and no other thread waits for any child, as `wait` does. Otherwise the tools run,
+ * but their end is not seen: Error "waitpid failed", and what needs the tool to have run fails.
+ *
+ * @par Signals
+ * While a tool runs, SIGINT and SIGQUIT are ignored in the whole process, and SIGCHLD is blocked in
+ * the calling thread. Each run puts back what it found: of two threads that run tools at once, the
+ * later may leave both signals ignored for good. Nothing else of an application's signals is
+ * changed. Tools inherit what the application ignores and blocks.
+ *
+ * @par Signal handlers
+ * No operation may be called from a signal handler: all of them take locks or print.
+ *
+ * @par fork
+ * The child of a process with one thread may go on calling. In the child of a process with several,
+ * nothing may be called up to `exec`: a lock may be in the hands of a thread that is not there.
+ *
+ * @par Descriptors
+ * The library keeps some open for the life of the process, all closed by `exec`: sockets, which
+ * belong to the network namespace in which they were first used, and tables of /proc. Where
+ * RLIMIT_NOFILE leaves too few, an operation fails with an Error and leaves what is saved, but for
+ * the name servers: of their two files the first is empty when the second cannot be opened. Several
+ * threads at that limit can lose a file: to a setter one that cannot be read is empty, and a
+ * descriptor that comes free meanwhile lets it be written so.
+ *
+ * @par Sizes of files
+ * Setting files are written anew in their place; a card's never has more than 4096 bytes. Under a
+ * smaller RLIMIT_FSIZE it is cut where the limit is: SIGXFSZ ends the process where it has its
+ * default action, and nobody notices where it is ignored.
+ *
+ * @par Names
+ * The shared library never calls an application's functions, whatever their names, but for the six
+ * CMOS operations of a board. With the static library the linker refuses a second function of a
+ * name.
+ *
+ * @par Threads
+ * No thread is made. Any operation may be called from any thread; which calls are to be kept apart
+ * is told at the head of each interface.
+ */
 
 #include <stdbool.h>
 #include <stddef.h>
