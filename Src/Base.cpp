@@ -28,30 +28,6 @@ namespace vorlix {
 
 pthread_mutex_t upDownLock = PTHREAD_MUTEX_INITIALIZER;
 
-ifreq RequestFor(const char* name)
-{
-    ifreq request{};
-    CopyText(request.ifr_name, name);
-    return request;
-}
-
-ifreq DriverRequestFor(const char* name, void* record)
-{
-    ifreq request = RequestFor(name);
-    request.ifr_data = static_cast<char*>(record);
-    return request;
-}
-
-bool RunCommand(const char* format, ...)
-{
-    char command[256];
-    va_list arguments;
-    va_start(arguments, format);
-    vsnprintf(command, sizeof(command), format, arguments);
-    va_end(arguments);
-    return VorlixRunCmd(command);
-}
-
 namespace {
 
 // ---- texts and limits
@@ -369,6 +345,16 @@ bool ChangeFlags(const char* operation, const char* name, const char* verb, unsi
 
 // ---- shell
 
+/// A command text, cut to what a command may take.
+struct Command {
+    char text[256];
+
+    Command(const char* format, va_list arguments)
+    {
+        vsnprintf(text, sizeof(text), format, arguments);
+    }
+};
+
 /// The signal state that a run changes.
 struct SavedSignals {
     struct sigaction interrupt;
@@ -447,6 +433,39 @@ int StatusOf(pid_t shell)
 }
 
 }  // namespace
+
+ifreq RequestFor(const char* name)
+{
+    ifreq request{};
+    CopyText(request.ifr_name, name);
+    return request;
+}
+
+ifreq DriverRequestFor(const char* name, void* record)
+{
+    ifreq request = RequestFor(name);
+    request.ifr_data = static_cast<char*>(record);
+    return request;
+}
+
+bool RunCommand(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const Command command(format, arguments);
+    va_end(arguments);
+    return VorlixRunCmd(command.text);
+}
+
+bool RunLogged(const char* operation, const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const Command command(format, arguments);
+    va_end(arguments);
+    LOG_INFO_AS(operation, "%s\n", command.text);
+    return VorlixRunCmd(command.text);
+}
 
 bool WirelessTable::FindLine(const char* name, char (&line)[kLineSize])
 {

@@ -218,5 +218,9 @@ ifreq DriverRequestFor(const char* name, void* record);
 /// `VorlixRunCmd` on a command formed here; what lies beyond 255 characters is cut off.
 __attribute__((format(printf, 1, 2))) bool RunCommand(const char* format, ...);
 
+/// The same for a command that is logged as an Info of `operation` before it runs.
+__attribute__((format(printf, 2, 3))) bool RunLogged(const char* operation, const char* format,
+                                                     ...);
+
 }  // namespace vorlix
 #endif

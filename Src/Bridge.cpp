@@ -6,8 +6,6 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
-#include <cstdarg>
-
 #include <sys/stat.h>
 
 namespace vorlix {
@@ -23,18 +21,6 @@ constexpr uint8_t kRapidTree = 1;
 constexpr uint8_t kMultipleTrees = 2;
 
 // ---- commands
-
-/// Logs a command of the building and runs it.
-__attribute__((format(printf, 1, 2))) bool RunLogged(const char* format, ...)
-{
-    char command[kTextSize];
-    va_list arguments;
-    va_start(arguments, format);
-    vsnprintf(command, sizeof(command), format, arguments);
-    va_end(arguments);
-    LOG_INFO_AS("Bridge_Bridge", "%s\n", command);
-    return VorlixRunCmd(command);
-}
 
 /// Gives the bridge the hardware address of a card. Without it the bridge would change its address
 /// with its ports.
@@ -118,14 +104,14 @@ bool Bridge_Bridge(const char* brName, char** ethList, int ethNum)
     const NameList members(ethList, ethNum);
     if (members.HoldsNull()) return false;
 
-    (void)RunLogged("brctl addbr %s", brName);
+    (void)RunLogged(__func__, "brctl addbr %s", brName);
     for (const char* const& member : members) {
-        (void)RunLogged("brctl addif %s %s", brName, member);
+        (void)RunLogged(__func__, "brctl addif %s %s", brName, member);
         if (&member == members.begin()) TakeAddressOf(brName, member);
     }
-    for (const char* member : members) (void)RunLogged("ifconfig %s down", member);
-    for (const char* member : members) (void)RunLogged("ifconfig %s 0.0.0.0 up", member);
-    return RunLogged("ifconfig %s up", brName);
+    for (const char* member : members) (void)RunLogged(__func__, "ifconfig %s down", member);
+    for (const char* member : members) (void)RunLogged(__func__, "ifconfig %s 0.0.0.0 up", member);
+    return RunLogged(__func__, "ifconfig %s up", brName);
 }
 
 bool Bridge_UnBridge(const char* brName, char** ethList, int ethNum)

@@ -342,4 +342,17 @@ TEST_F(RunCommandTest, HandsBackTheRunnersResult)
     EXPECT_FALSE(vorlix::RunCommand("true"));
 }
 
+TEST_F(RunCommandTest, ALoggedCommandIsToldAsItRunsAndBeforeIt)
+{
+    LogLines before;
+    OnCommand("brctl", [&](const std::string&) { before = Log(); });
+    const std::string name(300, 'b');
+    const std::string told = ("brctl addbr " + name).substr(0, 255);
+    EXPECT_TRUE(vorlix::RunLogged("Bridge_Bridge", "brctl addbr %s", name.c_str()));
+    EXPECT_EQ(before, (LogLines{Info("Bridge_Bridge", told + "\n")}));
+    EXPECT_EQ(Commands(), (Texts{told}));
+    Fail("vfork", EAGAIN);
+    EXPECT_FALSE(vorlix::RunLogged("Bridge_Bridge", "true"));
+}
+
 }  // namespace
