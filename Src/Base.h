@@ -43,10 +43,13 @@ VORLIX_API char* FindWordInLine(char* line, const char* word, const char ts);
 VORLIX_API bool NetIOCtrl(int cmd, void* ifr);
 
 /// The same on the shared IPv6 control socket, whose records do not begin with a name: the Error of
-/// a refusal tells the request alone.
+/// a refusal tells only the request.
 VORLIX_API bool NetIOCtrlv6(int cmd, void* ifr);
 
-/// True when the kernel has an IPv4 address for the interface. Uses a socket of its own; silent.
+/// True when the kernel has an IPv4 address for the interface. Uses a socket of its own.
+/// @errors NULL, an interface without address or unknown: silent; no socket: a plain line on
+/// standard
+///         error, outside the log
 VORLIX_API bool InterfaceIpIsExist(const char* name);
 
 /// True for the virtual PCIe card. The driver is asked once; the answer for the first "vnic" name
@@ -66,7 +69,8 @@ VORLIX_API int32_t isSwitchByName(const char* name);
 /// @param names   32 entries of 16 bytes, all cleared first, whatever `*maxNum` says
 /// @param maxNum  number wanted on entry, number listed on return
 /// @return false when there is none, with `*maxNum` as it was
-/// @errors NULL, a `*maxNum` of 0, no /proc/net/dev: Error; no such interface: silent
+/// @errors NULL, a `*maxNum` of 0, a /proc/net/dev that cannot be opened, or not be read before the
+///         list is full: Error; no such interface, a negative `*maxNum`: silent
 VORLIX_API bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum);
 
 /// `GetSpecifiedInterfaceInfo` for "br", the bridges.
@@ -83,7 +87,11 @@ VORLIX_API bool GetVnicInterfaceInfo(char (*names)[16], int* maxNum);
 /// @param interfaceInfo  `*maxNum` records, zeroed by the caller: what a line does not tell stays;
 ///                       `transmittedTxqueuelens` and `interfaceSpeed` are set to 0
 /// @param maxNum         capacity on entry; number listed on return, unchanged when there are more
-/// @errors NULL in `maxNum`, a `*maxNum` of 0, no /proc/net/dev: Error; no records: silent
+/// @return true also for an empty list; false after an error, with `*maxNum` as it was and the
+///         records of the lines before it filled
+/// @errors NULL in `maxNum`, a `*maxNum` of 0, a /proc/net/dev that cannot be opened, or not be
+/// read
+///         before the list is full: Error; no records: silent
 VORLIX_API bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum);
 
 /// Lists the interfaces that pass the filter. A card that is a switch interface as well is followed
@@ -91,8 +99,13 @@ VORLIX_API bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int*
 ///
 /// @param names   32 entries of 16 bytes, all cleared first; the ":poe" entry of the last card
 ///                wanted stands behind the `*maxNum` entries asked for
-/// @param maxNum  capacity on entry; number listed on return, unchanged when there are more
-/// @errors NULL, a `*maxNum` of 0, no /proc/net/dev: Error
+/// @param maxNum  capacity on entry, of which at most 32 count; number listed on return
+/// @return true also for an empty list; false after an error, with `*maxNum` as it was and the
+/// names
+///         before it listed
+/// @errors NULL, a `*maxNum` of 0, a /proc/net/dev that cannot be opened, or not be read before the
+///         list is full: Error. A driver that does not answer counts as no switch, with an Error of
+///         `NetIOCtrl` for each card.
 VORLIX_API bool GetAllInterfaceInfo(char (*names)[16], int* maxNum);
 
 /// Names the switch interface. The first answer is kept for the life of the process.
@@ -133,14 +146,21 @@ VORLIX_API bool InterfaceUp(const char* name);
 /// Sets the administrative state of an interface down, and no other flag. As `InterfaceUp`.
 VORLIX_API bool InterfaceDown(const char* name);
 
-/// Runs a command text through the shell and waits for it. SIGINT and SIGQUIT are ignored and
-/// SIGCHLD is blocked meanwhile.
+/// Runs a command text through the shell and waits for it, as long as it takes.
+///
+/// Meanwhile SIGINT and SIGQUIT are ignored in the whole process, and SIGCHLD is blocked in the
+/// calling thread; the command itself starts with the caller's signals. The shell is a child of the
+/// process: where SIGCHLD is ignored, or another thread reaps every child there is, the command
+/// runs and the result is false all the same.
 ///
 /// @param command  handed to `sh -c` as it stands: the caller vouches for every text in it
 /// @return true when a shell was started and reaped, whatever the command's own exit status
-/// @errors NULL, a failed signal step, no child, no wait: Error. A failed first step leaves the
-///         signals as the steps before it have set them
-/// @threads signal dispositions are the process's: two runs at once see each other's changes
+/// @errors NULL: Error, and nothing is changed. A signal that cannot be ignored or blocked: Error,
+///         the command is not run, and the signals that were changed before stay so. No child, or
+///         one that cannot be waited for: Error, and the signals are restored. A signal that cannot
+///         be restored: Error, and those behind it stay changed.
+/// @threads signal dispositions are the process's: two runs at once see each other's changes, and
+///          the one that ends last may leave SIGINT and SIGQUIT ignored
 VORLIX_API bool VorlixRunCmd(const char* command);
 
 // Not exported.
@@ -194,7 +214,7 @@ private:
 /// since a refusal is logged. No name may be NULL.
 class CardWalk {
 public:
-    /// `NetCardIsWifi` for the kind alone.
+    /// `NetCardIsWifi` when only the kind is asked.
     bool IsWifi(const char* name);
 
     /// `isSwitchByName`.

@@ -5,7 +5,7 @@
 /// step by the layers above.
 ///
 /// A NULL name, text or output gives false in silence. A name takes part with at most 15
-/// characters. Outputs are written on success alone, unless an operation says otherwise.
+/// characters. Outputs are written only on success, unless an operation says otherwise.
 
 #include "Types.h"
 
@@ -72,13 +72,17 @@ VORLIX_API bool Net_GetMtubyName(const char* name, int* mtu);
 /// @source the driver's private ioctl 0x89F2
 VORLIX_API bool Net_SetMediumPrefer(const char* name, NetMediumPrefer medium);
 
-/// Reads the speed in Mbit/s as the driver reports it, 0 to 65535.
-/// @return false for a wireless card, in silence
+/// Reads the speed in Mbit/s as the driver reports it in 16 bits: a card that knows no speed, as
+/// one without a link, reads as 65535, and of a speed above that the low 16 bits are left (34464
+/// for 100 Gbit/s).
+/// @return false for a wireless card, in silence, and for a driver that does not answer
 /// @source ioctl SIOCETHTOOL, ETHTOOL_GSET
 VORLIX_API bool Net_GetLinkSpeed(const char* name, int* speed);
 
-/// Reads the counters of an interface, and its speed, which is 0 when the driver tells none.
-/// @return false for an interface that is not among the device's cards, such as `lo`
+/// Reads the counters of an interface, and its speed as `Net_GetLinkSpeed` tells it: 0 for a
+/// wireless card and where the driver does not answer, 65535 where it knows none.
+/// @return false for an interface that is not among the first 32 of the device's cards, such as
+/// `lo`
 /// @source /proc/net/dev; `Net_GetLinkSpeed`
 VORLIX_API bool Net_GetDataStat(const char* name, NetDataStat* dataStat);
 
@@ -89,7 +93,8 @@ VORLIX_API bool Net_MiiDiag(const char* name);
 
 /// Fills the driver's record of link modes.
 ///
-/// @param cmd  its `cmd` is set here; what the driver does not fill stays the caller's
+/// @param cmd  its `cmd` is set here, also when the driver refuses; what the driver does not fill
+///             stays the caller's
 /// @return false for an empty name, in silence
 /// @source ioctl SIOCETHTOOL, ETHTOOL_GSET
 VORLIX_API bool Net_GetEthtoolInfo(const char* name, struct ethtool_cmd* cmd);

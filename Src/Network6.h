@@ -4,7 +4,7 @@
 /// has one address of interest, the first one listed with the wanted scope.
 ///
 /// A NULL name, text or output gives false in silence, unless an operation says what it stands for.
-/// Outputs are written on success alone. A text that does not fit its buffer is never written
+/// Outputs are written only on success. A text that does not fit its buffer is never written
 /// beyond it, and a buffer of less than one byte gives false.
 
 #include "Types.h"
@@ -33,7 +33,7 @@ VORLIX_API bool Net6_GetAddressInfo(const char* name, char* addr, int ipLen, cha
                                     int perFixLen, int addrType);
 
 /// The same for the address that the interface is reached at: a global one, or else an
-/// IPv4-compatible one. A link-local address alone counts as none.
+/// IPv4-compatible one. A card with link-local addresses only counts as one without.
 VORLIX_API bool Net6_GetIPv6byName(const char* name, char* addr, int ipLen, char* perfix,
                                    int perFixLen);
 
@@ -50,13 +50,15 @@ VORLIX_API bool Net6_SetIPv6byName(const char* name, const char* addr, const cha
 /// without regard to case: another spelling of an address is another address.
 VORLIX_API bool Net6_IsIPAddressIpv6Exist(const char* name, const char* addr, const char* prefix);
 
-/// Removes an address from an interface.
+/// Removes an address from an interface that has one of interest (`Net6_GetIPv6byName`). Where it
+/// has none, as with link-local addresses only, nothing is removed: a link-local address that is
+/// asked for stays, and the result is true.
 ///
 /// @param addr    NULL: the present address with its own prefix length
 /// @param prefix  used only when `addr` is not the present address, at most 7 characters of it;
 ///                NULL: the present one
-/// @return true when the address is gone, or the interface had none
-/// @errors no address: Info; an address that is not the present one: Warn; the rest: Error
+/// @return true when the kernel removed the address, or the interface had none of interest
+/// @errors none of interest: Info; an address that is not the present one: Warn; the rest: Error
 /// @source ioctl SIOCDIFADDR
 VORLIX_API bool Net6_DelIPAddressIpv6(const char* name, const char* addr, const char* prefix);
 

@@ -9,8 +9,13 @@
 /// There is no level filter and no log file. The line carries the name of the documented operation;
 /// bodies that twins share get that name handed in and use the _AS forms.
 ///
-/// The message is formed before the clock is read, and `errno` is the same afterwards as before, so
-/// `strerror(errno)` may stand in the arguments and the next line may read `errno` again.
+/// The arguments are formed before the clock is read, and `errno` is the same afterwards as before,
+/// so `strerror(errno)` may stand in the arguments and the next line may read `errno` again.
+///
+/// A line waits for standard output: while a pipe or terminal is full and its reader sleeps, the
+/// operation that logs waits, with every other thread that logs or prints and with every lock that
+/// it holds. Where standard output takes nothing (a full disk, a closed descriptor, a full pipe
+/// that does not block), the line is lost, or a part of it, and the operation goes on.
 
 namespace vorlix {
 
