@@ -3,7 +3,9 @@
 #include "Base.h"
 #include "fake/World.h"
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -194,6 +196,35 @@ TEST_F(LogTest, AnOutputThatTakesNothingStopsNobody)
     clearerr(stdout);
     LOG_INFO_AS("Operation", "seen");
     EXPECT_EQ(Log(), (LogLines{Info("Operation", "seen")}));
+}
+
+TEST_F(LogTest, ALineWaitsForAReaderThatSleeps)
+{
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int caught = dup(STDOUT_FILENO);
+    dup2(ends[1], STDOUT_FILENO);
+    fcntl(ends[1], F_SETFL, O_NONBLOCK);
+    const std::string filling(4096, 'x');
+    while (write(ends[1], filling.data(), filling.size()) > 0) continue;
+    fcntl(ends[1], F_SETFL, 0);
+
+    std::atomic<bool> isOut{false};
+    std::thread logger([&] {
+        LOG_INFO_AS("Operation", "late");
+        isOut = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_FALSE(isOut);
+    std::string read;
+    while (read.find("late") == std::string::npos) {  // the reader wakes up
+        char piece[4096];
+        const ssize_t size = ::read(ends[0], piece, sizeof(piece));
+        ASSERT_GT(size, 0);
+        read.append(piece, static_cast<size_t>(size));
+    }
+    logger.join();
+    dup2(caught, STDOUT_FILENO);
 }
 
 TEST_F(LogTest, LinesOfThreadsNeverMix)
