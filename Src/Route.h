@@ -1,7 +1,7 @@
 #pragma once
 
-/// The kernel's main route tables: reading them from /proc and adding or deleting single routes by
-/// the route ioctls. Addresses are taken as text; no route is remembered here.
+/// The kernel's route tables: reading them from /proc, and adding or deleting single routes of the
+/// main table by the route ioctls. Addresses are taken as text; no route is remembered here.
 ///
 /// The control sockets and the tables are opened by the first call that needs them and stay open
 /// for the life of the process. A failed open is tried again by the next call.
@@ -30,21 +30,29 @@ typedef struct IPv6Route {
     char viaDev[16];  ///< card
 } IPv6Route;
 
-/// Reads the IPv4 table in the kernel's order. Listed are the rows whose card begins with a
-/// lower-case letter, the loopback card's among them.
+/// Reads the IPv4 rows of the main table in the kernel's order. Listed are the rows whose card
+/// begins with a lower-case letter, the loopback card's among them.
 ///
 /// @param routes  `*num` rows, zeroed by the caller: a short line sets only what it holds
 /// @param num     capacity on entry (0 and below store none), number of rows on return
-/// @return false for NULL, or when the table cannot be opened, with `*num` as it was
+/// @return false for NULL, or when the table cannot be opened, with `*num` as it was; a table that
+///         cannot be read on counts as ended there
+/// @errors  NULL: silent; a table that cannot be opened: Error
 /// @source  /proc/net/route
 /// @threads any; readers take turns
 VORLIX_API bool Route_GetIPv4Route(IPv4Route* routes, int* num);
 
-/// Reads the IPv6 table in the kernel's order. Rows of the kernel's route cache are left out, and
-/// so is every card whose name contains "lo".
+/// Reads the IPv6 rows of all tables in the kernel's order; no row tells its table. Kernels from
+/// 4.14 or so on also list, under the card's own name, what they keep for its addresses (local and
+/// anycast rows, prefix length 128) and groups (ff00::/8). `Route_DelIPv6Route` deletes in the main
+/// table only, so none of these can be deleted.
+///
+/// Rows of the kernel's route cache are left out, and so is every card whose name contains "lo".
 ///
 /// @param routes  `*num` rows
 /// @param num     as above
+/// @return as above
+/// @errors  as above
 /// @source  /proc/net/ipv6_route
 /// @threads any; readers take turns
 VORLIX_API bool Route_GetIPv6Route(IPv6Route* routes, int* num);
@@ -60,24 +68,29 @@ VORLIX_API bool Route_GetIPv6Route(IPv6Route* routes, int* num);
 VORLIX_API bool Route_AddIPv4Route(const char* dst, const char* gw, const char* mask,
                                    const char* viaDev);
 
-/// Deletes one IPv4 route from the kernel's main table; arguments and result as above.
+/// Deletes one IPv4 route from the kernel's main table; arguments, result and errors as above. A
+/// route that is not there is refused.
 VORLIX_API bool Route_DelIPv4Route(const char* dst, const char* gw, const char* mask,
                                    const char* viaDev);
 
-/// Adds one IPv6 route to the kernel's main table.
+/// Adds one IPv6 route to the kernel's main table; result and errors as above.
 ///
-/// @param gw    gateway; exactly "::" for a direct route
-/// @param mask  prefix length as decimal text; a text without a number is 0
+/// @param gw      gateway; exactly "::" for a direct route
+/// @param mask    prefix length as decimal text, 0 to 128; a text without a number is 0
+/// @param viaDev  card; an unknown one is refused by the kernel
 VORLIX_API bool Route_AddIPv6Route(const char* dst, const char* gw, const char* mask,
                                    const char* viaDev);
 
-/// Deletes one IPv6 route from the kernel's main table; arguments and result as above.
+/// Deletes one IPv6 route from the kernel's main table; arguments, result and errors as above.
 VORLIX_API bool Route_DelIPv6Route(const char* dst, const char* gw, const char* mask,
                                    const char* viaDev);
 
 /// True when the first 16 rows of the IPv4 table hold this very route. `dst` is masked first, so an
 /// address inside a listed net finds its net.
-/// @errors a text that does not parse: Error; no table: Warn
+///
+/// @param dst     address of the destination, strict dotted text, as `gw` and `mask`
+/// @param viaDev  card, compared over 16 characters
+/// @errors NULL: silent; a text that does not parse: Error; no table: Warn; found: Info
 VORLIX_API bool Route_IsExistInSys(const char* dst, const char* gw, const char* mask,
                                    const char* viaDev);
 
@@ -102,8 +115,9 @@ VORLIX_API bool Route_FillRtentry(const char* dst, const char* gw, const char* m
 VORLIX_API bool Route_FillIn6_rtmsg(const char* dst, const char* gw, const int perfix,
                                     const char* viaDev, struct in6_rtmsg* rt);
 
-/// Performs SIOCADDRT or SIOCDELRT on the IPv4 control socket; any other request is refused in
-/// silence.
+/// Performs SIOCADDRT or SIOCDELRT on the IPv4 control socket.
+/// @return true when the kernel has done it
+/// @errors any other request, NULL: silent; no socket, a refusal: Error
 VORLIX_API bool Route_SetIPv4Route(int cmd, struct rtentry* rt);
 
 /// The same on the IPv6 control socket.
