@@ -50,20 +50,43 @@ constexpr size_t BytesFor(int rows)
 static_assert(BytesFor(1) == 2 * kIPv4RowSize && BytesFor(INT_MAX) == kPageSize,
               "no count of rows leaves a size_t, also where that has 32 bits");
 
-/// Lines of cards begin with a lower-case letter.
-bool IsCardLine(const char* line)
+/// Opens a table for its reader, who holds the lock: it is given back before a failure is told.
+bool OpenForReader(const char* operation, KeptTable* table, MutexGuard* guard)
 {
-    return islower(static_cast<unsigned char>(line[0])) != 0;
+    if (OpenTable(table)) return true;
+
+    guard->Release();
+    LOG_ERROR_AS(operation, "Can not open %s", table->path);
+    return false;
 }
+
+/// @param scan  stores a line as a row; false for a line that does not count
+/// @return number of rows stored
+template <class Row>
+int ReadRows(LineReader* reader, bool (*scan)(const char* line, Row* row), Row* rows, int capacity)
+{
+    char line[kLineSize];
+    int count = 0;
+    while (count < capacity && reader->Next(line)) {
+        if (scan(line, &rows[count])) ++count;
+    }
+    return count;
+}
+
+// What counts differs on purpose: IPv4 lines are told by their first character, IPv6 lines by "lo"
+// and the cache flag.
 
 /// Iface Destination Gateway Flags RefCnt Use Metric Mask MTU Window IRTT. A short line sets what
 /// it holds.
-void ScanIPv4Line(const char* line, IPv4Route* row)
+bool ScanIPv4Line(const char* line, IPv4Route* row)
 {
+    if (islower(static_cast<unsigned char>(line[0])) == 0) return false;
+
     uint32_t unused = 0;
     (void)sscanf(line, "%15s %8x %8x %8x %8x %8x %8x %8x %8x %8x %8x", row->viaDev, &row->dst,
                  &row->gw, &unused, &unused, &unused, &unused, &row->mask, &unused, &unused,
                  &unused);
+    return true;
 }
 
 /// The words of an address are printed as numbers, most significant digit first.
@@ -74,18 +97,24 @@ void ToNetworkOrder(uint32_t (&words)[4])
 
 /// Destination, its prefix, source, its prefix, next hop, metric, two counts, flags, card. A short
 /// line leaves the rest zero.
-IPv6Route ScanIPv6Line(const char* line, uint32_t* flags)
+bool ScanIPv6Line(const char* line, IPv6Route* row)
 {
-    IPv6Route row{};
+    if (Contains(line, "lo")) return false;  // everything but the card is hexadecimal
+
+    IPv6Route scanned{};
+    uint32_t flags = 0;
     char unused[kUnusedSize];
-    *flags = 0;
-    (void)sscanf(
-        line, "%08x%08x%08x%08x %8x %127s %127s %08x%08x%08x%08x %127s %127s %127s %08x %15s",
-        &row.dst[0], &row.dst[1], &row.dst[2], &row.dst[3], &row.perfix, unused, unused, &row.gw[0],
-        &row.gw[1], &row.gw[2], &row.gw[3], unused, unused, unused, flags, row.viaDev);
-    ToNetworkOrder(row.dst);
-    ToNetworkOrder(row.gw);
-    return row;
+    (void)sscanf(line,
+                 "%08x%08x%08x%08x %8x %127s %127s %08x%08x%08x%08x %127s %127s %127s %08x %15s",
+                 &scanned.dst[0], &scanned.dst[1], &scanned.dst[2], &scanned.dst[3],
+                 &scanned.perfix, unused, unused, &scanned.gw[0], &scanned.gw[1], &scanned.gw[2],
+                 &scanned.gw[3], unused, unused, unused, &flags, scanned.viaDev);
+    if ((flags & RTF_CACHE) != 0) return false;
+
+    ToNetworkOrder(scanned.dst);
+    ToNetworkOrder(scanned.gw);
+    *row = scanned;
+    return true;
 }
 
 // ---- records
@@ -141,36 +170,55 @@ bool Perform(const char* operation, std::atomic<int>& shared, int family, int cm
     return false;
 }
 
-/// Tells which step of a change has failed. Always false.
-bool Failed(const char* operation, const char* step, const char* dst, const char* gw,
-            const char* mask, const char* viaDev)
+// ---- changes
+
+/// A route as its caller gives it. All four are needed.
+struct RouteTexts {
+    const char* dst;
+    const char* gw;
+    const char* mask;
+    const char* viaDev;
+
+    bool HoldsNull() const
+    {
+        return dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr;
+    }
+};
+
+/// Tells which step of a change has failed.
+void TellFailure(const char* operation, const char* step, const RouteTexts& route)
 {
-    LOG_ERROR_AS(operation, "%s error.dst:%s gw:%s mask:%s dev:%s", step, dst, gw, mask, viaDev);
+    LOG_ERROR_AS(operation, "%s error.dst:%s gw:%s mask:%s dev:%s", step, route.dst, route.gw,
+                 route.mask, route.viaDev);
+}
+
+bool ChangeIPv4(const char* operation, int cmd, const RouteTexts& route)
+{
+    rtentry record;
+    if (!Route_FillRtentry(route.dst, route.gw, route.mask, route.viaDev, &record)) {
+        TellFailure(operation, "Route_FillRtentry", route);
+        return false;
+    }
+    if (Route_SetIPv4Route(cmd, &record)) return true;
+
+    TellFailure(operation, "Route_SetIPv4Route", route);
     return false;
 }
 
-bool ChangeIPv4(const char* operation, int cmd, const char* dst, const char* gw, const char* mask,
-                const char* viaDev)
-{
-    rtentry record;
-    if (!Route_FillRtentry(dst, gw, mask, viaDev, &record)) {
-        return Failed(operation, "Route_FillRtentry", dst, gw, mask, viaDev);
-    }
-    return Route_SetIPv4Route(cmd, &record) ||
-           Failed(operation, "Route_SetIPv4Route", dst, gw, mask, viaDev);
-}
-
 /// @param refused  the word for a refusal; an addition has the one of IPv4
-bool ChangeIPv6(const char* operation, int cmd, const char* refused, const char* dst,
-                const char* gw, const char* mask, const char* viaDev)
+bool ChangeIPv6(const char* operation, int cmd, const char* refused, const RouteTexts& route)
 {
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+    if (route.HoldsNull()) return false;
 
     in6_rtmsg record;
-    if (!Route_FillIn6_rtmsg(dst, gw, atoi(mask), viaDev, &record)) {
-        return Failed(operation, "Route_FillRtentry", dst, gw, mask, viaDev);
+    if (!Route_FillIn6_rtmsg(route.dst, route.gw, atoi(route.mask), route.viaDev, &record)) {
+        TellFailure(operation, "Route_FillRtentry", route);
+        return false;
     }
-    return Route_SetIPv6Route(cmd, &record) || Failed(operation, refused, dst, gw, mask, viaDev);
+    if (Route_SetIPv6Route(cmd, &record)) return true;
+
+    TellFailure(operation, refused, route);
+    return false;
 }
 
 }  // namespace
@@ -179,9 +227,6 @@ bool ChangeIPv6(const char* operation, int cmd, const char* refused, const char*
 
 using namespace vorlix;
 
-// The two readers differ on purpose: IPv4 has a header line and is filtered by the first character,
-// IPv6 has none and is filtered by "lo" and the cache flag.
-
 bool Route_GetIPv4Route(IPv4Route* routes, int* num)
 {
     static KeptTable table{kIPv4Table};
@@ -189,21 +234,12 @@ bool Route_GetIPv4Route(IPv4Route* routes, int* num)
     if (routes == nullptr || num == nullptr) return false;
 
     MutexGuard guard(table.routeLock);
-    if (!OpenTable(&table)) {
-        guard.Release();
-        LOG_ERROR("Can not open %s", kIPv4Table);
-        return false;
-    }
-    LineReader reader(table.fd, BytesFor(*num));
-    char line[kLineSize];
-    (void)reader.Next(line);  // titles of the columns
-    int count = 0;
-    while (count < *num && reader.Next(line)) {
-        if (!IsCardLine(line)) continue;
+    if (!OpenForReader(__func__, &table, &guard)) return false;
 
-        ScanIPv4Line(line, &routes[count]);
-        ++count;
-    }
+    LineReader reader(table.fd, BytesFor(*num));
+    char titles[kLineSize];  // of the columns
+    (void)reader.Next(titles);
+    const int count = ReadRows(&reader, ScanIPv4Line, routes, *num);
     guard.Release();
     *num = count;
     return true;
@@ -216,24 +252,10 @@ bool Route_GetIPv6Route(IPv6Route* routes, int* num)
     if (routes == nullptr || num == nullptr) return false;
 
     MutexGuard guard(table.routeLock);
-    if (!OpenTable(&table)) {
-        guard.Release();
-        LOG_ERROR("Can not open %s", kIPv6Table);
-        return false;
-    }
+    if (!OpenForReader(__func__, &table, &guard)) return false;
+
     LineReader reader(table.fd);
-    char line[kLineSize];
-    int count = 0;
-    while (count < *num && reader.Next(line)) {
-        if (Contains(line, "lo")) continue;  // everything else in a line is hexadecimal
-
-        uint32_t flags = 0;
-        const IPv6Route row = ScanIPv6Line(line, &flags);
-        if ((flags & RTF_CACHE) != 0) continue;
-
-        routes[count] = row;
-        ++count;
-    }
+    const int count = ReadRows(&reader, ScanIPv6Line, routes, *num);
     guard.Release();
     *num = count;
     return true;
@@ -241,33 +263,35 @@ bool Route_GetIPv6Route(IPv6Route* routes, int* num)
 
 bool Route_AddIPv4Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+    const RouteTexts route{dst, gw, mask, viaDev};
+    if (route.HoldsNull()) return false;
 
     LOG_INFO("%s,%s,%s,%s##########Route_AddIPv4Route###########", dst, gw, mask, viaDev);
-    return ChangeIPv4(__func__, SIOCADDRT, dst, gw, mask, viaDev);
+    return ChangeIPv4(__func__, SIOCADDRT, route);
 }
 
 bool Route_DelIPv4Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+    const RouteTexts route{dst, gw, mask, viaDev};
+    if (route.HoldsNull()) return false;
 
     LOG_INFO("%s,%s,%s,%s###########Route_DelIPv4Route##########", dst, gw, mask, viaDev);
-    return ChangeIPv4(__func__, SIOCDELRT, dst, gw, mask, viaDev);
+    return ChangeIPv4(__func__, SIOCDELRT, route);
 }
 
 bool Route_AddIPv6Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    return ChangeIPv6(__func__, SIOCADDRT, "Route_SetIPv4Route", dst, gw, mask, viaDev);
+    return ChangeIPv6(__func__, SIOCADDRT, "Route_SetIPv4Route", {dst, gw, mask, viaDev});
 }
 
 bool Route_DelIPv6Route(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    return ChangeIPv6(__func__, SIOCDELRT, "Route_SetIPv6Route", dst, gw, mask, viaDev);
+    return ChangeIPv6(__func__, SIOCDELRT, "Route_SetIPv6Route", {dst, gw, mask, viaDev});
 }
 
 bool Route_IsExistInSys(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+    if (RouteTexts{dst, gw, mask, viaDev}.HoldsNull()) return false;
 
     IPv4Route wanted{};
     if (!ParseIPv4(dst, &wanted.dst) || !ParseIPv4(gw, &wanted.gw) ||
@@ -313,9 +337,8 @@ bool Route_FillRtentry(const char* dst, const char* gw, const char* mask, const 
     // no helper of the dynamic loader is needed to find it.
     [[gnu::tls_model("initial-exec")]] static thread_local char dev[IFNAMSIZ];
 
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr || rt == nullptr) {
-        return false;
-    }
+    if (rt == nullptr || RouteTexts{dst, gw, mask, viaDev}.HoldsNull()) return false;
+
     *rt = {};
     rt->rt_flags = RTF_UP;
     if (!StoreIPv4("addr", dst, &rt->rt_dst)) return false;
