@@ -6,6 +6,10 @@
 #include "Support/Text.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #include <linux/fib_rules.h>
@@ -14,6 +18,7 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace vorlix {
 
@@ -79,11 +84,10 @@ sockaddr* Address(sockaddr_nl* address)
 
 // ---- one exchange
 
-/// Closes a handle that has got its socket but no address. Its field keeps the number. Always -1.
-int CloseUnbound(const rtnl_handle& handle)
+/// Closes a handle whose socket could not be given its address. The field keeps the number.
+void CloseUnaddressed(const rtnl_handle& handle)
 {
     Fd(handle.fd).Close();
-    return -1;
 }
 
 bool Send(const rtnl_handle& handle, nlmsghdr* request, uint32_t peer, uint32_t groups)
@@ -244,7 +248,7 @@ private:
 };
 
 /// Sends a request and tells of a refusal in the words that links and rules share.
-bool Carried(const char* operation, Handle* handle, nlmsghdr* request)
+bool CarryOut(const char* operation, Handle* handle, nlmsghdr* request)
 {
     if (handle->Talk(request)) return true;
 
@@ -252,7 +256,13 @@ bool Carried(const char* operation, Handle* handle, nlmsghdr* request)
     return false;
 }
 
-// ---- attributes
+// ---- what all requests share
+
+/// For the log.
+const char* Verb(bool adds)
+{
+    return adds ? "add" : "del";
+}
 
 uint16_t Low16(uint32_t value)
 {
@@ -277,12 +287,7 @@ bool AddAddress(RouteRequest* request, int32_t type, const char* text)
 
 // ---- links
 
-const char* Verb(int32_t cmd, int32_t adds)
-{
-    return cmd == adds ? "add" : "del";
-}
-
-bool HasNames(const char* operation, const char* host, const char* virt)
+bool RequireNames(const char* operation, const char* host, const char* virt)
 {
     if (host != nullptr && virt != nullptr) return true;
 
@@ -324,7 +329,7 @@ int FinishLink(const char* operation, LinkRequest* request, const Nests& nests)
     (void)addattr_nest_end(&request->header, nests.data);
     (void)addattr_nest_end(&request->header, nests.info);
     Handle handle;
-    return Carried(operation, &handle, &request->header) ? 0 : kLinkRefused;
+    return CarryOut(operation, &handle, &request->header) ? 0 : kLinkRefused;
 }
 
 bool IsSource(uint32_t mode)
@@ -408,12 +413,14 @@ int rtnl_open(struct rtnl_handle* rth)
     rth->local.nl_family = AF_NETLINK;
     if (rth->fd != 0 && bind(rth->fd, Address(&rth->local), sizeof(rth->local)) < 0) {
         LOG_ERROR("bind failed");
-        return CloseUnbound(*rth);
+        CloseUnaddressed(*rth);
+        return -1;
     }
     socklen_t length = sizeof(rth->local);
     if (rth->fd > 0 && getsockname(rth->fd, Address(&rth->local), &length) < 0) {
         LOG_ERROR("getsockname failed [%s]", strerror(errno));
-        return CloseUnbound(*rth);
+        CloseUnaddressed(*rth);
+        return -1;
     }
     rth->seq = static_cast<uint32_t>(time(nullptr));
     return 0;
@@ -522,10 +529,10 @@ int xll_name_to_index(const char* name)
 
 int Netlink_Ipv4Link_IpVlan(int32_t cmd, char* host, char* virt, uint32_t mode, uint32_t flag)
 {
-    if (!HasNames(__func__, host, virt)) return kBadArguments;
+    if (!RequireNames(__func__, host, virt)) return kBadArguments;
 
-    LOG_INFO("iplink %s ipvlan [%s : %s] mode %u flag %u", Verb(cmd, RTM_NEWLINK), host, virt, mode,
-             flag);
+    LOG_INFO("iplink %s ipvlan [%s : %s] mode %u flag %u", Verb(cmd == RTM_NEWLINK), host, virt,
+             mode, flag);
     LinkRequest request{};
     const Nests nests = BeginLink(&request, cmd, host, virt, kIpVlan);
     (void)addattr16(&request.header, kLinkSize, IFLA_IPVLAN_MODE, Low16(mode));
@@ -536,9 +543,9 @@ int Netlink_Ipv4Link_IpVlan(int32_t cmd, char* host, char* virt, uint32_t mode, 
 int Netlink_Ipv4Link_MacVlan(int32_t cmd, char* host, char* virt, uint32_t mode, uint32_t flag,
                              uint32_t addrMode, char* addr)
 {
-    if (!HasNames(__func__, host, virt)) return kBadArguments;
+    if (!RequireNames(__func__, host, virt)) return kBadArguments;
 
-    LOG_INFO("iplink %s macvlan [%s : %s] mode %u flag %u addrmode %u", Verb(cmd, RTM_NEWLINK),
+    LOG_INFO("iplink %s macvlan [%s : %s] mode %u flag %u addrmode %u", Verb(cmd == RTM_NEWLINK),
              host, virt, mode, flag, addrMode);
     if (IsSource(mode) && !HoldsMac(addr)) {
         LOG_ERROR("macvlan invalid mac address !!!");
@@ -554,9 +561,8 @@ int Netlink_Ipv4Link_MacVlan(int32_t cmd, char* host, char* virt, uint32_t mode,
 
 int Netlink_IPv4Rule(int32_t cmd, const char* from, uint32_t table, uint32_t prefer)
 {
-    LOG_INFO("iprule %s from %s table %d", Verb(cmd, RTM_NEWRULE), Shown(from),
-             static_cast<int>(table));
     const bool adds = cmd == RTM_NEWRULE;
+    LOG_INFO("iprule %s from %s table %d", Verb(adds), Shown(from), static_cast<int>(table));
     RouteRequest request{};
     BeginRoute(&request, cmd, adds ? NLM_F_REQUEST | NLM_F_EXCL | NLM_F_CREATE : NLM_F_REQUEST);
     request.family.rtm_protocol = RTPROT_BOOT;
@@ -573,7 +579,7 @@ int Netlink_IPv4Rule(int32_t cmd, const char* from, uint32_t table, uint32_t pre
     if (prefer != 0) (void)addattr32(&request.header, kRouteSize, FRA_PRIORITY, prefer);
 
     Handle handle;
-    if (!Carried(__func__, &handle, &request.header)) return kRuleRefused;
+    if (!CarryOut(__func__, &handle, &request.header)) return kRuleRefused;
 
     Route_Flush_Cache();
     return 0;
@@ -583,7 +589,7 @@ int Netlink_IPv4Route(int32_t cmd, int32_t table, int32_t bitlen, const char* ro
                       const char* src, const char* via, const char* dev, uint32_t metric)
 {
     const bool adds = cmd != RTM_DELROUTE;
-    LOG_INFO("iproute %s %s %s %s dev %s table %d", adds ? "add" : "del", Shown(route), Shown(src),
+    LOG_INFO("iproute %s %s %s %s dev %s table %d", Verb(adds), Shown(route), Shown(src),
              Shown(via), Shown(dev), table);
     RouteRequest request{};
     BeginRoute(&request, cmd, adds ? NLM_F_REQUEST | NLM_F_REPLACE | NLM_F_CREATE : NLM_F_REQUEST);

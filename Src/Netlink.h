@@ -4,6 +4,10 @@
 /// acknowledgement, and the requests of the library over it (virtual links, policy rules, routes in
 /// any table). A handle is opened for each request and does not outlive it; nothing is shared
 /// between calls, so threads need no lock.
+///
+/// An exchange waits for the kernel's answer without a time limit. Links, rules and routes live in
+/// the kernel only: nothing is saved, and none of it comes back after a restart. Changes need the
+/// right to administer the network (CAP_NET_ADMIN).
 
 #include "Types.h"
 
@@ -25,7 +29,12 @@ typedef struct rtnl_handle {
     uint32_t dump;             ///< zero
 } rtnl_handle;
 
-/// Opens a handle. The caller closes its `fd` after use.
+/// Opens a handle. The caller closes its `fd` after use; tools that the shell starts do not inherit
+/// it.
+///
+/// A process that has closed its standard input may get descriptor 0, which is neither bound nor
+/// asked for its address: no answer over it is ever taken for ours. The requests below step over
+/// such a number by themselves.
 ///
 /// @return 0, or -1: `fd` is closed or was never open then, and must not be used or closed again
 /// @errors NULL: silent; no socket, no address: Error
@@ -57,14 +66,15 @@ VORLIX_API int rtnl_talk(struct rtnl_handle* rtnl, struct nlmsghdr* n, pid_t pee
 /// @param data    payload, copied as it is; NULL is allowed for 0 bytes
 /// @param alen    bytes of the payload. Padding to a multiple of 4 is not written: requests begin
 ///                zeroed
-/// @return 0, or -1 when the attribute does not fit; the request is unchanged then
+/// @return 0, or -1 when the attribute does not fit, for NULL and for a negative size, with the
+///         request unchanged
 VORLIX_API int addattr_l(struct nlmsghdr* n, int32_t maxlen, int32_t type, const void* data,
                          int32_t alen);
 
-/// Appends an attribute without payload.
+/// Appends an attribute without payload; result as above.
 VORLIX_API int addattr(struct nlmsghdr* n, int32_t maxlen, int32_t type);
 
-/// Appends a number of 1, 2, 4 or 8 bytes, in the byte order of the machine.
+/// Appends a number of 1, 2, 4 or 8 bytes, in the byte order of the machine; result as above.
 VORLIX_API int addattr8(struct nlmsghdr* n, int32_t maxlen, int32_t type, __u8 data);
 VORLIX_API int addattr16(struct nlmsghdr* n, int32_t maxlen, int32_t type, __u16 data);
 VORLIX_API int addattr32(struct nlmsghdr* n, int32_t maxlen, int32_t type, __u32 data);
@@ -74,11 +84,11 @@ VORLIX_API int addattr64(struct nlmsghdr* n, int32_t maxlen, int32_t type, __u64
 ///
 /// @param n  its buffer must reach 4 bytes beyond `maxlen`: the end of a nest that did not fit is
 ///           written there all the same
-/// @return the attribute that opens the nest, also when it did not fit
+/// @return the attribute that opens the nest, also when it did not fit; NULL for no request
 VORLIX_API struct rtattr* addattr_nest(struct nlmsghdr* n, int32_t maxlen, int32_t type);
 
 /// Closes a nest.
-/// @return length of the request
+/// @return length of the request, or -1 for NULL
 VORLIX_API int addattr_nest_end(struct nlmsghdr* n, struct rtattr* nest);
 
 /// Asks the kernel for the index of an interface. What lies beyond 15 characters is cut off.
@@ -88,8 +98,8 @@ VORLIX_API int addattr_nest_end(struct nlmsghdr* n, struct rtattr* nest);
 VORLIX_API int xll_name_to_index(const char* name);
 
 // The requests. `cmd` is the kernel's message type; a deletion finds its link by name. An attribute
-// that does not fit a request is missing from it, silently. The failures of the three kinds differ:
-// -2, 2 and -1 tell the same event.
+// that does not fit a request is missing from it, silently. Each request is logged at Info first.
+// The failures of the three kinds differ: -2, 2 and -1 tell the same event.
 
 /// Creates an IPVLAN link on `host`, up at once, or deletes one.
 ///
@@ -123,7 +133,8 @@ VORLIX_API int Netlink_Ipv4Link_MacVlan(int32_t cmd, char* host, char* virt, uin
 /// @param from    source address, dotted text; NULL for any
 /// @param table   route table, low byte; 0 is the main table for an addition, any for a deletion
 /// @param prefer  priority; 0 leaves it to the kernel
-/// @return 0; -1 for an address that does not parse, silently; 2 (above 0!) when the kernel refuses
+/// @return 0; -1 for an address that does not parse; 2 (above 0!) when the kernel refuses
+/// @errors  an address that does not parse: silent; a refusal: Warn
 VORLIX_API int Netlink_IPv4Rule(int32_t cmd, const char* from, uint32_t table, uint32_t prefer);
 
 /// Adds an IPv4 route to a table, in the place of one of the same key, or deletes it.
@@ -134,10 +145,10 @@ VORLIX_API int Netlink_IPv4Rule(int32_t cmd, const char* from, uint32_t table, u
 /// @param route   destination, dotted text; "default", "all", "any" or NULL for the default
 /// @param src     preferred source address, dotted text; NULL for none
 /// @param via     gateway, dotted text; NULL for a direct route
-/// @param dev     card; NULL for none. An unknown one is an Error, and the kernel is asked all the
-///                same
+/// @param dev     card; NULL for none. With an unknown one the kernel is asked all the same
 /// @param metric  0 for none
-/// @return 0; -1 for an address that does not parse, silently, and when the kernel refuses
+/// @return 0; -1 for an address that does not parse, and when the kernel refuses
+/// @errors  an address that does not parse: silent; an unknown card: Error; a refusal: Warn
 VORLIX_API int Netlink_IPv4Route(int32_t cmd, int32_t table, int32_t bitlen, const char* route,
                                  const char* src, const char* via, const char* dev,
                                  uint32_t metric);
