@@ -2,18 +2,24 @@
 
 #include "Support/Handles.h"
 #include "Support/Log.h"
+#include "Support/Sockets.h"
 #include "Support/Text.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <ctime>
 #include <iterator>
 #include <limits>
 
 #include <arpa/inet.h>
 #include <net/if.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace vorlix {
 
@@ -210,9 +216,9 @@ bool ReceiveAnswer(int fd, const char* host)
     return ParseICMPPacket(answer + header, kAnswerSize - header);
 }
 
-/// Listens until the host has answered or the budget is used up. Here the clock is looked at before
-/// the test.
-bool IsAnswered(int fd, const char* host, int timeout)
+/// Listens until the host has answered, or until the budget is used up. Here the clock is looked at
+/// before the test.
+bool AwaitAnswer(int fd, const char* host, int timeout)
 {
     Budget budget(timeout);
     for (budget.Update(); !budget.IsUsedUp(); budget.Update()) {
@@ -223,12 +229,8 @@ bool IsAnswered(int fd, const char* host, int timeout)
 
 int OpenRawSocket(const char* operation, int kind, int protocol)
 {
-    const int fd = socket(AF_INET, kind, protocol);
-    if (fd < 0) {
-        LOG_ERROR_AS(operation, "can not creat AF raw socket[%s].", strerror(errno));
-        return fd;
-    }
-    KeepFromChildren(fd);
+    const int fd = OpenSocket(AF_INET, kind, protocol);
+    if (fd < 0) LOG_ERROR_AS(operation, "can not creat AF raw socket[%s].", strerror(errno));
     return fd;
 }
 
@@ -280,7 +282,7 @@ bool Ping_CheckAlive(const char* name, const char* srcIP, const char* dstIP, int
     if (!ParseIPv4(dstIP, &host.sin_addr.s_addr)) LOG_ERROR("inet_pton failed");
     SendAll(__func__, "send error", probe.Get(), packet, sizeof(packet), host);
 
-    if (!IsAnswered(probe.Get(), dstIP, timeout)) {
+    if (!AwaitAnswer(probe.Get(), dstIP, timeout)) {
         LOG_INFO("device %s is not alive", dstIP);
         return false;
     }
@@ -437,8 +439,8 @@ bool ListenToSocket(int fd, int timeout)
 
     const int64_t wait =
         std::clamp(timeout * kMsPerSecond, int64_t{0}, int64_t{std::numeric_limits<int>::max()});
-    pollfd socket{fd, POLLIN, 0};
-    const int ready = poll(&socket, 1, static_cast<int>(wait));
+    pollfd waited{fd, POLLIN, 0};
+    const int ready = poll(&waited, 1, static_cast<int>(wait));
     if (ready == 0) {
         LOG_WARN("socket %d do not recive any data in %d second", fd, timeout);
         return false;
@@ -447,7 +449,7 @@ bool ListenToSocket(int fd, int timeout)
         LOG_ERROR("poll socket %d error[%s]", fd, strerror(errno));
         return false;
     }
-    if (socket.revents == POLLIN) return true;
+    if (waited.revents == POLLIN) return true;
 
     LOG_ERROR("Not in event");
     return false;

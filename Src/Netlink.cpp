@@ -3,6 +3,7 @@
 #include "Route.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
+#include "Support/Sockets.h"
 #include "Support/Text.h"
 
 #include <algorithm>
@@ -404,12 +405,11 @@ int rtnl_open(struct rtnl_handle* rth)
     if (rth == nullptr) return -1;
 
     *rth = {};
-    rth->fd = socket(AF_NETLINK, SOCK_RAW, 0);
+    rth->fd = OpenSocket(AF_NETLINK, SOCK_RAW, 0);
     if (rth->fd < 0) {
         LOG_ERROR("socket failed");
         return -1;
     }
-    KeepFromChildren(rth->fd);
     rth->local.nl_family = AF_NETLINK;
     if (rth->fd != 0 && bind(rth->fd, Address(&rth->local), sizeof(rth->local)) < 0) {
         LOG_ERROR("bind failed");
@@ -517,8 +517,7 @@ int xll_name_to_index(const char* name)
     CopyText(request.ifr_name, name);
     request.ifr_ifindex = -1;
     int index = 0;
-    Fd control(socket(AF_INET, SOCK_DGRAM, 0));
-    if (control.Ok()) KeepFromChildren(control.Get());
+    Fd control(OpenSocket(AF_INET, SOCK_DGRAM, 0));
     if (control.Ok() && ioctl(control.Get(), SIOCGIFINDEX, &request) >= 0) {
         index = request.ifr_ifindex;
     }

@@ -5,19 +5,24 @@
 #include "Support/KeptTable.h"
 #include "Support/Lines.h"
 #include "Support/Log.h"
+#include "Support/Sockets.h"
 #include "Support/Text.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cctype>
+#include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <linux/sockios.h>
 #include <net/if.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace vorlix {
 
@@ -149,20 +154,15 @@ bool IsHostMask(const sockaddr& mask)
 
 // ---- requests
 
-/// Performs a route request on the socket of a family, which is opened when it is not yet.
-bool Perform(const char* operation, std::atomic<int>& shared, int family, int cmd, void* record)
+/// Performs a route request on the socket of a family.
+bool Perform(const char* operation, KeptSocket& shared, int cmd, void* record)
 {
     if ((cmd != SIOCADDRT && cmd != SIOCDELRT) || record == nullptr) return false;
 
-    int control = shared.load(std::memory_order_relaxed);
+    const int control = shared.Get();
     if (control < 0) {
-        control = socket(family, SOCK_DGRAM, 0);
-        if (control < 0) {
-            LOG_ERROR_AS(operation, "open socket error.[%s]", strerror(errno));
-            return false;
-        }
-        KeepFromChildren(control);
-        shared.store(control, std::memory_order_relaxed);
+        LOG_ERROR_AS(operation, "open socket error.[%s]", strerror(errno));
+        return false;
     }
     if (ioctl(control, static_cast<unsigned long>(cmd), record) >= 0) return true;
 
@@ -378,14 +378,14 @@ bool Route_FillIn6_rtmsg(const char* dst, const char* gw, const int perfix, cons
 
 bool Route_SetIPv4Route(int cmd, struct rtentry* rt)
 {
-    static std::atomic<int> fd{-1};  // never closed
+    static KeptSocket fd{AF_INET};
 
-    return Perform(__func__, fd, AF_INET, cmd, rt);
+    return Perform(__func__, fd, cmd, rt);
 }
 
 bool Route_SetIPv6Route(int cmd, struct in6_rtmsg* rt)
 {
-    static std::atomic<int> fd{-1};  // never closed
+    static KeptSocket fd{AF_INET6};
 
-    return Perform(__func__, fd, AF_INET6, cmd, rt);
+    return Perform(__func__, fd, cmd, rt);
 }
