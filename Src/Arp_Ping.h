@@ -5,8 +5,8 @@
 ///
 /// A probe opens its socket, sends three equal packets at once, listens for a budget of whole
 /// seconds and closes the socket. Nothing is kept between calls. The budget follows the wall clock:
-/// it may end up to a second early or late, and grows when the clock is set back. Both need the
-/// right to open raw sockets.
+/// it may end up to a second early or late, and grows when the clock is set back. The calling
+/// thread waits meanwhile. Both need the right to open raw sockets (CAP_NET_RAW).
 
 #include "Types.h"
 
@@ -14,8 +14,8 @@
 extern "C" {
 #endif
 
-/// Asks by ARP who else uses `srcIP` or `srcMac`, and listens for all of `timeout`: a later reply
-/// may add the other kind of conflict.
+/// Asks by ARP who else uses `srcIP` or `srcMac`, and listens for all of `timeout`, whatever is
+/// heard: a later reply may add the other kind of conflict.
 ///
 /// @param name     card to send from; what lies beyond 13 characters is cut off
 /// @param srcIP    our address, any form that `inet_aton` takes
@@ -23,7 +23,8 @@ extern "C" {
 /// @param dstIP    address asked for
 /// @param dstMac   hardware address of the frame's receiver
 /// @param timeout  seconds; 0 or below sends and does not listen
-/// @return -1 when the check could not be run; otherwise 0, or a sum of 1 (our hardware address is
+/// @return -1 when the check could not be run; otherwise 0 (no conflict was heard, also where
+///         nothing could be sent or no such card is there), or a sum of 1 (our hardware address is
 ///         used with another address) and 2 (our address is used by another card)
 /// @errors  NULL: silent; no socket, a text that does not parse: Error, -1; a packet that could not
 ///          be sent: Error, and the probe goes on; nothing heard: Warn
@@ -33,8 +34,10 @@ VORLIX_API int32_t Arp_Ckeck(const char* name, const char* srcIP, const char* sr
 
 /// Asks a host for an echo and ends with its first answer.
 ///
-/// @param name     card to send from, or NULL for the one that the routes name
-/// @param srcIP    our address, or NULL for the one that the kernel picks
+/// @param name     card to send from, or NULL for the one that the routes name; one that cannot be
+///                 bound is told, and the routes decide
+/// @param srcIP    our address, or NULL for the one that the kernel picks, as for one that cannot
+///                 be bound
 /// @param dstIP    host, dotted text; one that does not parse is never alive, but the probe is run
 /// @param timeout  seconds; 0 or below sends and does not listen
 /// @return true when the host answered within the budget
@@ -48,13 +51,14 @@ VORLIX_API bool Ping_CheckAlive(const char* name, const char* srcIP, const char*
 /// Opens a raw IPv4 socket.
 ///
 /// @param type  IP protocol, such as IPPROTO_ICMP
-/// @return the descriptor, which the caller closes; below 0 with an Error
+/// @return the descriptor, which the caller closes and tools that the shell starts do not inherit;
+///         below 0 with an Error
 VORLIX_API int CreatAFRawSock(int type);
 
 /// Opens a socket that sends and hears whole frames; each send names its card.
 ///
 /// @param type  Ethernet protocol in network byte order
-/// @return the descriptor, which the caller closes; below 0 with an Error
+/// @return as above
 VORLIX_API int CreatPFRawSock(int type);
 
 /// Binds a socket to a card.
@@ -72,7 +76,7 @@ VORLIX_API bool BindIPPort(int32_t fd, const char* ip, uint16_t port);
 
 /// The Internet checksum over native 16-bit words.
 ///
-/// @param buf  at any address, read alone; NULL counts as no bytes
+/// @param buf  at any address, only read; NULL counts as no bytes
 /// @param sz   bytes; an odd last one is the low half of a word; below 1 counts as none
 VORLIX_API uint16_t CheckSum(uint16_t* buf, int32_t sz);
 
@@ -116,7 +120,7 @@ VORLIX_API int32_t ParseArpPacket(const char* frame, int32_t len, const char* sr
 
 /// Waits until a socket can be read.
 ///
-/// @param timeout  seconds; below 0 does not wait
+/// @param timeout  seconds; 0 and below do not wait
 /// @return true when data is ready and nothing else is
 /// @errors a negative descriptor: silent; nothing came: Warn; a failed wait, another event: Error
 VORLIX_API bool ListenToSocket(int fd, int timeout);

@@ -5,7 +5,8 @@
 ///
 /// A bond's device must already exist; nothing here creates one. Nothing is saved here and nothing
 /// is rolled back: a failure leaves the bond as the steps before it made it. Names go into commands
-/// for the shell as they stand, so the caller vouches for them.
+/// for the shell as they stand, so the caller vouches for them. Changes need the rights of root;
+/// the caller waits for the tools.
 
 #include "Types.h"
 
@@ -23,11 +24,12 @@ VORLIX_API bool Bond_HasMember(const char* bondName, const char* ethName);
 ///
 /// @param ethName  `len` bytes; at most `len` - 2 characters are stored, the last byte is zero
 /// @return false for NULL, a `len` below 1, and a bond without an active "eth" member
-/// @errors  no such bond, no "eth" in the line: Error
+/// @errors  no such bond, no "eth" in the line: Error; NULL, no room: silent
 /// @source  the first line of `active_slave`
 VORLIX_API bool Bond_GetActiveSlave(const char* bondName, char* ethName, int len);
 
-/// Writes the transmit hash policy. The bond must be down for that; its flags are the caller's.
+/// Writes the transmit hash policy. The driver takes it on a bond that is up as well; the bond's
+/// flags are not changed here.
 ///
 /// @param lacp  number of the policy, written as decimal text; a negative one gives false, silently
 /// @errors  no such bond, refused by the driver: Error

@@ -4,8 +4,9 @@
 /// the files below /sys/class/net/<bridge>/.
 ///
 /// Nothing is saved here and nothing is rolled back. A result that comes from a command says only
-/// that a shell was run. Names go into commands as they stand, so the caller vouches for them. NULL
-/// gives false, silently, everywhere.
+/// that a shell was run. Names go into commands as they stand, so the caller vouches for them.
+/// Changes need the rights of root; the caller waits for the tools. NULL gives false, silently,
+/// everywhere.
 
 #include "Types.h"
 

@@ -5,7 +5,7 @@
 ///
 /// The neighbour table is read from /proc/net/arp and changed by the ARP ioctls. Nothing of it is
 /// saved: a static entry is gone after a restart of the device. The two lookups and the two
-/// listings have rules of their own each.
+/// listings have rules of their own each. A table that cannot be read on counts as ended there.
 
 #include "Types.h"
 
@@ -26,7 +26,7 @@ VORLIX_API bool Other_GetIPByMac(const char* mac, char* ip);
 /// nothing but zeros, is taken like any other.
 ///
 /// @param ip   dotted text
-/// @param mac  18 bytes, zeroed before the search
+/// @param mac  18 bytes, zeroed before the search, and still so after one in vain
 /// @errors  NULL, no table: silent; a text that does not parse, none found: Error
 /// @threads any; readers take turns
 VORLIX_API bool Other_GetMacByIP(const char* ip, char* mac);
@@ -42,14 +42,14 @@ VORLIX_API bool arpSetStaticEntry(const NetARPEntry* arpInfo);
 
 /// Deletes an entry, static or not.
 ///
-/// @param arpInfo  `mac` serves the message alone, the rest is as above
+/// @param arpInfo  `mac` serves only the message of a refusal, the rest is as above
 /// @return true when the kernel took it
 /// @errors  as above
 VORLIX_API bool arpDelStaticEntry(const NetARPEntry* arpInfo);
 
 /// Lists the static entries: complete and permanent, with no other flag such as "published".
 ///
-/// @param arpInfo  `*num` records, all zeroed first
+/// @param arpInfo  `*num` records, all zeroed first, also when there is no table
 /// @param num      capacity on entry, 1 or more; number listed on return
 /// @return true also when there is none
 /// @errors  NULL, no room: silent; no table: Error, with `*num` as it was
@@ -63,8 +63,9 @@ VORLIX_API bool arpGetAllStaticEntry(NetARPEntry* arpInfo, int* num);
 VORLIX_API bool arpGetARPStaticInfoByIP(const char* ip, NetARPEntry* arpInfo, int* num);
 
 /// Starts or stops the daemon for remote login, whose settings are those of /etc/ssh/sshd_config.
+/// Waits for the tool that does it. Nothing is saved.
 ///
-/// @param sshInfo  `enable` alone is looked at
+/// @param sshInfo  only `enable` is looked at
 /// @return 0 when a shell was run, whatever became of the daemon, otherwise -1
 /// @errors  NULL, no shell: Error
 VORLIX_API int SetSSHStatus(SSHInfo* sshInfo);

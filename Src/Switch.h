@@ -4,8 +4,8 @@
 /// power supply of its ports, asked through a character device. No policy and no saved state here.
 ///
 /// Names count with at most 15 characters. A NULL name or output gives failure in silence, unless
-/// an operation says what it stands for. Outputs are written on success alone. Every refused
-/// request is also logged by `NetIOCtrl`.
+/// an operation says what it stands for. Outputs are written only on success, unless an operation
+/// says so. Every refused request to the switch is also logged by `NetIOCtrl`.
 
 #include "Types.h"
 
@@ -26,7 +26,7 @@ typedef struct SwitchToolInfo {
 
 /// Reads the number of ports and which of them have a link.
 ///
-/// The number of the switch asked last is kept: when it alone is wanted, and it is not 0, the
+/// The number of the switch asked last is kept: when only that is wanted, and it is not 0, the
 /// driver is not asked again.
 ///
 /// @param num   NULL, or where the number of ports goes
