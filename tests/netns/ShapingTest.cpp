@@ -1,3 +1,4 @@
+#include "Arp_Ping.h"
 #include "CommonApi.h"
 
 #include "Device.h"
@@ -167,6 +168,34 @@ TEST_F(ShapingTest, WhatTcRefusesCountsAsSet)
     EXPECT_EQ(Filters("eth0"), (Texts{"1:20 10.0.0.3/32", "1:30 10.0.0.4/32"}));
     EXPECT_EQ(Saved("eth0"), (Texts{"nowhere 8", "10.0.0.3 0", "10.0.0.4 9"}));
     EXPECT_EQ(LogOf("TrafCtrlSetBand"), LogLines{});
+}
+
+TEST_F(ShapingTest, TheLimitBehindTheLastNumberOfAProcessIsRefusedAndCountsAsSet)
+{
+    Must("mv /usr/local/bin/tc /run/real && ln -s \"$(command -v true)\" /usr/local/bin/tc");
+    const std::vector<NetTc> many(997, Limit(kPeer, 8));
+    EXPECT_TRUE(Set("eth1", many));
+    Must("mv /run/real /usr/local/bin/tc");
+    EXPECT_TRUE(Set("eth0", {Limit(kPeer, 8), Limit("10.0.0.3", 9), Limit("10.0.0.4", 10)}));
+    EXPECT_EQ(Classes("eth0"), (Texts{"1:9980 8Mbit", "1:9990 9Mbit"}));
+    EXPECT_EQ(Saved("eth0"), (Texts{"10.0.0.2 8", "10.0.0.3 9", "10.0.0.4 10"}));
+}
+
+TEST_F(ShapingTest, TrafficThatNoFilterMatchesSharesTheClassOfTheFirstLimitOnItsCardOnly)
+{
+    EXPECT_TRUE(Set("eth0", {Limit("10.0.0.9", 8)}));
+    EXPECT_TRUE(Set("eth1", {Limit("10.0.1.9", 8)}));
+    const auto sentIn = [](const std::string& card, const std::string& class_) {
+        const std::string sent =
+            Must(std::string(kTc) + " -s class show dev " + card + " | sed -n '/^class htb " +
+                 class_ + " /{n;s/ Sent \\([0-9]*\\) .*/\\1/p}'");
+        return std::stol(sent);
+    };
+    const long before = sentIn("eth0", "1:10");
+    EXPECT_TRUE(Ping_CheckAlive(nullptr, nullptr, "10.0.0.2", 10));
+    EXPECT_TRUE(Ping_CheckAlive(nullptr, nullptr, "10.0.1.2", 10));
+    EXPECT_GT(sentIn("eth0", "1:10"), before);
+    EXPECT_EQ(sentIn("eth1", "1:20"), 0);
 }
 
 TEST_F(ShapingTest, APeerRemovedFromACardWithoutAFileLeavesNoClass)
