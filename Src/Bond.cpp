@@ -8,6 +8,12 @@
 #include "Support/Text.h"
 
 #include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace vorlix {
 

@@ -7,11 +7,14 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
-#include <cctype>
+#include <cstdio>
+#include <cstring>
 
+#include <fcntl.h>
 #include <linux/sockios.h>
 #include <net/if_arp.h>
 #include <netinet/in.h>
+#include <sys/socket.h>
 
 namespace vorlix {
 
@@ -30,14 +33,6 @@ constexpr char kStopDaemon[] =
     "start-stop-daemon --stop --quiet --oknodo --pidfile /var/run/sshd.pid";
 
 // ---- lookups
-
-/// True when the first column of a line may be `address`; most lines are told apart here, without
-/// a scan.
-bool MayBeOf(const char* line, const char* address)
-{
-    while (isspace(static_cast<unsigned char>(*line)) != 0) ++line;
-    return StartsWith(line, address);
-}
 
 /// The first and the fourth column. A short line sets what it holds.
 struct Neighbour {
@@ -133,7 +128,7 @@ bool Perform(const Change& change, const EntryTexts& texts, arpreq* request)
 
 using ScanLine = void (*)(const char* line, NetARPEntry* entry, unsigned* flags);
 
-// The two scans differ in the width of the first column alone. A short line sets what it holds; the
+// The two scans differ only in the width of the first column. A short line sets what it holds; the
 // rest stays as the lines before it have left it.
 
 void ScanAnyLine(const char* line, NetARPEntry* entry, unsigned* flags)
@@ -225,7 +220,7 @@ bool Other_GetMacByIP(const char* ip, char* mac)
     LineReader reader(table.fd);
     char line[kLineSize];
     while (reader.Next(line)) {
-        if (!MayBeOf(line, ip)) continue;
+        if (!Contains(line, ip)) continue;  // most lines need no scan
 
         const Neighbour row = ScanNeighbour(line);
         if (!Equal(row.ip, ip)) continue;

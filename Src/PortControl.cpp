@@ -6,16 +6,30 @@ namespace vorlix {
 
 namespace {
 
-// In the texts for IPv6 the UDP rule goes to the IPv4 tool: devices in the field run exactly this.
-constexpr char kIPv4Delete[] = "iptables -D PORTCHAIN -p tcp -d %s --dport %d -j REJECT;"
-                               "iptables -D PORTCHAIN -p udp -d %s --dport %d -j REJECT";
-constexpr char kIPv4Append[] = "iptables -A PORTCHAIN -p tcp -d %s --dport %d -j REJECT;"
-                               "iptables -A PORTCHAIN -p udp -d %s --dport %d -j REJECT";
-constexpr char kIPv6Delete[] = "ip6tables -D PORTCHAIN -p tcp -d %s --dport %d -j REJECT;"
-                               "iptables -D PORTCHAIN -p udp -d %s --dport %d -j REJECT";
-constexpr char kIPv6Append[] = "ip6tables -A PORTCHAIN -p tcp -d %s --dport %d -j REJECT;"
-                               "iptables -A PORTCHAIN -p udp -d %s --dport %d -j REJECT";
+// The family's tool gets the TCP rule. The UDP rule goes to the IPv4 tool in both families: the
+// header tells callers what that means for IPv6.
+constexpr char kDelete[] = "%s -D PORTCHAIN -p tcp -d %s --dport %d -j REJECT;"
+                           "iptables -D PORTCHAIN -p udp -d %s --dport %d -j REJECT";
+constexpr char kAppend[] = "%s -A PORTCHAIN -p tcp -d %s --dport %d -j REJECT;"
+                           "iptables -A PORTCHAIN -p udp -d %s --dport %d -j REJECT";
 constexpr char kFlush[] = "iptables -F PORTCHAIN;ip6tables -F PORTCHAIN";
+
+constexpr char kIPv4Tool[] = "iptables";
+constexpr char kIPv6Tool[] = "ip6tables";
+
+bool FreePort(const char* tool, const char* ipAddr, int port)
+{
+    return ipAddr != nullptr && RunCommand(kDelete, tool, ipAddr, port, ipAddr, port);
+}
+
+/// Blocking twice leaves one pair of rules.
+bool BlockPort(const char* tool, const char* ipAddr, int port)
+{
+    if (ipAddr == nullptr) return false;
+
+    (void)FreePort(tool, ipAddr, port);
+    return RunCommand(kAppend, tool, ipAddr, port, ipAddr, port);
+}
 
 }  // namespace
 
@@ -25,32 +39,22 @@ using namespace vorlix;
 
 bool PortCtrl_EnableIPv4Port(const char* ipAddr, int port)
 {
-    if (ipAddr == nullptr) return false;
-
-    return RunCommand(kIPv4Delete, ipAddr, port, ipAddr, port);
+    return FreePort(kIPv4Tool, ipAddr, port);
 }
 
 bool PortCtrl_DisableIPv4Port(const char* ipAddr, int port)
 {
-    if (ipAddr == nullptr) return false;
-
-    (void)RunCommand(kIPv4Delete, ipAddr, port, ipAddr, port);  // blocking twice leaves one pair
-    return RunCommand(kIPv4Append, ipAddr, port, ipAddr, port);
+    return BlockPort(kIPv4Tool, ipAddr, port);
 }
 
 bool PortCtrl_EnableIPv6Port(const char* ipAddr, int port)
 {
-    if (ipAddr == nullptr) return false;
-
-    return RunCommand(kIPv6Delete, ipAddr, port, ipAddr, port);
+    return FreePort(kIPv6Tool, ipAddr, port);
 }
 
 bool PortCtrl_DisableIPv6Port(const char* ipAddr, int port)
 {
-    if (ipAddr == nullptr) return false;
-
-    (void)RunCommand(kIPv6Delete, ipAddr, port, ipAddr, port);  // blocking twice leaves one rule
-    return RunCommand(kIPv6Append, ipAddr, port, ipAddr, port);
+    return BlockPort(kIPv6Tool, ipAddr, port);
 }
 
 bool PortCtrl_EnableAllIPPort()

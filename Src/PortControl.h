@@ -5,7 +5,8 @@
 ///
 /// Something outside has to make the chain, in both families, and to hook it into INPUT. A result
 /// says only that a shell was run: a rule that the tool refuses is not noticed. Addresses go into
-/// commands as they stand, so the caller vouches for them. NULL gives false, silently.
+/// commands as they stand, so the caller vouches for them. The tools need the rights of root; the
+/// caller waits for them. NULL gives false, silently.
 ///
 /// @threads two calls for one port can mix their steps; a rule may then stand twice
 
@@ -16,6 +17,7 @@ extern "C" {
 #endif
 
 /// Deletes the rules of one port of an IPv4 address.
+/// @return whether the deletion could be run
 VORLIX_API bool PortCtrl_EnableIPv4Port(const char* ipAddr, int port);
 
 /// Adds the rules of one port of an IPv4 address, in the place of those that are there.
@@ -24,6 +26,7 @@ VORLIX_API bool PortCtrl_DisableIPv4Port(const char* ipAddr, int port);
 
 /// Deletes the TCP rule of one port of an IPv6 address. The UDP rule goes to the IPv4 tool, which
 /// refuses the address.
+/// @return whether the deletion could be run
 VORLIX_API bool PortCtrl_EnableIPv6Port(const char* ipAddr, int port);
 
 /// Adds the TCP rule of one port of an IPv6 address, in the place of the one that is there; the UDP
@@ -32,6 +35,7 @@ VORLIX_API bool PortCtrl_EnableIPv6Port(const char* ipAddr, int port);
 VORLIX_API bool PortCtrl_DisableIPv6Port(const char* ipAddr, int port);
 
 /// Deletes all rules of the chain, in both families.
+/// @return whether the deletion could be run
 VORLIX_API bool PortCtrl_EnableAllIPPort(void);
 
 #ifdef __cplusplus

@@ -5,8 +5,13 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
 
+#include <fcntl.h>
+#include <net/if.h>
+#include <pthread.h>
 #include <sys/ioctl.h>
 
 namespace vorlix {
@@ -166,7 +171,7 @@ bool Switch_GetMacByPort(const char* name, int port, char* mac)
     SwitchToolInfo info{};
     info.u8PortIndex = static_cast<uint8_t>(port);
     if (!AskSwitch(kGetMacByPort, name, &info)) {
-        LOG_ERROR("Get mac for port %d failed.", static_cast<int>(static_cast<unsigned>(port) + 1));
+        LOG_ERROR("Get mac for port %d failed.", static_cast<int>(port + 1U));
         return false;
     }
     memcpy(mac, info.u8MacAddr, sizeof(info.u8MacAddr));

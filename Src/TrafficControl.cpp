@@ -68,7 +68,7 @@ bool Run(const char* operation, const Command& command)
     return false;
 }
 
-/// The old root. The spelling of the message is what readers of the log look for.
+/// Takes away the root of a card, whoever has made it.
 bool RemoveRoot(const char* operation, const char* name)
 {
     const Command command = FormCommand(kRemoveRoot, name);
@@ -226,7 +226,7 @@ bool TC_GetFromConfig(const char* name, NetTc* tc, int* tcNum)
 
     char path[kTextSize];
     FormPath(name, path);
-    const ConfigLock lock(path);
+    ConfigLock lock(path);
     const Stream file(fopen(path, "r"));
     if (file == nullptr) {
         LOG_ERROR("cannot fopen %s.[%s]", name, strerror(errno));
