@@ -301,6 +301,20 @@ TEST_F(TC_GetFromConfigTest, ALineCountsWhenItsFiveFieldsCanBeRead)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+// What a full flash has taken of a line, with the next one behind it.
+TEST_F(TC_GetFromConfigTest, OfALineThatIsJoinedToAHalfAtMostTheHalfIsListed)
+{
+    for (const std::string card : {"eth0", "abcdefghijklmno"}) {
+        const std::string whole = Line(card, Limit("10.0.0.2", 8));
+        const std::string next = Line(card, Limit("10.0.0.3", 9));
+        for (size_t taken = 1; taken < whole.size(); ++taken) {
+            const Texts listed = ListedFrom(whole.substr(0, taken) + next);
+            const bool isRead = taken >= whole.size() - 2;  // only the comma and the newline lack
+            EXPECT_EQ(listed, isRead ? Texts{"10.0.0.2 4 8 0"} : Texts{}) << taken;
+        }
+    }
+}
+
 TEST_F(TC_GetFromConfigTest, OtherLinesArePassedOver)
 {
     std::string text;
