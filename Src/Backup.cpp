@@ -1,14 +1,27 @@
+// Contents:
+//   Check sums
+//   RTC and SRAM: one block behind a driver, two devices
+//   Detection: which of the three memories this device has
+//   CMOS: one record behind the board's provider
+//   Values: address, mask and gateway, wherever they lie
+//   Reset marks
+//
+// The operations follow in the order of the header.
+
 #include "Backup.h"
 
 #include "Support/Handles.h"
+#include "Support/KeyFile.h"
 #include "Support/Log.h"
 #include "Support/Text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 
 #include <arpa/inet.h>
+#include <fcntl.h>
 #include <sys/ioctl.h>
 
 namespace vorlix {
@@ -20,8 +33,6 @@ namespace {
 constexpr char kRtcNode[] = "/dev/pdcRtc";
 constexpr char kSramNode[] = "/dev/pdcSramFile";
 constexpr char kSramFile[] = "/mnt/mtd/RtcSramFile";
-constexpr char kFirstCardFile[] = "/mnt/mtd/Config/network";
-constexpr char kFirstCard[] = "eth0";
 
 constexpr uint32_t kSramTotalLen = 251;
 
@@ -180,35 +191,48 @@ struct BlockDevice {
     const char *resetFailed, *resetError, *getMarkFailed, *setMarkFailed;
 };
 
-constexpr BlockDevice kRtc = {"rtc",
-                              RtcIsReady,
-                              TransferRtc,
-                              PDC_RTC_READSRAM,
-                              PDC_RTC_WRITESRAM,
-                              ReadFromRTC,
-                              WriteToRTC,
-                              ResetRTC,
-                              GetRTCMark,
-                              SetRTCMark,
-                              "ResetRTC failed",
-                              "ResetRTC error .",
-                              "get mark from rtc error.",
-                              "set mark from rtc error."};
+constexpr BlockDevice MakeRtc()
+{
+    BlockDevice device{};
+    device.tag = "rtc";
+    device.isReady = RtcIsReady;
+    device.transfer = TransferRtc;
+    device.readRequest = PDC_RTC_READSRAM;
+    device.writeRequest = PDC_RTC_WRITESRAM;
+    device.read = ReadFromRTC;
+    device.write = WriteToRTC;
+    device.reset = ResetRTC;
+    device.getMark = GetRTCMark;
+    device.setMark = SetRTCMark;
+    device.resetFailed = "ResetRTC failed";
+    device.resetError = "ResetRTC error .";
+    device.getMarkFailed = "get mark from rtc error.";
+    device.setMarkFailed = "set mark from rtc error.";
+    return device;
+}
 
-constexpr BlockDevice kSram = {"sram",
-                               SramIsReady,
-                               TransferSram,
-                               PDC_SRAMFILE_READ,
-                               PDC_SRAMFILE_WRITE,
-                               ReadFromSram,
-                               WriteToSram,
-                               ResetSram,
-                               GetSramMark,
-                               SetSramMark,
-                               "ResetSram failed.",
-                               "ResetSram error .",
-                               "get mark from sram error",
-                               "set mark from sram error"};
+constexpr BlockDevice MakeSram()
+{
+    BlockDevice device{};
+    device.tag = "sram";
+    device.isReady = SramIsReady;
+    device.transfer = TransferSram;
+    device.readRequest = PDC_SRAMFILE_READ;
+    device.writeRequest = PDC_SRAMFILE_WRITE;
+    device.read = ReadFromSram;
+    device.write = WriteToSram;
+    device.reset = ResetSram;
+    device.getMark = GetSramMark;
+    device.setMark = SetSramMark;
+    device.resetFailed = "ResetSram failed.";
+    device.resetError = "ResetSram error .";
+    device.getMarkFailed = "get mark from sram error";
+    device.setMarkFailed = "set mark from sram error";
+    return device;
+}
+
+constexpr BlockDevice kRtc = MakeRtc();
+constexpr BlockDevice kSram = MakeSram();
 
 /// The device of a camera.
 const BlockDevice& Device()
@@ -300,11 +324,6 @@ bool SetMark(const char* operation, const BlockDevice& device, unsigned char mar
 
 // ---- detection
 
-bool Exists(const char* path)
-{
-    return access(path, F_OK) == 0;
-}
-
 bool OpenDevice(const char* node)
 {
     if (sramfd >= 0) return true;
@@ -381,14 +400,23 @@ bool ReadCmosFor(const char* operation, CmosData* record)
 
 // ---- the three values of eth0
 
+/// Where a value lies in each memory. On RTC and SRAM all of them travel whole.
+struct Value {
+    uint32_t place;
+    void (*store)(CmosData* record, uint32_t value);
+    uint32_t (*load)(const CmosData& record);
+    bool isBitCount;  // on CMOS
+    const char* isZero;
+};
+
 void StoreAddress(CmosData* record, uint32_t value)
 {
     record->uiIP = value;
 }
 
-void StoreMask(CmosData* record, uint32_t value)
+uint32_t LoadAddress(const CmosData& record)
 {
-    record->NetMask = static_cast<uint8_t>(__builtin_popcount(value));
+    return record.uiIP;
 }
 
 void StoreGateway(CmosData* record, uint32_t value)
@@ -396,41 +424,26 @@ void StoreGateway(CmosData* record, uint32_t value)
     record->uiGateway = value;
 }
 
-bool TakeAddress(const CmosData& record, uint32_t* value)
+uint32_t LoadGateway(const CmosData& record)
 {
-    *value = record.uiIP;
-    return true;
+    return record.uiGateway;
 }
 
-bool TakeMask(const CmosData& record, uint32_t* value)
+/// On CMOS a mask is a number of bits.
+void StoreMask(CmosData* record, uint32_t value)
 {
-    if (record.NetMask > kMaskBits) {
-        LOG_ERROR_AS("RestoreMask", "NetMask > 32");
-        return false;
-    }
-    // No bits give the same mask as 32: the count of the shift is taken modulo 32.
-    *value = htonl(~uint32_t{0} << ((kMaskBits - record.NetMask) % kMaskBits));
-    return true;
+    record->NetMask = static_cast<uint8_t>(__builtin_popcount(value));
 }
 
-bool TakeGateway(const CmosData& record, uint32_t* value)
+/// No bits give the same mask as 32: the count of the shift is taken modulo 32.
+uint32_t LoadMask(const CmosData& record)
 {
-    *value = record.uiGateway;
-    return true;
+    return htonl(~uint32_t{0} << ((kMaskBits - record.NetMask) % kMaskBits));
 }
 
-/// Where a value lies in each memory. A mask travels whole on RTC and SRAM and as a number of bits
-/// on CMOS.
-struct Value {
-    uint32_t place;
-    void (*store)(CmosData* record, uint32_t value);
-    bool (*take)(const CmosData& record, uint32_t* value);
-    const char* isZero;
-};
-
-constexpr Value kAddress = {RTC_SRAM_ETHIP, StoreAddress, TakeAddress, "ip is zero."};
-constexpr Value kMask = {RTC_SRAM_ETHMASK, StoreMask, TakeMask, "mask is 0."};
-constexpr Value kGateway = {RTC_SRAM_ETHGATEWAY, StoreGateway, TakeGateway, "gateway is 0."};
+constexpr Value kAddress = {RTC_SRAM_ETHIP, StoreAddress, LoadAddress, false, "ip is zero."};
+constexpr Value kMask = {RTC_SRAM_ETHMASK, StoreMask, LoadMask, true, "mask is 0."};
+constexpr Value kGateway = {RTC_SRAM_ETHGATEWAY, StoreGateway, LoadGateway, false, "gateway is 0."};
 
 bool BackupOnCmos(const char* operation, const Value& which, uint32_t value)
 {
@@ -444,7 +457,14 @@ bool BackupOnCmos(const char* operation, const Value& which, uint32_t value)
 bool RestoreFromCmos(const char* operation, const Value& which, uint32_t* value)
 {
     CmosData record{};
-    return ReadCmosFor(operation, &record) && which.take(record, value);
+    if (!ReadCmosFor(operation, &record)) return false;
+
+    if (which.isBitCount && record.NetMask > kMaskBits) {
+        LOG_ERROR_AS(operation, "NetMask > 32");
+        return false;
+    }
+    *value = which.load(record);
+    return true;
 }
 
 bool RestoreFromBlock(const char* operation, const Value& which, uint32_t* value)
@@ -509,7 +529,7 @@ bool MeansReset(unsigned char mark)
 {
     if (mark == kBeenReset) return true;
 
-    if (Exists(kFirstCardFile)) {
+    if (FileExists(kFirstCardFile)) {
         LOG_WARN_AS("CheckBeenReset", "CMOS has no electric");
         return false;
     }
@@ -577,7 +597,7 @@ int32_t getCmosCaps(struct CmosCaps* caps)
 
 void CheckDeviceType()
 {
-    if (!Exists(kSramNode) && !Exists(kRtcNode)) {
+    if (!FileExists(kSramNode) && !FileExists(kRtcNode)) {
         deviceType = DEVICETYPE_DVR;
         LOG_INFO(" not exist. this is DVR.");
         AskForCmos();
@@ -586,7 +606,7 @@ void CheckDeviceType()
     deviceType = DEVICETYPE_IPC;
     LOG_INFO("%s  or %s exist. this is IPC.", kSramNode, kRtcNode);
 
-    isRTCExist = Exists(kRtcNode);
+    isRTCExist = FileExists(kRtcNode);
     if (isRTCExist) {
         LOG_INFO("RTC exist, use RTC to backup.");
         if (OpenDevice(kRtcNode)) return;

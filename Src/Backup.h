@@ -11,6 +11,7 @@
 ///     44..55  address, mask and gateway, 4 bytes each, network byte order
 ///
 /// and CMOS holds a `CmosData`. Nothing here is locked: callers keep changes of the memory apart.
+/// The setting files and the kernel are not touched; what the memory holds counts at the next boot.
 
 #include "Types.h"
 
@@ -171,10 +172,11 @@ VORLIX_API int ReadFromSram(void* data, uint32_t offset, uint32_t len);
 /// @param offset  44 to 52: the check sum is not the caller's
 /// @param len     1 and more; must not lead past byte 55
 /// @return false for a refused argument or a device that is not open, silent; for a block that
-///         cannot be read or written, Error
+///         cannot be read, that fails its check sum or cannot be written, Error
 VORLIX_API bool WriteToSram(const void* data, uint32_t offset, uint32_t len);
 
 /// Zeroes the three values on SRAM and sets their check sum. The reset mark stays.
+/// @return false for a device that is not open, silent; for a block that cannot be written, Error
 VORLIX_API bool ResetSram(void);
 
 /// `ReadFromSram` for the RTC chip.
@@ -216,7 +218,9 @@ VORLIX_API uint32_t CRCCalcu(const void* data, uint32_t len);
 /// Stores eth0's address. For any other name nothing is stored.
 ///
 /// @param addr  dotted text; short forms pass
-/// @return false for NULL or another name, silent; for a text that is no address, Error
+/// @return false for NULL or another name, silent; for a text that is no address, Error; for a
+///         memory that cannot be read or fails its verification, with what it held left as it is,
+///         Error; for one that cannot be written, on CMOS silent, else Error
 VORLIX_API bool BackupIP(const char* name, const char* addr);
 
 /// Gives eth0's stored address.
@@ -226,10 +230,11 @@ VORLIX_API bool BackupIP(const char* name, const char* addr);
 ///         stored 0, Error
 VORLIX_API bool RestoreIP(const char* name, char* addr);
 
-/// Stores eth0's mask. CMOS has room for the number of its set bits alone.
+/// Stores eth0's mask, as `BackupIP`. CMOS has room for the number of its set bits and no more.
 VORLIX_API bool BackupMask(const char* name, const char* addr);
 
-/// Gives eth0's stored mask. On CMOS it comes back contiguous, and 0 bits come back as 32.
+/// Gives eth0's stored mask, as `RestoreIP`. On CMOS it comes back contiguous, 0 bits come back as
+/// 32, and more than 32 are refused with an Error.
 VORLIX_API bool RestoreMask(const char* name, char* addr);
 
 /// Stores eth0's gateway, as `BackupIP`.
@@ -238,19 +243,22 @@ VORLIX_API bool BackupGateway(const char* name, const char* addr);
 /// Gives eth0's stored gateway, as `RestoreIP`.
 VORLIX_API bool RestoreGateway(const char* name, char* addr);
 
-/// Stores a mode digit, on CMOS alone and for any name.
+/// Stores a mode digit, for any name, on CMOS only.
 ///
 /// @param mode  '0' to '9'; the record keeps three bits, so '8' and '9' become '0' and '1'
+/// @return false for NULL, another character or another memory, silent; for a record that cannot be
+///         read or fails its verification, Error; for one that cannot be written, silent
 VORLIX_API bool BackupMode(char* name, char mode);
 
-/// Gives the stored mode digit, '0' to '7'. CMOS alone.
+/// Gives the stored mode digit, '0' to '7', for any name, on CMOS only.
+/// @param mode  written only on success
 VORLIX_API bool RestoreMode(char* name, char* mode);
 
-/// Stores the priority flag, on CMOS alone and for any name.
+/// Stores the priority flag, as `BackupMode`.
 /// @param prio  0, or anything else for 1
 VORLIX_API bool BackupPrio(char* name, char prio);
 
-/// Gives the stored priority flag, 0 or 1 as a number. CMOS alone.
+/// Gives the stored priority flag, 0 or 1 as a number, as `RestoreMode`.
 VORLIX_API bool RestorePrio(char* name, char* prio);
 
 // ==== Reset marks ====
@@ -258,10 +266,15 @@ VORLIX_API bool RestorePrio(char* name, char* prio);
 /// The reset mark on CMOS, also of a record that fails its verification.
 VORLIX_API unsigned char GetCmosResetMark(void);
 
-/// Writes the reset mark on CMOS. A record that fails its verification is written as it was read.
+/// Writes the reset mark on CMOS, and with it a new check byte. A record that fails its
+/// verification is written too: with a wrong check byte it passes as good from then on, with a
+/// wrong flag it goes on failing, and one that could not be read is overwritten with zeros.
+/// @return false for a CMOS that is not usable or cannot be written, Error
+/// @errors a failed verification or read: Error
 VORLIX_API bool SetCmosResetMark(unsigned char mark);
 
-/// Announces a reset of the network, on CMOS alone; true and nothing done elsewhere.
+/// Announces a reset of the network, on CMOS only and as `SetCmosResetMark` does; on RTC and SRAM
+/// nothing is done, and the result is true.
 VORLIX_API bool setBeenResetFlag(void);
 
 /// The reset mark on SRAM; 0 when it cannot be read, with an Error.
@@ -270,14 +283,19 @@ VORLIX_API unsigned char GetSramMark(void);
 /// The reset mark on RTC; 0 when it cannot be read, with an Error.
 VORLIX_API unsigned char GetRTCMark(void);
 
-/// Writes the reset mark on SRAM.
+/// Writes the reset mark on SRAM, which no check sum covers.
+/// @return false when the driver refuses, or the device is not open, Error
 VORLIX_API bool SetSramMark(unsigned char mark);
 
 /// Writes the reset mark on RTC.
 VORLIX_API bool SetRTCMark(unsigned char mark);
 
-/// True when a reset was announced, or when a camera's memory is fresh and there is no setting
-/// file yet. Clears the mark, so that one mark is told of once.
+/// True when a reset was announced, or when a camera's memory is fresh and eth0 has no setting file
+/// yet. Clears the mark, on CMOS as `SetCmosResetMark` does, so that one mark is told of once; one
+/// that cannot be cleared is told of again. On CMOS any other mark stays.
+/// @errors an announced reset on CMOS, a fresh memory without a setting file: Info; a memory that
+/// has
+///         lost its contents beside one: Warn
 VORLIX_API bool CheckBeenReset(void);
 
 /// `CheckBeenReset`, for applications.
@@ -289,10 +307,13 @@ VORLIX_API bool CheckCrc(void);
 
 /// Wipes the stored values. On CMOS the flag goes too, and nothing can be read until
 /// `setCmosVerifyFlag` has run; on RTC and SRAM the mark stays.
+/// @return false when the memory cannot be written or is not open: on CMOS silent, else Error
+/// @errors always: Warn
 VORLIX_API bool RestBackup(void);
 
 /// Sets the flag on CMOS by which records are told to be of this layout, and mends nothing else.
-/// True and nothing done on RTC and SRAM.
+/// A wrong check byte stays wrong. True and nothing done on RTC and SRAM.
+/// @return false when the record cannot be read or written, Error
 VORLIX_API bool setCmosVerifyFlag(void);
 
 #ifdef __cplusplus

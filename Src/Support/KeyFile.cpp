@@ -31,7 +31,6 @@ namespace {
 
 constexpr char kSecondCard[] = "eth1";
 constexpr char kFileStart[] = "network";
-constexpr char kIPv4Base[] = "/mnt/mtd/Config/network";
 constexpr char kIPv6Base[] = "/mnt/mtd/Config/networkip6";
 constexpr char kOldNameOfEth2[] = "network2";
 constexpr char kSwitchModeFile[] = "/mnt/mtd/Config/poeMode.conf";
@@ -316,11 +315,6 @@ const char* CardOfFile(const char* file)
     return card;
 }
 
-bool FileExists(const char* path)
-{
-    return access(path, F_OK) == 0;
-}
-
 const char* KeyText(KEYENUM key)
 {
     return keys[key];
@@ -387,7 +381,7 @@ using namespace vorlix;
 
 bool GetFileByName(const char* name, char* file, int len)
 {
-    return FormPath(kIPv4Base, name, file, len);
+    return FormPath(kFirstCardFile, name, file, len);
 }
 
 bool GetFileByName6(const char* name, char* file, int len)

@@ -134,12 +134,17 @@ bool checkIsRegFile(const char* fileName);
 #include "Support/Handles.h"
 #include "Support/Lines.h"
 
+#include <unistd.h>
+
 namespace vorlix {
 
 // ---- names
 
 /// The first card of a device: its file names the default card, and it alone has a backup.
 constexpr char kFirstCard[] = "eth0";
+
+/// Its IPv4 setting file. The paths of the others' begin with it.
+constexpr char kFirstCardFile[] = "/mnt/mtd/Config/network";
 
 /// Folder of all setting files. Nothing here creates it.
 constexpr char kConfigFolder[] = "/mnt/mtd/Config";
@@ -154,7 +159,10 @@ void FormListedPath(const char* file, char (&path)[kPathSize]);
 const char* CardOfFile(const char* file);
 
 /// True when the path leads to something, whatever it is.
-bool FileExists(const char* path);
+inline bool FileExists(const char* path)
+{
+    return access(path, F_OK) == 0;
+}
 
 /// Text of a known key.
 const char* KeyText(KEYENUM key);
