@@ -22,17 +22,22 @@
 #include "Dns.h"
 #include "Route.h"
 #include "Support/Handles.h"
+#include "Support/KeyFile.h"
 #include "Support/Log.h"
 #include "Support/NameList.h"
 #include "Support/Text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include <arpa/inet.h>
+#include <dirent.h>
+#include <unistd.h>
 
-namespace vorlix {
+using namespace vorlix;
 
 namespace {
 
@@ -176,29 +181,30 @@ void SaveMembers(const char* master, const MemberSlot& slot, ListWriter save)
     (void)save(master, members, slot.num);
 }
 
-// ---- cards that leave
+// ---- membership
 
-void LeaveBond(const char* card)
-{
-    (void)SetEthIsBondedByConfig(card, false);
-    (void)SetEthBondNameByConfig(card, "");
-}
+/// What a card's file says of its bond, or of its bridge.
+struct Membership {
+    const char* flagName;
+    bool (*getFlag)(const char* card, bool* flag);
+    bool (*setFlag)(const char* card, bool flag);
+    bool (*setName)(const char* card, const char* master);
+};
 
-void LeaveBridge(const char* card)
+constexpr Membership kInBond = {"IsBondedByConfig", GetEthIsBondedByConfig, SetEthIsBondedByConfig,
+                                SetEthBondNameByConfig};
+constexpr Membership kInBridge = {"IsBridgedByConfig", GetEthIsBridgedByConfig,
+                                  SetEthIsBridgedByConfig, SetEthBridgeNameByConfig};
+
+void Leave(const Membership& membership, const char* card)
 {
-    (void)SetEthIsBridgedByConfig(card, false);
-    (void)SetEthBridgeNameByConfig(card, "");
+    (void)membership.setFlag(card, false);
+    (void)membership.setName(card, "");
 }
 
 }  // namespace
 
-}  // namespace vorlix
-
-using namespace vorlix;
-
 // ==== Program ====
-
-namespace vorlix {
 
 namespace {
 
@@ -212,19 +218,14 @@ constexpr char kUsage[] = "-----------------------------------------------------
 
 // ---- common start
 
-bool FileExists(const char* path)
-{
-    return access(path, F_OK) == 0;
-}
-
 /// Gives a setting file of an old release its present name. The old name stays valid as a second
 /// name of the same file, for a release that is put back.
 void MigrateFile(const char* oldName, const char* newName)
 {
     char oldPath[kPathSize];
     char newPath[kPathSize];
-    FormatText(oldPath, sizeof(oldPath), "%s/%s", kConfigFolder, oldName);
-    FormatText(newPath, sizeof(newPath), "%s/%s", kConfigFolder, newName);
+    FormListedPath(oldName, oldPath);
+    FormListedPath(newName, newPath);
     if (!FileExists(oldPath) || FileExists(newPath)) return;
 
     if (rename(oldPath, newPath) != 0) {
@@ -277,7 +278,7 @@ int32_t EnterInterfaces(int32_t first)
 
 /// The phases in their order, results dropped: each repairs what it can, whatever became of the one
 /// before.
-bool Boot(int32_t firstCount)
+void Boot(int32_t firstCount)
 {
     (void)CheckTrunkBondConfig();
     (void)CheckBondConfig();
@@ -311,7 +312,6 @@ bool Boot(int32_t firstCount)
     addAllCardNetRoute();
     (void)setCmosVerifyFlag();
     LOG_INFO_AS("CommonMain", "lanrise is finished.");
-    return true;
 }
 
 bool CheckCard(const char* name)
@@ -338,7 +338,7 @@ bool SetDefaultCard(const char* word, const char* card)
     return true;  // also for a card that could not be set: start scripts rely on it
 }
 
-bool AreUsable(const char* address, const char* mask, const char* gateway)
+bool CheckAddresses(const char* address, const char* mask, const char* gateway)
 {
     Triple triple;
     if (!ParseIPv4(address, &triple.address)) {
@@ -363,7 +363,7 @@ bool AreUsable(const char* address, const char* mask, const char* gateway)
 bool SetAddress(const char* card, const char* address, const char* mask, const char* gateway)
 {
     (void)CheckCard(card);  // said, and no more: a card that is missing stops nothing
-    if (!AreUsable(address, mask, gateway)) return false;
+    if (!CheckAddresses(address, mask, gateway)) return false;
 
     if (!NetSetIPByName(card, address, mask)) {
         LOG_WARN_AS("CommonMain", "set %s's IP: %s, MASK: %s failed", card, address, mask);
@@ -379,8 +379,6 @@ bool SetAddress(const char* card, const char* address, const char* mask, const c
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t dvr_lanrise_main(int32_t argc, char** argv)
 {
@@ -404,7 +402,7 @@ bool CommonMain(int32_t argc, char** argv)
     FindSwitch();
     const int32_t firstCount = EnterInterfaces(0);
     switch (argc) {
-    case 1: return Boot(firstCount);
+    case 1: Boot(firstCount); return true;
     case 3: return SetDefaultCard(argv[1], argv[2]);
     case 5: return SetAddress(argv[1], argv[2], argv[3], argv[4]);
     default: LOG_WARN("Please check your command for lanrise."); return true;
@@ -417,8 +415,6 @@ void PrintfHelp(void)
 }
 
 // ==== PoE setting files ====
-
-namespace vorlix {
 
 namespace {
 
@@ -435,10 +431,10 @@ constexpr size_t kTargetSize = 63;
 constexpr int kPoeNameExists = 1419;
 constexpr int kCardNameExists = 1441;
 
-void LinkUnlessThere(const char* name, const char* target, int mark)
+void LinkUnlessThere(const char* name, const char* target, int printed)
 {
-    if (access(target, F_OK) == 0) {
-        printf("%s exit at[%d]!\n", target, mark);
+    if (FileExists(target)) {
+        printf("%s exit at[%d]!\n", target, printed);
         return;
     }
     if (link(name, target) != 0) {
@@ -480,8 +476,6 @@ void KeepInStep(const char* name)
 
 }  // namespace
 
-}  // namespace vorlix
-
 int BackupPoEConfig(void)
 {
     const Directory folder(opendir("./"));
@@ -496,8 +490,6 @@ int BackupPoEConfig(void)
 }
 
 // ==== Saved bonds ====
-
-namespace vorlix {
 
 namespace {
 
@@ -553,26 +545,27 @@ constexpr size_t kBondNumberPlace = 4;
 constexpr uint32_t kLastSettledBond = 15;  // claims are taken up to 31, and stay unseen from 16 on
 constexpr auto kNoBondMode = static_cast<NICBondMode>(-1);
 
-/// The bond that a card's file says it is in. One without a name is the first bond.
-bool ReadBondClaim(const char* card, Name& bond)
+/// The bond that a card's file says it is in: the first one when it does not say which.
+/// @return false for a card that is in none, or in one that is not there
+bool ReadBondClaim(const char* card, Name& bond, bool* isNamed)
 {
     bool bonded = false;
     if (!GetEthIsBondedByConfig(card, &bonded) || !bonded) return false;
-    if (GetEthBondNameByConfig(card, bond, sizeof(bond))) return IsBond(bond) && IsPresent(bond);
-    if (!IsPresent(kFirstBond)) return false;
 
-    CopyText(bond, kFirstBond);
-    (void)SetEthBondNameByConfig(card, bond);
-    return true;
+    *isNamed = GetEthBondNameByConfig(card, bond, sizeof(bond));
+    if (!*isNamed) CopyText(bond, kFirstBond);
+    return IsBond(bond) && IsPresent(bond);
 }
 
 void ClaimBond(const char* card, Claims* claims)
 {
     Name bond = {};
-    if (!ReadBondClaim(card, bond)) {
-        LeaveBond(card);
+    bool isNamed = false;
+    if (!ReadBondClaim(card, bond, &isNamed)) {
+        Leave(kInBond, card);
         return;
     }
+    if (!isNamed) (void)SetEthBondNameByConfig(card, bond);
     (void)SetWorkModeByConfig(card, netModeBond);
     const uint32_t number = NumberFrom(bond, kBondNumberPlace);
     if (number < Claims::kSlots) {
@@ -580,7 +573,7 @@ void ClaimBond(const char* card, Claims* claims)
         return;
     }
     LOG_ERROR_AS("CheckBondConfig", "can not handle %s", bond);
-    LeaveBond(card);  // its work mode is mended by CheckWorkmodeConfig
+    Leave(kInBond, card);  // its work mode is mended by CheckWorkmodeConfig
 }
 
 bool IsBondInOrder(const char* bond, const MemberSlot& slot)
@@ -605,9 +598,16 @@ void DissolveBond(const char* bond, const MemberSlot* slot)
     (void)SetBondMemberByConfig(bond, nobody, 1);
     if (slot == nullptr) return;
 
-    LeaveBond(slot->names[0]);
+    Leave(kInBond, slot->names[0]);
     LOG_WARN_AS("CheckBondConfig", "the %s's member[%s] from eth config is 1", bond,
                 slot->names[0]);
+}
+
+void PutFirstCardInFront(MemberSlot* slot)
+{
+    for (int32_t i = 0; i < slot->num; ++i) {
+        if (Equal(slot->names[i], kFirstCard)) std::swap(slot->names[i], slot->names[0]);
+    }
 }
 
 void SettleBond(const char* bond, MemberSlot* slot)
@@ -624,15 +624,11 @@ void SettleBond(const char* bond, MemberSlot* slot)
     }
     if (IsBondInOrder(bond, *slot)) return;
 
-    for (int32_t i = 0; i < slot->num; ++i) {
-        if (Equal(slot->names[i], "eth0")) std::swap(slot->names[i], slot->names[0]);
-    }
+    PutFirstCardInFront(slot);
     SaveMembers(bond, *slot, SetBondMemberByConfig);
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 bool CheckTrunkBondConfig(void)
 {
@@ -660,8 +656,6 @@ bool CheckBondConfig(void)
 
 // ==== Saved bridges ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr size_t kBridgeNumberPlace = 2;
@@ -676,7 +670,7 @@ void ClaimBridge(const char* card, Claims* claims)
     const bool hasFlag = GetEthIsBridgedByConfig(card, &bridged);
     const bool hasName = GetEthBridgeNameByConfig(card, bridge, sizeof(bridge));
     if (!hasFlag || !hasName || !bridged || !IsBridge(bridge)) {
-        LeaveBridge(card);
+        Leave(kInBridge, card);
         return;
     }
     (void)SetWorkModeByConfig(card, netModeBridge);
@@ -701,7 +695,7 @@ bool SettleBridge(const char* bridge, const MemberSlot* slot)
     }
     if (slot->num < 2) {
         (void)DelConfigFile(bridge);
-        LeaveBridge(slot->names[0]);
+        Leave(kInBridge, slot->names[0]);
         LOG_WARN_AS("CheckBridgeConfig", "the %s's member[%s] from eth config is 1", bridge,
                     slot->names[0]);
         return false;
@@ -713,8 +707,6 @@ bool SettleBridge(const char* bridge, const MemberSlot* slot)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 bool CheckBridgeConfig(void)
 {
@@ -734,28 +726,17 @@ bool CheckBridgeConfig(void)
 
 // ==== Work modes ====
 
-namespace vorlix {
-
 namespace {
 
-bool IsMarkedBonded(const char* card)
+/// Reads a card's flag. One that cannot be read is saved as not set.
+bool SettleFlag(const Membership& membership, const char* card)
 {
-    bool marked = false;
-    if (!GetEthIsBondedByConfig(card, &marked)) {
-        LOG_WARN_AS("CheckWorkmodeConfig", "Get %s IsBondedByConfig  failed", card);
-        (void)SetEthIsBondedByConfig(card, false);
+    bool flag = false;
+    if (!membership.getFlag(card, &flag)) {
+        LOG_WARN_AS("CheckWorkmodeConfig", "Get %s %s  failed", card, membership.flagName);
+        (void)membership.setFlag(card, false);
     }
-    return marked;
-}
-
-bool IsMarkedBridged(const char* card)
-{
-    bool marked = false;
-    if (!GetEthIsBridgedByConfig(card, &marked)) {
-        LOG_WARN_AS("CheckWorkmodeConfig", "Get %s IsBridgedByConfig  failed", card);
-        (void)SetEthIsBridgedByConfig(card, false);
-    }
-    return marked;
+    return flag;
 }
 
 NetWorkMode ModeOf(const char* card, bool bonded, bool bridged)
@@ -768,23 +749,21 @@ NetWorkMode ModeOf(const char* card, bool bonded, bool bridged)
 /// @return false when the card was marked both ways
 bool SettleWorkMode(const char* card)
 {
-    const bool bonded = IsMarkedBonded(card);
-    const bool bridged = IsMarkedBridged(card);
+    const bool bonded = SettleFlag(kInBond, card);
+    const bool bridged = SettleFlag(kInBridge, card);
     if (!bonded || !bridged) {
         (void)SetWorkModeByConfig(card, ModeOf(card, bonded, bridged));
         return true;
     }
     LOG_ERROR_AS("CheckWorkmodeConfig",
                  " cannot determine %s workmode.delete from both bond and bridge.", card);
-    LeaveBridge(card);
-    LeaveBond(card);
+    Leave(kInBridge, card);
+    Leave(kInBond, card);
     (void)SetWorkModeByConfig(card, netModeMultiple);
     return false;
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 bool CheckWorkmodeConfig(void)
 {
@@ -796,8 +775,6 @@ bool CheckWorkmodeConfig(void)
 }
 
 // ==== Live members ====
-
-namespace vorlix {
 
 namespace {
 
@@ -819,8 +796,6 @@ bool AddMembers(MemberQuery query, const char* master, char** names, int32_t* co
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 bool getAllBondOrBrSlave(void)
 {
@@ -847,13 +822,10 @@ bool getAllBondOrBrSlave(void)
 
 // ==== Addresses ====
 
-namespace vorlix {
-
 namespace {
 
 // ---- factory values
 
-constexpr char kEth0[] = "eth0";
 constexpr char kEthBase[] = "192.168.0.108";
 constexpr char kEthGateway[] = "192.168.0.1";
 constexpr char kBondBase[] = "192.168.2.108";
@@ -873,7 +845,7 @@ constexpr int kDefaultMtu = 1500;
 constexpr int kEthCards = 32;
 constexpr int kNumberedCards = 8;
 
-constexpr const char* kDefaultCards[] = {kEth0, "eth1", "eth2"};
+constexpr const char* kDefaultCards[] = {kFirstCard, "eth1", "eth2"};
 
 // ---- triples
 
@@ -922,11 +894,12 @@ void ParseEth0(const TripleText& text, Triple* triple)
 Triple RestoreEth0()
 {
     TripleText text;
-    if (!RestoreIP(kEth0, text.address)) LOG_WARN_AS("CheckEth0Config", "Restore eth0's IP failed");
-    if (!RestoreMask(kEth0, text.mask)) {
+    if (!RestoreIP(kFirstCard, text.address))
+        LOG_WARN_AS("CheckEth0Config", "Restore eth0's IP failed");
+    if (!RestoreMask(kFirstCard, text.mask)) {
         LOG_WARN_AS("CheckEth0Config", "Restore eht0's mask failed");
     }
-    if (!RestoreGateway(kEth0, text.gateway)) {
+    if (!RestoreGateway(kFirstCard, text.gateway)) {
         LOG_WARN_AS("CheckEth0Config", "Restore eth0's gateway failed");
     }
     Triple backup;
@@ -938,21 +911,21 @@ Triple ReadEth0()
 {
     TripleText text;
     Triple saved;
-    if (ReadTriple(kEth0, &text)) ParseEth0(text, &saved);
+    if (ReadTriple(kFirstCard, &text)) ParseEth0(text, &saved);
     return saved;
 }
 
 void BackupEth0(const char* address, const char* mask, const char* gateway)
 {
-    (void)BackupIP(kEth0, address);
-    (void)BackupGateway(kEth0, gateway);
-    (void)BackupMask(kEth0, mask);
+    (void)BackupIP(kFirstCard, address);
+    (void)BackupGateway(kFirstCard, gateway);
+    (void)BackupMask(kFirstCard, mask);
 }
 
 void SaveEth0(const Triple& triple)
 {
     const TripleText text = TextOf(triple);
-    SaveTriple(kEth0, text.address, text.mask, text.gateway);
+    SaveTriple(kFirstCard, text.address, text.mask, text.gateway);
 }
 
 void BackupEth0(const Triple& triple)
@@ -966,7 +939,7 @@ void ResetEth0()
     LOG_WARN_AS("CheckEth0Config", "eth0 in config and backup is not correct! set been reset flag, "
                                    "will reboot with user config");
     (void)setBeenResetFlag();
-    SaveTriple(kEth0, kEthBase, kMask, kEthGateway);
+    SaveTriple(kFirstCard, kEthBase, kMask, kEthGateway);
     BackupEth0(kEthBase, kMask, kEthGateway);
 }
 
@@ -1016,8 +989,6 @@ void PreferPresent(Name& card)
 
 }  // namespace
 
-}  // namespace vorlix
-
 bool CheckBackup(void)
 {
     if (CheckCrc()) return true;
@@ -1045,9 +1016,9 @@ bool CheckNetCardConfig(const char* name)
 
 bool CheckEth0Config(void)
 {
-    if (!IsPresent(kEth0)) return true;
+    if (!IsPresent(kFirstCard)) return true;
 
-    EnsureMtu(kEth0);
+    EnsureMtu(kFirstCard);
     const Triple backup = RestoreEth0();
     const Triple saved = ReadEth0();
     if (!IsValid(saved) && !IsValid(backup)) {
@@ -1100,7 +1071,7 @@ bool CheckDefaultEthConfig(void)
     Name card = {};
     if (!GetDefaultEthByConfig(card, sizeof(card))) {
         LOG_WARN("get default eth failed.");
-        CopyText(card, kEth0);
+        CopyText(card, kFirstCard);
     }
     PreferPresent(card);
     LOG_INFO("default eth is %s.", card);
@@ -1127,8 +1098,6 @@ bool CheckDnsServer(void)
 }
 
 // ==== Bringing up ====
-
-namespace vorlix {
 
 namespace {
 
@@ -1256,8 +1225,6 @@ void addDefRoute()
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 void removeAllRoute(void)
 {
