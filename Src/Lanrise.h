@@ -24,21 +24,23 @@ extern "C" {
 
 // ==== Program ====
 
-/// Entry for a host application: runs `CommonMain` and drops its result.
+/// Entry for a host application: runs `CommonMain` and drops its result. A boot takes as long as its
+/// tools, its locks and the 2 seconds for each bond take, and the calling thread waits.
 /// @return always 1
 VORLIX_API int32_t dvr_lanrise_main(int32_t argc, char** argv);
 
 /// Second name of `dvr_lanrise_main`.
 VORLIX_API int32_t PDI_lanriseMain(int32_t argc, char** argv);
 
-/// Runs the program. The number of arguments alone selects the form:
+/// Runs the program. The number of arguments selects the form, whatever they are:
 ///
 ///   1  the boot: repairs the saved settings, brings up the cards, rebuilds the routes
 ///   3  "setdef <ethname>": changes the default card
 ///   5  "<ethname> <Ipaddress> <Netmask> <Gateway>": sets one card's address, rebuilds the routes
 ///
 /// Every form first gives two files of an old release their present names, prints the usage text,
-/// lists the interfaces and creates the setting files that are missing.
+/// lists the interfaces and creates the setting files that are missing. Needs the rights to change
+/// the network and to write the setting files; without them each step says so and the next one runs.
 ///
 /// @return false when no interface can be listed, the third word is not "setdef", its card does not
 ///         exist, or the addresses do not parse or do not share a net; true otherwise, also for a
@@ -102,9 +104,10 @@ VORLIX_API bool getAllBondOrBrSlave(void);
 
 // ==== Addresses ====
 //
-// Setting files and backup memory alone: nothing here asks or changes the kernel. A triple of
-// address, mask and gateway is valid when its texts parse, the address is not 0, and address and
-// gateway lie in one net; a mask of 0 makes one net of everything.
+// Setting files and backup memory: nothing here changes the kernel. An interface is there when the
+// last listing of the program entered it. A triple of address, mask and gateway is valid when its
+// texts parse, the address is not 0, and address and gateway lie in one net; a mask of 0 makes one
+// net of everything.
 
 /// Wipes the backup memory when its check fails.
 /// @return always true
@@ -122,14 +125,17 @@ VORLIX_API bool CheckNetCardConfig(const char* name);
 /// @return false when neither was valid
 VORLIX_API bool CheckEth0Config(void);
 
-/// Gives eth1 to eth31, as far as listed, their factory address when their file has no valid
-/// triple.
+/// Gives eth1 to eth31, as far as they are there, their factory triple when their file has no valid
+/// one: the address of their number, one mask and one gateway for all. An MTU that is missing is
+/// saved, valid or not. What cannot be written stays as it was.
+/// @return true; false when the factory address itself cannot be parsed, Error
 VORLIX_API bool CheckEthCardConfig(void);
 
-/// The same for bond0 to bond7. The first number that is not listed ends the walk.
+/// The same for bond0 to bond7, without the Error. The first number that is not there ends the walk.
+/// @errors eight bonds: Warn, since a ninth would not be looked at
 VORLIX_API bool CheckBondCardConfig(void);
 
-/// The same for wlan0 to wlan7.
+/// The same for wlan0 to wlan7, as `CheckBondCardConfig`.
 VORLIX_API bool CheckWlanCardConfig(void);
 
 /// The same for the switch interface, if there is one.
@@ -150,10 +156,14 @@ VORLIX_API bool CheckDnsServer(void);
 
 /// Deletes the IPv4 routes over the device's interfaces. Looks at the first 32 routes of the table;
 /// routes over other interfaces, such as the loopback, stay.
+/// @errors a table that cannot be read, a route that stays: Info; one that the kernel keeps: Error
 VORLIX_API void removeAllRoute(void);
 
-/// Adds the direct route to the net that the card's file tells. Without an address there it is the
-/// route to "0.0.0.0" with what mask there is.
+/// Adds the direct route to the net that the card's file tells, for which address, mask and gateway
+/// must be saved, though no gateway is used. When one of them is missing, a route to "0.0.0.0" is
+/// asked for instead, under the mask as far as it was read: without a mask none is added. When one
+/// does not parse, no route is added.
+/// @errors a text that does not parse: Info; what `RouteAddIPv4` logs
 VORLIX_API void addRouteByName(const char* ifname);
 
 /// Adds the net route of every listed interface that has one of its own, which members of bonds and
