@@ -190,11 +190,12 @@ bool ReadIsTrunk(const char* path, bool* isTrunk)
         LOG_ERROR_AS("IsTrunkBondConfig", "cannot fopen [%s]", strerror(errno));
         return false;
     }
-    *isTrunk = true;
     char line[kLineSize];
-    while (*isTrunk && file.Next(line)) {
-        if (Contains(line, KeyText(HOST_BONDMEMBERS_KEY))) *isTrunk = false;
+    bool hasMembers = false;
+    while (!hasMembers && file.Next(line)) {
+        hasMembers = Contains(line, KeyText(HOST_BONDMEMBERS_KEY));
     }
+    *isTrunk = !hasMembers;
     return true;
 }
 

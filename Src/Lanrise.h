@@ -24,8 +24,8 @@ extern "C" {
 
 // ==== Program ====
 
-/// Entry for a host application: runs `CommonMain` and drops its result. A boot takes as long as its
-/// tools, its locks and the 2 seconds for each bond take, and the calling thread waits.
+/// Entry for a host application: runs `CommonMain` and drops its result. A boot takes as long as
+/// its tools, its locks and the 2 seconds for each bond take, and the calling thread waits.
 /// @return always 1
 VORLIX_API int32_t dvr_lanrise_main(int32_t argc, char** argv);
 
@@ -40,7 +40,8 @@ VORLIX_API int32_t PDI_lanriseMain(int32_t argc, char** argv);
 ///
 /// Every form first gives two files of an old release their present names, prints the usage text,
 /// lists the interfaces and creates the setting files that are missing. Needs the rights to change
-/// the network and to write the setting files; without them each step says so and the next one runs.
+/// the network and to write the setting files; without them each step says so and the next one
+/// runs.
 ///
 /// @return false when no interface can be listed, the third word is not "setdef", its card does not
 ///         exist, or the addresses do not parse or do not share a net; true otherwise, also for a
@@ -131,7 +132,8 @@ VORLIX_API bool CheckEth0Config(void);
 /// @return true; false when the factory address itself cannot be parsed, Error
 VORLIX_API bool CheckEthCardConfig(void);
 
-/// The same for bond0 to bond7, without the Error. The first number that is not there ends the walk.
+/// The same for bond0 to bond7, without the Error. The first number that is not there ends the
+/// walk.
 /// @errors eight bonds: Warn, since a ninth would not be looked at
 VORLIX_API bool CheckBondCardConfig(void);
 

@@ -127,29 +127,30 @@ bool IsPadding(char character)
     return character == ' ' || character == '\t' || character == '\n';
 }
 
+/// Finds the first line that holds the key.
+bool FindLine(const char* filename, const char* key, char (&line)[kLineSize])
+{
+    LockedLines lines(filename);
+    while (lines.Next(line)) {
+        if (Contains(line, key)) return true;
+    }
+    return false;
+}
+
+/// The same for one of several keys: the first of the lines offered that holds it.
 struct KeyLine {
     const char* key;
     bool found;
     char text[kLineSize];
-};
 
-/// Finds for each key the first line that holds it.
-template <size_t count>
-void FindLines(const char* filename, KeyLine (&wanted)[count])
-{
-    LockedLines lines(filename);
-    char line[kLineSize];
-    size_t left = count;
-    while (left > 0 && lines.Next(line)) {
-        for (KeyLine& entry : wanted) {
-            if (entry.found || !Contains(line, entry.key)) continue;
+    void Offer(const char* line)
+    {
+        if (found || !Contains(line, key)) return;
 
-            CopyText(entry.text, line);
-            entry.found = true;
-            --left;
-        }
+        CopyText(text, line);
+        found = true;
     }
-}
+};
 
 /// Copies out the value of a line.
 bool TakeValue(const char* filename, const char* key, const char* line, char* value, int len)
@@ -179,9 +180,9 @@ bool TakeValue(const char* filename, const char* key, const char* line, char* va
     return true;
 }
 
-bool TakeValue(const KeyLine& line, const char* filename, char* value, int len)
+bool TakeValue(const char* filename, const KeyLine& line, const Wanted& wanted)
 {
-    return line.found && TakeValue(filename, line.key, line.text, value, len);
+    return line.found && TakeValue(filename, line.key, line.text, wanted.value, wanted.len);
 }
 
 // ---- writing
@@ -349,10 +350,17 @@ bool LockedLines::Next(char (&line)[kLineSize])
 
 bool ReadTwoKeys(const char* filename, const Wanted& first, const Wanted& second)
 {
-    KeyLine lines[] = {{KeyText(first.key), false, {}}, {KeyText(second.key), false, {}}};
-    FindLines(filename, lines);
-    return TakeValue(lines[0], filename, first.value, first.len) &&
-           TakeValue(lines[1], filename, second.value, second.len);
+    KeyLine firstLine = {KeyText(first.key), false, {}};
+    KeyLine secondLine = {KeyText(second.key), false, {}};
+    {
+        LockedLines lines(filename);
+        char line[kLineSize];
+        while (!(firstLine.found && secondLine.found) && lines.Next(line)) {
+            firstLine.Offer(line);
+            secondLine.Offer(line);
+        }
+    }
+    return TakeValue(filename, firstLine, first) && TakeValue(filename, secondLine, second);
 }
 
 void SwitchModes::Read()
@@ -417,9 +425,8 @@ bool GetValueByKey(const char* filename, const char* key, char* value, int len)
 {
     if (filename == nullptr || key == nullptr || value == nullptr) return false;
 
-    KeyLine line[] = {{key, false, {}}};
-    FindLines(filename, line);
-    return TakeValue(line[0], filename, value, len);
+    char line[kLineSize];
+    return FindLine(filename, key, line) && TakeValue(filename, key, line, value, len);
 }
 
 bool SetValueByKey(const char* filename, const char* key, const char* value)
