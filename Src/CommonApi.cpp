@@ -13,7 +13,7 @@
 //   Switch and PoE: ports of the switch chip, power on its ports
 //
 // Each chapter has its own helpers directly above its operations and calls only operations of the
-// chapters before it.
+// chapters before it. What several chapters need stands in front of them all.
 
 #include "CommonApi.h"
 
@@ -44,39 +44,82 @@
 
 using namespace vorlix;
 
-// ==== Routes ====
-
-namespace vorlix {
+// ==== Shared ====
 
 namespace {
 
-constexpr char kAnyIPv4[] = "0.0.0.0";   // default destination and its mask
+constexpr char kAnyIPv4[] =
+    "0.0.0.0";  // default destination and its mask, all peers, all addresses
 constexpr char kAnyIPv6[] = "0:0:0::0";  // default destination, and a prefix length of 0 to `atoi`
+
+constexpr size_t kIPv6TextSize = 48;
+constexpr uint32_t kLongestPrefix = 128;
+constexpr int kDefaultMtu = 1500;  // in the place of one that is refused
+
+/// How the settings of a card tell that it is a member.
+struct Membership {
+    bool (*saveIsMember)(const char* card, bool isMember);
+    bool (*saveMaster)(const char* card, const char* master);
+    NetWorkMode mode;
+};
+
+/// Saves a card as a member of a bond or bridge, or of none for an empty name.
+void SaveMaster(const Membership& membership, const char* card, const char* master)
+{
+    const bool isMember = master[0] != '\0';
+    (void)membership.saveIsMember(card, isMember);
+    (void)membership.saveMaster(card, master);
+    (void)SetWorkModeByConfig(card, isMember ? membership.mode : netModeMultiple);
+}
+
+}  // namespace
+
+// ==== Routes ====
+
+namespace {
 
 constexpr int kRouteRows = 16;
 constexpr int kDefaultCardRows = 10;
-constexpr size_t kIPv6TextSize = 48;
 constexpr uint8_t kIPv4Record = 0;
 constexpr uint8_t kIPv6Record = 1;
-constexpr uint32_t kLongestPrefix = 128;
 
 std::atomic<int> s_disable{0};  // set once, never cleared
 
 using ChangeRoute = bool (*)(const char* dst, const char* gw, const char* mask, const char* viaDev);
+
+bool SavedGateway6(const char* name, char* gateway)
+{
+    return GetGatewayv6ByConfig(name, gateway, kIPv6TextSize);
+}
 
 /// What tells the two families apart.
 template <class Row>
 struct RouteFamily {
     bool (*read)(Row* rows, int* num);
     ChangeRoute remove;
+    ChangeRoute addDefault;
+    ChangeRoute removeUnlisted;  // a default route, when the table cannot be read
+    bool (*savedGateway)(const char* name, char* gateway);
     const char* any;
     const char* noMemory;
     const char* noTable;
 };
-constexpr RouteFamily<IPv4Route> kIPv4 = {Route_GetIPv4Route, Route_DelIPv4Route, kAnyIPv4,
+constexpr RouteFamily<IPv4Route> kIPv4 = {Route_GetIPv4Route,
+                                          Route_DelIPv4Route,
+                                          RouteAddIPv4,
+                                          Route_DelIPv4Route,
+                                          GetGatewayByConfig,
+                                          kAnyIPv4,
                                           "malloc struct IPv4Route failed",
                                           "get IPv4 RouteTable fail!"};
-constexpr RouteFamily<IPv6Route> kIPv6 = {Route_GetIPv6Route, Route_DelIPv6Route, kAnyIPv6,
+/// An IPv6 default route is added whether it is there or not. Without a table nothing is deleted:
+/// what is tried then is an IPv4 addition, which fails at the destination.
+constexpr RouteFamily<IPv6Route> kIPv6 = {Route_GetIPv6Route,
+                                          Route_DelIPv6Route,
+                                          Route_AddIPv6Route,
+                                          Route_AddIPv4Route,
+                                          SavedGateway6,
+                                          kAnyIPv6,
                                           "malloc struct IPv6Route failed",
                                           "get IPv6 RouteTable fail!"};
 
@@ -96,6 +139,11 @@ bool PrintWords(const uint32_t (&words)[4], char (&text)[kIPv6TextSize])
     in6_addr address{};
     memcpy(&address, words, sizeof(address));
     return PrintIPv6(address, text, sizeof(text));
+}
+
+bool AnyNull(const char* dst, const char* gw, const char* mask, const char* viaDev)
+{
+    return dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr;
 }
 
 struct RouteTexts {
@@ -143,10 +191,10 @@ bool DeleteRow(const char* operation, const RouteFamily<Row>& family, const Row&
     return false;
 }
 
-/// Deletes the default routes of a card, or of all cards for NULL, up to the first failure.
+/// Deletes the listed default routes of a card, or of all cards for NULL, up to the first failure.
 template <class Row>
-bool DeleteDefaults(const char* operation, const RouteFamily<Row>& family,
-                    const RouteRows<Row>& table, const char* name)
+bool DeleteListedDefaults(const char* operation, const RouteFamily<Row>& family,
+                          const RouteRows<Row>& table, const char* name)
 {
     for (const Row& row : table) {
         if (!IsDefault(row) || (name != nullptr && !Equal(row.viaDev, name))) continue;
@@ -158,6 +206,43 @@ bool DeleteDefaults(const char* operation, const RouteFamily<Row>& family,
         return false;
     }
     return true;
+}
+
+template <class Row>
+bool ReadSavedGateway(const char* operation, const RouteFamily<Row>& family, const char* name,
+                      char (&gw)[kIPv6TextSize])
+{
+    if (family.savedGateway(name, gw)) return true;
+
+    LOG_ERROR_AS(operation, "Can not get %s default gw.", name);
+    return false;
+}
+
+/// Deletes the default routes of a card, or of all cards for NULL.
+template <class Row>
+bool DeleteDefaults(const char* operation, const RouteFamily<Row>& family, const char* name)
+{
+    RouteRows<Row> table;
+    if (table.Read(family)) return DeleteListedDefaults(operation, family, table, name);
+
+    LOG_ERROR_AS(operation, "get route item error.");
+    char gw[kIPv6TextSize] = {};
+    return name != nullptr && ReadSavedGateway(operation, family, name, gw) &&
+           family.removeUnlisted(family.any, gw, family.any, name);
+}
+
+/// Puts a default route in the place of all that `removeDefaults` deletes. It is tried whatever is
+/// left of them.
+template <class Row>
+bool ReplaceDefaults(const char* operation, const RouteFamily<Row>& family,
+                     bool (*removeDefaults)(const char* name), const char* name)
+{
+    if (name == nullptr) return false;
+
+    (void)removeDefaults(nullptr);
+    char gw[kIPv6TextSize] = {};
+    return ReadSavedGateway(operation, family, name, gw) &&
+           family.addDefault(family.any, gw, family.any, name);
 }
 
 /// Deletes the routes of a card, save its default routes, up to the first failure.
@@ -278,12 +363,8 @@ bool ChangeByRecord(const char* operation, const NetRouteTableInfo& cmd, ChangeR
 
 }  // namespace
 
-}  // namespace vorlix
-
 bool RouteAddIPv4(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
-
     return !Route_IsExistInSys(dst, gw, mask, viaDev) && Route_AddIPv4Route(dst, gw, mask, viaDev);
 }
 
@@ -294,7 +375,7 @@ bool RouteDelIPv4(const char* dst, const char* gw, const char* mask, const char*
 
 bool RouteAddIPv6(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+    if (AnyNull(dst, gw, mask, viaDev)) return false;
 
     LOG_INFO("ipv6routeAdd name:%s addr:%s gw:%s, mask:%s", viaDev, dst, gw, mask);
     IPv6Route wanted{};
@@ -323,7 +404,7 @@ bool RouteAddIPv6(const char* dst, const char* gw, const char* mask, const char*
 
 bool RouteDelIPv6(const char* dst, const char* gw, const char* mask, const char* viaDev)
 {
-    if (dst == nullptr || gw == nullptr || mask == nullptr || viaDev == nullptr) return false;
+    if (AnyNull(dst, gw, mask, viaDev)) return false;
 
     LOG_INFO("ipv6routeDel name:%s addr:%s gw:%s, mask:%s", viaDev, dst, gw, mask);
     return Route_DelIPv6Route(dst, gw, mask, viaDev);
@@ -367,61 +448,22 @@ bool NetSetDefEth(const char* name)
 
 bool RouteAddDefIPv4(const char* name)
 {
-    if (name == nullptr) return false;
-
-    (void)RouteDelDefIPv4(nullptr);  // the new route is tried whatever is left of the old ones
-    char gw[kIPv4TextSize] = {};
-    if (!GetGatewayByConfig(name, gw)) {
-        LOG_ERROR("Can not get %s default gw.", name);
-        return false;
-    }
-    return RouteAddIPv4(kAnyIPv4, gw, kAnyIPv4, name);
+    return ReplaceDefaults(__func__, kIPv4, RouteDelDefIPv4, name);
 }
 
 bool RouteDelDefIPv4(const char* name)
 {
-    RouteRows<IPv4Route> table;
-    if (table.Read(kIPv4)) return DeleteDefaults(__func__, kIPv4, table, name);
-
-    LOG_ERROR("get route item error.");
-    if (name == nullptr) return false;
-
-    char gw[kIPv4TextSize] = {};
-    if (!GetGatewayByConfig(name, gw)) {
-        LOG_ERROR("Can not get %s default gw.", name);
-        return false;
-    }
-    return Route_DelIPv4Route(kAnyIPv4, gw, kAnyIPv4, name);
+    return DeleteDefaults(__func__, kIPv4, name);
 }
 
 bool RouteAddDefIPv6(const char* name)
 {
-    if (name == nullptr) return false;
-
-    (void)RouteDelDefIPv6(nullptr);  // the new route is tried whatever is left of the old ones
-    char gw[kIPv6TextSize] = {};
-    if (!GetGatewayv6ByConfig(name, gw, sizeof(gw))) {
-        LOG_ERROR("Can not get %s default gw.", name);
-        return false;
-    }
-    return Route_AddIPv6Route(kAnyIPv6, gw, kAnyIPv6, name);
+    return ReplaceDefaults(__func__, kIPv6, RouteDelDefIPv6, name);
 }
 
 bool RouteDelDefIPv6(const char* name)
 {
-    RouteRows<IPv6Route> table;
-    if (table.Read(kIPv6)) return DeleteDefaults(__func__, kIPv6, table, name);
-
-    LOG_ERROR("get route item error.");
-    if (name == nullptr) return false;
-
-    char gw[kIPv6TextSize] = {};
-    if (!GetGatewayv6ByConfig(name, gw, sizeof(gw))) {
-        LOG_ERROR("Can not get %s default gw.", name);
-        return false;
-    }
-    // An IPv4 addition, which fails at the destination: without a table nothing is deleted here.
-    return Route_AddIPv4Route(kAnyIPv6, gw, kAnyIPv6, name);
+    return DeleteDefaults(__func__, kIPv6, name);
 }
 
 bool RouteDelAllRoute(void)
@@ -475,8 +517,6 @@ bool RouteDel(NetRouteTableInfo* cmd)
 
 // ==== Virtual links ====
 
-namespace vorlix {
-
 namespace {
 
 /// The names of a record, which may fill their fields, as texts.
@@ -491,7 +531,7 @@ struct LinkNames {
 };
 
 /// Tells of a type that nothing is made of. Always false.
-bool UnknownType(const char* operation, const LinkNames& names, NetVirtInterType type)
+bool RefuseType(const char* operation, const LinkNames& names, NetVirtInterType type)
 {
     LOG_ERROR_AS(operation, "[%s:%s]invalid type %d", names.host, names.virt, type);
     return false;
@@ -513,9 +553,7 @@ bool AddMacVlan(LinkNames* names, NetMacVlanAttr* attributes)
 
 }  // namespace
 
-}  // namespace vorlix
-
-// A request is told of at Error level: what reads the logs of devices in the field looks there.
+// Each request is told of at Error level, not a refused one alone.
 
 bool NetVirtInterAdd(NetVirtInterInfo* pstInterInfo)
 {
@@ -527,7 +565,7 @@ bool NetVirtInterAdd(NetVirtInterInfo* pstInterInfo)
     switch (type) {
     case virtTypeIpVlan: return AddIpVlan(&names, pstInterInfo->interParam.ipVlAttr);
     case virtTypeMacVlan: return AddMacVlan(&names, &pstInterInfo->interParam.macVlAttr);
-    default: return UnknownType(__func__, names, type);
+    default: return RefuseType(__func__, names, type);
     }
 }
 
@@ -541,13 +579,11 @@ bool NetVirtInterDel(NetVirtInterName* pstInterName)
     switch (type) {
     case virtTypeIpVlan: return VirtInter_IpVlanDel(names.host, names.virt) == 0;
     case virtTypeMacVlan: return VirtInter_MacVlanDel(names.host, names.virt) == 0;
-    default: return UnknownType(__func__, names, type);
+    default: return RefuseType(__func__, names, type);
     }
 }
 
 // ==== IPv4 operations ====
-
-namespace vorlix {
 
 namespace {
 
@@ -569,8 +605,6 @@ bool FindMaster(const char* card, char (&master)[kNameSize])
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 bool NetInterfaceUp(const char* name)
 {
@@ -712,8 +746,6 @@ bool NetMiiDiag(const char* name, bool bcheckSlaves)
 
 // ==== IPv6 operations ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr char kDefaultPrefix[] = "64";
@@ -752,8 +784,6 @@ const char* CutPrefix(const char* addr)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 bool NetSetIPv6byName(const char* name, const char* addr, const char* perfix)
 {
@@ -847,29 +877,18 @@ bool NetGetGatewayIPv6byName(const char* name, char* addr, int len)
 
 // ==== Bonds ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr unsigned kHighestBondMode = nicBondBalanceALB;
 constexpr auto kNoBondMode = static_cast<NICBondMode>(-1);
 constexpr unsigned kHighestBondMtu = 7200;
-constexpr int kFallBackMtu = 1500;
+constexpr Membership kOfBond = {SetEthIsBondedByConfig, SetEthBondNameByConfig, netModeBond};
 
 using AddressText = char[kIPv4TextSize];
 
 bool IsBondRunning(const char* bond)
 {
     return Bond_GetBondMembers(bond, nullptr, nullptr);
-}
-
-/// Saves a card as a member of a bond, or of none for an empty name.
-void SaveBondOf(const char* card, const char* bond)
-{
-    const bool bonded = bond[0] != '\0';
-    (void)SetEthIsBondedByConfig(card, bonded);
-    (void)SetEthBondNameByConfig(card, bond);
-    (void)SetWorkModeByConfig(card, bonded ? netModeBond : netModeMultiple);
 }
 
 /// A running bond is never rebuilt: an active-backup one changes its primary, any other refuses.
@@ -955,8 +974,6 @@ bool RecoverCard(const char* card)
 
 }  // namespace
 
-}  // namespace vorlix
-
 bool GetBondMode(const char* bondName, NICBondMode* mode)
 {
     if (bondName == nullptr || mode == nullptr || !IsBondRunning(bondName)) return false;
@@ -989,11 +1006,10 @@ bool SetMtubyBondName(const char* bondName, const int mtu)
 
     const bool allowed = static_cast<unsigned>(mtu) <= kHighestBondMtu;
     if (!allowed) LOG_WARN("mtu can not be set to %d, will be set to 1500", mtu);
-    const int wanted = allowed ? mtu : kFallBackMtu;
+    const int wanted = allowed ? mtu : kDefaultMtu;
 
-    MemberTable table;
-    int count = kMaxInterfaces;
-    if (!Bond_GetBondMembers(bondName, table.Pointers(), &count)) {
+    MemberTable members;
+    if (!members.Read(Bond_GetBondMembers, bondName)) {
         LOG_INFO("%s is not bonded, just save mtu in config.", bondName);
         return true;
     }
@@ -1001,11 +1017,10 @@ bool SetMtubyBondName(const char* bondName, const int mtu)
     (void)Net_GetMtubyName(bondName, &present);
     if (present == wanted && allowed) return true;
 
-    const NameList members = table.First(count);
     (void)Net_InterfaceDown(bondName);
-    for (const char* member : members) (void)Net_InterfaceDown(member);
+    for (const char* member : members.All()) (void)Net_InterfaceDown(member);
     const bool done = Net_SetMtubyName(bondName, wanted);  // the driver hands it to the members
-    for (const char* member : members) (void)Net_InterfaceUp(member);
+    for (const char* member : members.All()) (void)Net_InterfaceUp(member);
     (void)Net_InterfaceUp(bondName);
     return done;
 }
@@ -1039,7 +1054,7 @@ bool Bond(const char* bondName, const char** ethList, const int ethNum, NICBondM
         }
         return false;
     }
-    for (const char* member : members) SaveBondOf(member, bondName);
+    for (const char* member : members) SaveMaster(kOfBond, member, bondName);
     (void)SetBondModeByConfig(bondName, mode);
     (void)SetBondMemberByConfig(bondName, ethList, ethNum);
     (void)NetCardRecover(bondName);
@@ -1050,21 +1065,20 @@ bool UnBond(const char* bondName)
 {
     if (bondName == nullptr || !Contains(bondName, "bond") || !CardExists(bondName)) return false;
 
-    MemberTable table;
-    int count = kMaxInterfaces;
-    if (!Bond_GetBondMembers(bondName, table.Pointers(), &count)) {
+    MemberTable members;
+    if (!members.Read(Bond_GetBondMembers, bondName)) {
         LOG_ERROR("get %s member failed.", bondName);
         return false;
     }
-    if (!Bond_Unbond(bondName, const_cast<const char**>(table.Pointers()), count)) {
+    if (!Bond_Unbond(bondName, const_cast<const char**>(members.Pointers()), members.Count())) {
         LOG_ERROR("unbond failed");
         return false;
     }
     const char* none = "";
     (void)SetBondModeByConfig(bondName, kNoBondMode);
     (void)SetBondMemberByConfig(bondName, &none, 1);
-    for (const char* member : table.First(count)) {
-        SaveBondOf(member, none);
+    for (const char* member : members.All()) {
+        SaveMaster(kOfBond, member, none);
         (void)NetCardRecover(member);
     }
     return true;
@@ -1093,8 +1107,6 @@ bool GetBondHashPolicy(const char* bondName, unsigned char* lacp)
 
 // ==== Bridges ====
 
-namespace vorlix {
-
 namespace {
 
 // ---- the bridge over the internal virtual cards
@@ -1105,17 +1117,17 @@ constexpr char kInternalMask[] = "255.255.254.0";
 constexpr int kInternalMtu = 65535;
 
 /// Lists the virtual cards. Only the first of them is looked at.
-bool Bridge_needBridgeByInterNic(MemberTable& cards, int* count)
+bool Bridge_needBridgeByInterNic(MemberTable& cards)
 {
-    if (!GetVnicInterfaceInfo(cards.Names(), count)) {
+    if (!cards.Read(GetVnicInterfaceInfo)) {
         LOG_WARN("get vnic interface failed");
         return false;
     }
-    if (*count < 1 || *count > kMaxInterfaces) {
-        LOG_WARN("get vnic interface num(%d) err", *count);
+    if (cards.Count() < 1 || cards.Count() > kMaxInterfaces) {
+        LOG_WARN("get vnic interface num(%d) err", cards.Count());
         return false;
     }
-    const char* first = cards.Names()[0];
+    const char* first = *cards.All().begin();
     if (IsVirtPcie(first) && !InterfaceIpIsExist(first)) return true;
 
     LOG_WARN("get %s interface check err", first);
@@ -1134,6 +1146,8 @@ void SetInternalAddress(const char* bridge)
 
 // ---- members
 
+constexpr Membership kOfBridge = {SetEthIsBridgedByConfig, SetEthBridgeNameByConfig, netModeBridge};
+
 bool IsBridgeName(const char* name)
 {
     return StartsWith(name, "br") && IsDigit(name[2]);
@@ -1145,24 +1159,15 @@ bool SaveMembers(const char* bridge, char** members, int count)
     return SetBridgeMemberByConfig(bridge, const_cast<const char**>(members), count);
 }
 
-/// Saves a card as a member of a bridge, or of none for an empty name.
-void SaveBridgeOf(const char* card, const char* bridge)
-{
-    const bool bridged = bridge[0] != '\0';
-    (void)SetEthIsBridgedByConfig(card, bridged);
-    (void)SetEthBridgeNameByConfig(card, bridge);
-    (void)SetWorkModeByConfig(card, bridged ? netModeBridge : netModeMultiple);
-}
-
 /// Ends a bridge and saves it without members. Lists those it had.
-bool EndBridge(const char* operation, const char* bridge, MemberTable& members, int* count)
+bool EndBridge(const char* operation, const char* bridge, MemberTable& members)
 {
-    if (bridge == nullptr || !Bridge_IsBridgeExist(bridge)) return false;
-    if (!Bridge_GetBridgeMembers(bridge, members.Pointers(), count)) {
+    if (!BridgeCheckExist(bridge)) return false;
+    if (!members.Read(Bridge_GetBridgeMembers, bridge)) {
         LOG_ERROR_AS(operation, "get %s bridge menber failed.", bridge);
         return false;
     }
-    if (!Bridge_UnBridge(bridge, members.Pointers(), *count)) {
+    if (!Bridge_UnBridge(bridge, members.Pointers(), members.Count())) {
         LOG_ERROR_AS(operation, "UnBridge failed.[%s]", bridge);
         return false;
     }
@@ -1171,23 +1176,46 @@ bool EndBridge(const char* operation, const char* bridge, MemberTable& members, 
     return true;
 }
 
-bool IsPortOf(const char* operation, const char* bridge, const char* port)
+// ---- edge ports
+
+/// Marking a port and taking the mark off, in the words of the message.
+struct EdgePortChange {
+    const char* verb;
+    const char* preposition;
+    bool (*change)(const char* bridge, const char* port);
+    bool (*save)(const char* bridge, const char* port);
+};
+constexpr EdgePortChange kMarking = {"set", "to", Bridge_AddEdgePort, AddEdgePortByconfig};
+constexpr EdgePortChange kUnmarking = {"del", "from", Bridge_DelEdgePort, DelEdgePortByconfig};
+
+/// Refuses what is no port of a bridge that exists.
+bool RequirePort(const char* operation, const char* bridge, const char* port)
 {
     if (bridge == nullptr || port == nullptr || !Bridge_IsBridgeExist(bridge)) return false;
 
-    MemberTable table;
-    int count = kMaxInterfaces;
-    if (!Bridge_GetBridgeMembers(bridge, table.Pointers(), &count)) return false;
-    for (const char* member : table.First(count)) {
-        if (Equal(member, port)) return true;
+    MemberTable ports;
+    if (!ports.Read(Bridge_GetBridgeMembers, bridge)) return false;
+    for (const char* one : ports.All()) {
+        if (Equal(one, port)) return true;
     }
     LOG_ERROR_AS(operation, "%s is not a membe of %s.", port, bridge);
     return false;
 }
 
-}  // namespace
+bool ChangeEdgePort(const char* operation, const EdgePortChange& edge, const char* bridge,
+                    const char* port)
+{
+    if (!RequirePort(operation, bridge, port)) return false;
+    if (!edge.change(bridge, port)) {
+        LOG_ERROR_AS(operation, "can not %s %s %s %s's edge port.", edge.verb, port,
+                     edge.preposition, bridge);
+        return false;
+    }
+    (void)edge.save(bridge, port);
+    return true;
+}
 
-}  // namespace vorlix
+}  // namespace
 
 bool BridgeCheckExist(const char* brName)
 {
@@ -1201,14 +1229,13 @@ bool BridgeByInterNic(const char* brName)
     if (Bridge_IsBridgeExist(bridge)) return false;
 
     MemberTable cards;
-    int count = kMaxInterfaces;
-    if (!Bridge_needBridgeByInterNic(cards, &count)) return false;
-    if (!Bridge_Bridge(bridge, cards.Pointers(), count)) {
+    if (!Bridge_needBridgeByInterNic(cards)) return false;
+    if (!Bridge_Bridge(bridge, cards.Pointers(), cards.Count())) {
         LOG_ERROR("Bridge failed.[%s]", bridge);
         return false;
     }
     (void)Net_SetMtubyName(bridge, kInternalMtu);
-    (void)SaveMembers(bridge, cards.Pointers(), count);
+    (void)SaveMembers(bridge, cards.Pointers(), cards.Count());
     if (!RecoverCard(bridge)) SetInternalAddress(bridge);  // a saved address wins
     return true;
 }
@@ -1226,7 +1253,7 @@ bool Bridge(const char* brName, char** ethList, int ethNum)
         return false;
     }
     (void)SaveMembers(brName, ethList, ethNum);
-    for (const char* member : NameList(ethList, ethNum)) SaveBridgeOf(member, brName);
+    for (const char* member : NameList(ethList, ethNum)) SaveMaster(kOfBridge, member, brName);
     (void)NetCardRecover(brName);
     return true;
 }
@@ -1234,18 +1261,16 @@ bool Bridge(const char* brName, char** ethList, int ethNum)
 bool UnBridgeByInterNic(const char* brName)
 {
     MemberTable cards;
-    int count = kMaxInterfaces;
-    return EndBridge(__func__, brName, cards, &count);
+    return EndBridge(__func__, brName, cards);
 }
 
 bool UnBridge(const char* brName)
 {
-    MemberTable table;
-    int count = kMaxInterfaces;
-    if (!EndBridge(__func__, brName, table, &count)) return false;
+    MemberTable members;
+    if (!EndBridge(__func__, brName, members)) return false;
 
-    for (const char* member : table.First(count)) {
-        SaveBridgeOf(member, "");
+    for (const char* member : members.All()) {
+        SaveMaster(kOfBridge, member, "");
         (void)NetCardRecover(member);
     }
     return true;
@@ -1260,24 +1285,12 @@ bool GetBridgeMenbers(const char* brName, char** ethList, int* ethNum)
 
 bool BridgeAddEdgePort(const char* brName, const char* ethName)
 {
-    if (!IsPortOf(__func__, brName, ethName)) return false;
-    if (!Bridge_AddEdgePort(brName, ethName)) {
-        LOG_ERROR("can not set %s to %s's edge port.", ethName, brName);
-        return false;
-    }
-    (void)AddEdgePortByconfig(brName, ethName);
-    return true;
+    return ChangeEdgePort(__func__, kMarking, brName, ethName);
 }
 
 bool BridgeDelEdgePort(const char* brName, const char* ethName)
 {
-    if (!IsPortOf(__func__, brName, ethName)) return false;
-    if (!Bridge_DelEdgePort(brName, ethName)) {
-        LOG_ERROR("can not del %s from %s's edge port.", ethName, brName);
-        return false;
-    }
-    (void)DelEdgePortByconfig(brName, ethName);
-    return true;
+    return ChangeEdgePort(__func__, kUnmarking, brName, ethName);
 }
 
 bool BridgeIsEdgePort(const char* brName, const char* ethName)
@@ -1319,11 +1332,8 @@ bool BridgeUpdateBrIDByConfig(const char* brName)
 
 // ==== Interface list and MTU ====
 
-namespace vorlix {
-
 namespace {
 
-constexpr int kReplacementMtu = 1500;  // for a negative one
 constexpr int kMembersAsked = 16;
 constexpr size_t kMemberNameSize = 32;
 
@@ -1332,7 +1342,7 @@ struct Kind {
     const char* part;
     bool valid;
     NetInterfaceMedia media;
-    int type : 8;  // a NetWorkMode value, as wide as where it goes
+    int8_t type;  // a NetWorkMode value, no wider than where it goes
 };
 
 constexpr Kind kWireless = {"wlan", false, NetInterfaceWireless, netModeMultiple};
@@ -1428,8 +1438,6 @@ void Describe(NetInterfaceInfo* entry)
 
 }  // namespace
 
-}  // namespace vorlix
-
 bool NetSetMtubyName(const char* name, const int mtu)
 {
     if (!CardExists(name)) return false;
@@ -1437,7 +1445,7 @@ bool NetSetMtubyName(const char* name, const int mtu)
     int wanted = mtu;
     if (mtu < 0) {
         LOG_WARN(" mtu can not be set to %d", mtu);
-        wanted = kReplacementMtu;
+        wanted = kDefaultMtu;
     }
     char defaultCard[kNameSize] = {};
     (void)NetGetDefEth(defaultCard, sizeof(defaultCard));
@@ -1471,12 +1479,11 @@ int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr)
 {
     if (ifname == nullptr || ifname[0] == '\0') return NetInterfaceWired;
 
-    NameTable<kMembersAsked, kMemberNameSize> table;
-    int count = kMembersAsked;
-    const auto getMembers = isBr ? Bridge_GetBridgeMembers : Bond_GetBondMembers;
-    if (!getMembers(ifname, table.Pointers(), &count)) return NetInterfaceWired;
-
-    for (const char* member : table.First(count)) {
+    NameTable<kMembersAsked, kMemberNameSize> members;
+    if (!members.Read(isBr ? Bridge_GetBridgeMembers : Bond_GetBondMembers, ifname)) {
+        return NetInterfaceWired;
+    }
+    for (const char* member : members.All()) {
         ethtool_cmd settings{};
         if (Net_GetEthtoolInfo(member, &settings) && settings.port == PORT_FIBRE) {
             return NetInterfaceFiber;
@@ -1487,16 +1494,12 @@ int NetGetBondOrBrCardTransmedia(const char* ifname, bool isBr)
 
 // ==== Reachability probes ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr char kBroadcast[] = "ff:ff:ff:ff:ff:ff";
 constexpr int kListenSeconds = 3;
 
 }  // namespace
-
-}  // namespace vorlix
 
 int NetArpCheck(const char* name)
 {
@@ -1544,11 +1547,8 @@ bool GetMacByIPFromARP(const char* ip, char* mac)
 
 // ==== Traffic shaping ====
 
-namespace vorlix {
-
 namespace {
 
-constexpr char kAllPeers[] = "0.0.0.0";
 constexpr int kLimitsKept = 32;  // by a rebuild
 
 /// Applies one limit and saves it when that succeeded.
@@ -1574,8 +1574,6 @@ void ClearLimits(const char* name)
 
 }  // namespace
 
-}  // namespace vorlix
-
 bool TrafCtrlSetBand(const char* name, const NetTc* tc, int num)
 {
     if (name == nullptr || tc == nullptr || !CardExists(name)) return false;
@@ -1597,7 +1595,7 @@ bool TrafCtrlGetBand(const char* name, NetTc* tc, int* num)
 bool TrafCtrlUnSetBand(const char* name, const char* ipAddr)
 {
     if (name == nullptr || ipAddr == nullptr || !CardExists(name)) return false;
-    if (Equal(ipAddr, kAllPeers)) {
+    if (Equal(ipAddr, kAnyIPv4)) {
         ClearLimits(name);
         return true;
     }
@@ -1613,11 +1611,8 @@ bool TrafCtrlUnSetBand(const char* name, const char* ipAddr)
 
 // ==== Port filtering ====
 
-namespace vorlix {
-
 namespace {
 
-constexpr char kAllAddresses[] = "0.0.0.0";
 constexpr char kUnfilteredCard[] = "eth16";
 constexpr int kPortTextSize = 256;
 
@@ -1645,12 +1640,10 @@ void DisablePortOf(const char* card, int port)
 
 }  // namespace
 
-}  // namespace vorlix
-
 bool PortCtrlEnablePort(const char* ipAddr, int port)
 {
     if (ipAddr == nullptr) return false;
-    if (Equal(ipAddr, kAllAddresses)) return PortCtrl_EnableAllIPPort();
+    if (Equal(ipAddr, kAnyIPv4)) return PortCtrl_EnableAllIPPort();
 
     return IsIPv4Text(ipAddr) ? PortCtrl_EnableIPv4Port(ipAddr, port)
                               : PortCtrl_EnableIPv6Port(ipAddr, port);
@@ -1659,7 +1652,7 @@ bool PortCtrlEnablePort(const char* ipAddr, int port)
 bool PortCtrlDisablePort(const char* ipAddr, int port)
 {
     if (ipAddr == nullptr) return false;
-    if (!Equal(ipAddr, kAllAddresses)) {
+    if (!Equal(ipAddr, kAnyIPv4)) {
         return IsIPv4Text(ipAddr) ? PortCtrl_DisableIPv4Port(ipAddr, port)
                                   : PortCtrl_DisableIPv6Port(ipAddr, port);
     }
@@ -1677,8 +1670,6 @@ bool PortCtrlDisablePort(const char* ipAddr, int port)
 
 // ==== Switch and PoE ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr unsigned char BroadCastMac[kMacSize] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
@@ -1686,8 +1677,8 @@ constexpr unsigned char AllZeroMac[kMacSize] = {};
 constexpr char kIPv4Type = 4;
 constexpr int kMaskWidth = 32;
 
-/// Only what is nothing but a switch interface is one here.
-bool IsSwitchCard(const char* operation, const char* name)
+/// Refuses what is no switch: only what is nothing but a switch interface is one here.
+bool RequireSwitch(const char* operation, const char* name)
 {
     if (isSwitchByName(name) == 1) return true;
 
@@ -1734,12 +1725,10 @@ void DescribePort(const char* name, int port, bool hasLink, SwitchPortStatus* st
 
 }  // namespace
 
-}  // namespace vorlix
-
 bool GetSwitchPortByMac(const char* name, const char* mac, int* port)
 {
     if (name == nullptr || mac == nullptr || port == nullptr) return false;
-    if (!IsSwitchCard(__func__, name)) return false;
+    if (!RequireSwitch(__func__, name)) return false;
 
     unsigned char wanted[1][kMacSize] = {};
     (void)ParseMac(mac, wanted[0]);  // bytes that are missing count as 0
@@ -1750,12 +1739,12 @@ bool GetSwitchPortNum(const char* name, int* num)
 {
     if (name == nullptr || num == nullptr) return false;
 
-    return IsSwitchCard(__func__, name) && Switch_GetSwitchPortInfo(name, num, nullptr);
+    return RequireSwitch(__func__, name) && Switch_GetSwitchPortInfo(name, num, nullptr);
 }
 
 bool GetSwitchMask(const char* name, int* mask)
 {
-    if (name == nullptr || mask == nullptr || !IsSwitchCard(__func__, name)) return false;
+    if (name == nullptr || mask == nullptr || !RequireSwitch(__func__, name)) return false;
 
     unsigned links = 0;
     if (!Switch_GetSwitchPortInfo(name, nullptr, &links)) return false;
@@ -1767,7 +1756,7 @@ bool GetSwitchMask(const char* name, int* mask)
 bool GetSwitchStatus(const char* name, SwitchPortStatus* status, int* num)
 {
     if (name == nullptr || status == nullptr || num == nullptr) return false;
-    if (!IsSwitchCard(__func__, name)) return false;
+    if (!RequireSwitch(__func__, name)) return false;
 
     const int capacity = std::max(*num, 0);
     memset(status, 0, static_cast<size_t>(capacity) * sizeof(*status));

@@ -19,7 +19,8 @@ private:
     int count_;
 };
 
-/// Room for names, with the table of pointers to it that the member operations fill.
+/// Room for names, with the table of pointers to it that the member operations fill, and how many
+/// they have filled.
 template <int kCount, size_t kSize>
 class NameTable {
 public:
@@ -34,9 +35,29 @@ public:
     char** Pointers() { return pointers_; }
     NameList First(int count) const { return {pointers_, count}; }
 
+    /// Fills the table by an operation that lists the members of `master`.
+    bool Read(bool (*list)(const char* master, char** names, int* count), const char* master,
+              int capacity = kCount)
+    {
+        count_ = capacity;
+        return list(master, pointers_, &count_);
+    }
+
+    /// Fills it by an operation that lists interfaces.
+    bool Read(bool (*list)(char (*names)[kSize], int* count))
+    {
+        count_ = kCount;
+        return list(names_, &count_);
+    }
+
+    /// What the last `Read` has filled.
+    int Count() const { return count_; }
+    NameList All() const { return First(count_); }
+
 private:
     char names_[kCount][kSize] = {};
     char* pointers_[kCount];
+    int count_ = 0;
 };
 
 }  // namespace vorlix
