@@ -1387,7 +1387,7 @@ void SetKind(NetInterfaceInfo* entry, const Kind& kind)
 }
 
 /// A card with a driver to ask. One that does not answer stays in the list with zeros.
-void DescribeCard(NetInterfaceInfo* entry)
+void DescribeCard(NetInterfaceInfo* entry, CardWalk& walk)
 {
     const char* name = entry->name;
     ethtool_cmd settings{};
@@ -1396,9 +1396,9 @@ void DescribeCard(NetInterfaceInfo* entry)
     }
     entry->valid = 1;
     entry->media = IsFibre(settings) ? NetInterfaceFiber : NetInterfaceWired;
-    entry->type = isSwitchByName(name) == 1 ? netModeSwitch : netModeMultiple;
+    entry->type = walk.SwitchMode(name) == 1 ? netModeSwitch : netModeMultiple;
     entry->reserved[0] = TopSpeed(settings);
-    (void)Net_GetLinkSpeed(name, &entry->speed);
+    (void)LinkSpeedOf(name, &entry->speed, walk);
     entry->usage = Net_GetUsage(name);
 }
 
@@ -1411,19 +1411,19 @@ const Kind& KindOf(const char* name)
     return kUnknown;
 }
 
-bool IsWirelessCard(const char* name)
+bool IsWirelessCard(const char* name, CardWalk& walk)
 {
-    return Equal(name, "eth2") && NetCardIsWifi(name, nullptr);
+    return Equal(name, "eth2") && walk.IsWifi(name);
 }
 
-void Describe(NetInterfaceInfo* entry)
+void Describe(NetInterfaceInfo* entry, CardWalk& walk)
 {
     const char* name = entry->name;
     if (Contains(name, "eth") || Contains(name, "poe")) {
-        if (IsWirelessCard(name)) {
+        if (IsWirelessCard(name, walk)) {
             SetKind(entry, kWireless);
         } else {
-            DescribeCard(entry);
+            DescribeCard(entry, walk);
         }
         return;
     }
@@ -1460,16 +1460,17 @@ bool NetGetAllInterface(NetInterfaceInfo* list, int32_t* num)
 {
     if (list == nullptr || num == nullptr) return false;
 
+    CardWalk walk;  // the listing asks the same files as the description of what is listed
     char names[kMaxInterfaces][kNameSize];
     int listed = kMaxInterfaces;
-    if (!GetAllInterfaceInfo(names, &listed)) return false;
+    if (!ListCards(names, &listed, walk)) return false;
 
     const int capacity = std::max(*num, 0);
     memset(list, 0, static_cast<size_t>(capacity) * sizeof(*list));
     const int count = std::min(listed, capacity);
     for (int i = 0; i < count; ++i) {
         CopyText(list[i].name, names[i]);
-        Describe(&list[i]);
+        Describe(&list[i], walk);
     }
     *num = count;
     return true;

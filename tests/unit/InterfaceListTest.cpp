@@ -1,5 +1,7 @@
 #include "CommonApi.h"
 
+#include "Base.h"
+
 #include "InterfaceWorld.h"
 
 #include <linux/sockios.h>
@@ -19,11 +21,16 @@ std::string toldName;
 
 extern "C" {
 
-bool __real_GetAllInterfaceInfo(char (*names)[16], int* maxNum);
+// `ListCards`, by the name that the linker knows it by.
+bool __real__ZN6vorlix9ListCardsEPA16_cPiRNS_8CardWalkE(char (*names)[16], int* maxNum,
+                                                        vorlix::CardWalk& walk);
 
-bool __wrap_GetAllInterfaceInfo(char (*names)[16], int* maxNum)
+bool __wrap__ZN6vorlix9ListCardsEPA16_cPiRNS_8CardWalkE(char (*names)[16], int* maxNum,
+                                                        vorlix::CardWalk& walk)
 {
-    if (toldName.empty()) return __real_GetAllInterfaceInfo(names, maxNum);
+    if (toldName.empty()) {
+        return __real__ZN6vorlix9ListCardsEPA16_cPiRNS_8CardWalkE(names, maxNum, walk);
+    }
     memset(names, 0, 32 * sizeof(*names));
     toldName.copy(names[0], 15);
     *maxNum = 1;
@@ -109,6 +116,23 @@ TEST_F(NetSetMtubyNameTest, AsksForTheDefaultCardBeforeTheKernelIsChanged)
     EXPECT_TRUE(NetSetMtubyName("eth0", 1400));
     const Lines calls = TraceOf({"pread /proc/net/route", "ioctl SIOCSIF"});
     EXPECT_EQ(calls.front(), "pread /proc/net/route");
+}
+
+TEST_F(NetSetMtubyNameTest, RefusesAnUnknownCardBeforeAnythingIsAsked)
+{
+    EXPECT_FALSE(NetSetMtubyName("eth9", -1));
+    EXPECT_EQ(TraceOf({"pread /proc/net/route", "ioctl SIOC"}), Lines{});
+    EXPECT_EQ(LogOf("NetSetMtubyName"), LogLines{}) << "the MTU is not looked at either";
+}
+
+TEST_F(NetSetMtubyNameTest, ANegativeMtuIsToldBeforeTheDefaultCardIsAskedFor)
+{
+    static LogLines told;
+    OnCall("pread /proc/net/route", [] {
+        if (told.empty()) told = Log();
+    });
+    EXPECT_TRUE(NetSetMtubyName("eth1", -1));
+    EXPECT_EQ(told, (LogLines{Warn("NetSetMtubyName", " mtu can not be set to -1")}));
 }
 
 TEST_F(NetSetMtubyNameTest, ANegativeMtuBecomes1500AndIsSavedAsThat)
@@ -462,6 +486,46 @@ TEST_F(NetGetAllInterfaceTest, AWiredEth2IsAnOrdinaryCard)
     kernel.Add("eth2").settings = Driver(PORT_TP, 0x20);
     EXPECT_EQ(Only("eth2").valid, 1);
     EXPECT_EQ(list[0].reserved[0], 1000);
+}
+
+TEST_F(NetGetAllInterfaceTest, AWirelessEth2IsNoSwitchEvenWithTheDriverOfOne)
+{
+    kernel.Add("eth2").driver = "Switch";
+    Put("/proc/net/wireless", "  eth2: 1\n");
+    EXPECT_EQ(Only("eth2").type, netModeMultiple);
+    EXPECT_EQ(list[0].valid, 0);
+}
+
+TEST_F(NetGetAllInterfaceTest, EthInANameGoesBeforeEveryOtherPart)
+{
+    kernel.Add("ethwlan0").settings = Driver(PORT_TP, 0x20);
+    EXPECT_EQ(Only("ethwlan0").valid, 1);
+    EXPECT_EQ(list[0].reserved[0], 1000);
+    kernel.Add("brpoe0").settings = Driver(PORT_TP, 0x20);
+    EXPECT_EQ(Only("brpoe0").type, netModeMultiple);
+}
+
+TEST_F(NetGetAllInterfaceTest, ASwitchEntryBesideItsCardIsOfCommonUse)
+{
+    Put("/mnt/mtd/Config/poeMode.conf", "eth0 = 2\n");
+    kernel.At("eth0").driver = "Switch";
+    EXPECT_EQ(Only("eth0").usage, netDeviceUsageCommon);
+    EXPECT_STREQ(list[1].name, "eth0:poe");
+    EXPECT_EQ(list[1].usage, netDeviceUsageCommon);
+}
+
+TEST_F(NetGetAllInterfaceTest, ReadsWhatIsAskedOfEachCardOnceForAll)
+{
+    kernel.Add("eth2").settings = Driver(PORT_TP, 0x20);
+    kernel.Add("eth3").settings = Driver(PORT_TP, 0x20);
+    Put("/proc/net/wireless", "  eth2: 1\n");
+    Put("/mnt/mtd/Config/poeMode.conf", "eth1 = 1\n");
+    Begin();
+    int32_t count = 32;
+    EXPECT_TRUE(NetGetAllInterface(list, &count));
+    EXPECT_EQ(count, 5);
+    EXPECT_EQ(TraceOf({"open /proc/net/wireless"}).size(), 1U);
+    EXPECT_EQ(TraceOf({"open /mnt/mtd/Config/poeMode.conf O_RDONLY"}).size(), 1U);
 }
 
 TEST_F(NetGetAllInterfaceTest, CapacityLimitsTheList)
