@@ -634,7 +634,7 @@ bool NetSetGatewaybyName(const char* name, const char* addr)
 
     const bool saved = SetGatewayByConfig(name, addr);
     if (!saved) LOG_ERROR("save %s,%s to config failed", name, addr);
-    if (Equal(name, "eth0")) (void)BackupGateway(name, addr);
+    if (Equal(name, kFirstCard)) (void)BackupGateway(name, addr);
     return saved;
 }
 

@@ -600,4 +600,16 @@ VORLIX_API bool SetPoETotalPower(uint32_t power);
 
 #ifdef __cplusplus
 }  // extern "C"
+
+namespace vorlix {
+
+/// What both generations of the public API make of an answer.
+inline int32_t Result(bool done)
+{
+    return done ? 0 : -1;
+}
+
+constexpr char kNoGateway[] = "0.0.0.0";  // of a route that leads to a net directly
+
+}  // namespace vorlix
 #endif

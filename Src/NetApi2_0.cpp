@@ -19,10 +19,11 @@
 #include <sys/time.h>
 
 /// The whole body of a forward that names its failure: 0, or the message and -1. A macro, so that
-/// the line carries the public function's name.
+/// the line carries the public function's name. A forward that leaves the messages to the operation
+/// below it uses `Result`.
 #define V2_RESULT(done, ...) ((done) ? 0 : (LOG_ERROR(__VA_ARGS__), -1))
 
-namespace vorlix {
+using namespace vorlix;
 
 namespace {
 
@@ -34,13 +35,7 @@ constexpr char kFirstBridge[] = "br0";
 
 constexpr uint32_t kVersion = 6;
 
-// ---- results
-
-/// The same for a forward that leaves the messages to the operation below it.
-int32_t Result(bool done)
-{
-    return done ? 0 : -1;
-}
+// ---- the caller's buffers
 
 /// True when both buffers hold an IPv4 text. The operations below do not get their sizes.
 bool HoldIPv4(int32_t length, int32_t otherLength)
@@ -57,13 +52,7 @@ void Clear(Record* records, int32_t count)
 
 }  // namespace
 
-}  // namespace vorlix
-
-using namespace vorlix;
-
 // ==== Identity ====
-
-namespace vorlix {
 
 namespace {
 
@@ -73,8 +62,6 @@ bool IsNetworkCard(const char* name)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 QV_API_VERSION_RET_E LibvorlixGetVersion(uint32_t* p32Version)
 {
@@ -230,8 +217,6 @@ int32_t NetWorkGetMac(const char* pIp, char* pMac)
 
 // ==== IPv6 ====
 
-namespace vorlix {
-
 namespace {
 
 /// fe80::/10 and fec0::/10.
@@ -266,8 +251,6 @@ IPV6_ADDR_SCOPE_TYPE_E ReservedScope(const uint8_t* bytes)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t NetSetHostIPEx6(const char* pEthName, const char* pHostIp, const char* pRefixlen)
 {
@@ -339,8 +322,6 @@ int32_t NetSetDNSAddressip6(const char* pPrimary, const char* pSecondary)
 
 // ==== Probes ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr int kPingSeconds = 3;
@@ -356,8 +337,6 @@ int32_t Elapsed(const timeval& start, const timeval& end)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t mii_diag(char* ethname)
 {
@@ -412,8 +391,6 @@ int32_t network_alive(const char* pHostIP)
 
 // ==== Devices ====
 
-namespace vorlix {
-
 namespace {
 
 void Convert(const NetInterfaceInfo& card, NetDevice& device)
@@ -451,8 +428,6 @@ int32_t ListDevices(const char* operation, NetDevice* devices, int32_t capacity,
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t NetGetEthName(char* pEthName, int32_t len_EthName, int32_t* iEthnum)
 {
@@ -538,11 +513,7 @@ NetWorkMode_E NetWorkGetMode(void)
 
 // ==== Routes ====
 
-namespace vorlix {
-
 namespace {
-
-constexpr char kNoGateway[] = "0.0.0.0";
 
 /// The network that a card lies in.
 struct CardNetwork {
@@ -581,8 +552,6 @@ bool DeleteNetwork(const CardNetwork& network, const char* card)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t NetGetDefaultEth(char* pEthName)
 {
@@ -650,8 +619,6 @@ int32_t NetGetAllRoute(NetRouteTableInfo* routes, int32_t* num)
 
 // ==== Bonds ====
 
-namespace vorlix {
-
 namespace {
 
 /// The driver's modes in the order of their numbers here, which start at 1.
@@ -663,8 +630,6 @@ constexpr std::array<NICBondMode, 7> kBondModes = {
 constexpr std::array<const char*, 4> kMasters = {"bond0", "bond1", "bond2", "bond3"};
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t NetWorkBond(const char** dev, int32_t num, int32_t mode)
 {
@@ -763,8 +728,6 @@ int32_t NetIsBondingSlave(const char* ethName, char* masterName, int32_t len)
 
 // ==== Bridges ====
 
-namespace vorlix {
-
 namespace {
 
 /// The body of `getBridgeDevicesInfo`, under whose name it logs.
@@ -773,17 +736,14 @@ uint32_t MaskOfBridge(const char* bridge)
     constexpr char kOperation[] = "getBridgeDevicesInfo";
 
     MemberTable members;
-    int count = kMaxInterfaces;
-    if (!Bridge_GetBridgeMembers(bridge, members.Pointers(), &count)) {
+    if (!members.Read(Bridge_GetBridgeMembers, bridge)) {
         LOG_ERROR_AS(kOperation, "get %s bridge menber failed.", bridge);
         return 0;
     }
-    return BridgeMemberMask(kOperation, members.First(count));
+    return BridgeMemberMask(kOperation, members.All());
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t CreateNetWorkBridge(const char* bridge, const char** dev, int32_t num)
 {
@@ -830,8 +790,6 @@ int32_t NetSetEdgePort(const char* dev)
 
 // ==== Switch ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr int kMaxPorts = 16;
@@ -847,8 +805,6 @@ void Convert(const SwitchPortStatus& status, SwitchPortInfo& info)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t SwitchGetName(char* name)
 {
@@ -973,8 +929,6 @@ int32_t NetGetStaticARPInfoByIP(const char* ip, NetARPEntry* arpInfo, int* num)
 
 // ==== Ports and bandwidth ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr int kIPv4 = 4;
@@ -997,8 +951,6 @@ void Convert(const NetTc& limit, NetTc_2& converted)
 }
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t NetDisableIpPort(const char* ipAddr, int32_t portNumber)
 {
@@ -1048,8 +1000,6 @@ int32_t NetUnSetBandWidth(const char* pDev, const char* ipAddr)
 
 // ==== DHCP ====
 
-namespace vorlix {
-
 namespace {
 
 constexpr char kDhcpFile[] = "/mnt/mtd/Config/udhcpd.conf";
@@ -1065,8 +1015,6 @@ constexpr char kDhcpText[] = "start %s\n"
 pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;  // over the writing of the DHCP file
 
 }  // namespace
-
-}  // namespace vorlix
 
 int32_t NetSetDhcpIPRange(const char* pSwitchName, const char* pDhcpIPStart, const char* pDhcpIPEnd,
                           const char* pDhcplease)

@@ -20,35 +20,51 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <type_traits>
 
 #include <sys/stat.h>
 
 using namespace vorlix;
 
-namespace vorlix {
-
 namespace {
 
-int Result(bool done)
-{
-    return done ? 0 : -1;
-}
-
-/// Gives a part of a new object away: it outlives the scope.
 template <class Part>
-Part* HandOver(HeapArray<Part>& part)
-{
-    return part.release();
-}
+using HeapObject = std::unique_ptr<Part, FreeMemory>;
+
+/// What an object is made of: its table and its private part, both zeroed. `Join` gives them
+/// away as one; before that they end with the scope.
+template <class Object, class Private>
+struct NewObject {
+    /// The name of the part that there is no room for, or NULL.
+    const char* Allocate(const char* tableName, const char* ownName)
+    {
+        table.reset(static_cast<Object*>(calloc(1, sizeof(Object))));
+        if (table == nullptr) return tableName;
+
+        own.reset(static_cast<Private*>(calloc(1, sizeof(Private))));
+        return own != nullptr ? nullptr : ownName;
+    }
+
+    Object* Join()
+    {
+        table->priv = own.release();
+        return table.release();
+    }
+
+    void Free()
+    {
+        own.reset();
+        table.reset();
+    }
+
+    HeapObject<Object> table;
+    HeapObject<Private> own;
+};
 
 }  // namespace
 
-}  // namespace vorlix
-
 // ==== Interface objects ====
-
-namespace vorlix {
 
 namespace {
 
@@ -56,7 +72,6 @@ namespace {
 
 constexpr size_t kPrefixTextSize = 8;
 
-constexpr char kNoGateway[] = "0.0.0.0";
 constexpr char kNoGateway6[] = "0:0:0::0";
 constexpr char kDefaultRoute[] = "default";
 
@@ -120,7 +135,8 @@ bool ParseNet(const char* address, const char* netmask, Net* net)
     return true;
 }
 
-int Malformed(const char* operation, const char* address, const char* netmask)
+/// Tells of a request whose addresses, or those of its card, do not parse. Always -1.
+int RefuseAddresses(const char* operation, const char* address, const char* netmask)
 {
     LOG_ERROR_AS(operation, "addr error [%s,%s]", address, netmask);
     return -1;
@@ -279,8 +295,6 @@ static_assert(offsetof(NetInterface, addRef) == 1 * sizeof(void*) &&
 
 }  // namespace
 
-}  // namespace vorlix
-
 int API3_AddRef(NetInterface* thiz)
 {
     return thiz != nullptr && thiz->priv != nullptr ? 1 : -1;
@@ -394,15 +408,14 @@ int API3_GetBondMember(NetInterface* thiz, NetInterfaceInfo* list, int* num)
     if (thiz == nullptr || list == nullptr || num == nullptr || *num < 0) return -1;
 
     MemberTable members;
-    int count = kMaxInterfaces;
-    if (!GetBondMembers(NameOf(thiz), members.Pointers(), &count)) {
+    if (!members.Read(GetBondMembers, NameOf(thiz))) {
         LOG_ERROR("GetBondMembers error.");
         return -1;
     }
-    if (*num < count) {
+    if (*num < members.Count()) {
         LOG_WARN("NetInterfaceInfo list is too small");
     } else {
-        *num = count;
+        *num = members.Count();
     }
     NICBondMode mode = nicBondActiveBackup;
     std::fill_n(list, *num, NetInterfaceInfo{});
@@ -437,13 +450,14 @@ int API3_AddIPv4Route(NetInterface* thiz, const char* address, const char* netma
     if (Contains(address, kDefaultRoute)) return Result(RouteAddDefIPv4(card));
 
     Net wanted{};
-    if (!ParseNet(address, netmask, &wanted)) return Malformed(__func__, address, netmask);
+    if (!ParseNet(address, netmask, &wanted)) return RefuseAddresses(__func__, address, netmask);
 
     CardTexts own{};
     bool through = false;
     if (ReadCard(card, &own)) {
         Net home{};
-        if (!ParseNet(own.address, own.mask, &home)) return Malformed(__func__, address, netmask);
+        if (!ParseNet(own.address, own.mask, &home))
+            return RefuseAddresses(__func__, address, netmask);
         through = LeadsThroughGateway(card, home, wanted);
     }
     char net[kIPv4TextSize] = {};
@@ -463,7 +477,7 @@ int API3_DelIPv4Route(NetInterface* thiz, const char* address, const char* netma
     if (netmask == nullptr) return -1;
 
     Net wanted{};
-    if (!ParseNet(address, netmask, &wanted)) return Malformed(__func__, address, netmask);
+    if (!ParseNet(address, netmask, &wanted)) return RefuseAddresses(__func__, address, netmask);
 
     char net[kIPv4TextSize] = {};
     (void)PrintIPv4(wanted.address, net);
@@ -749,32 +763,22 @@ int createNetInterface(NetInterfaceDesc* desc, NetInterface** netInterface)
     MutexGuard lock(g_apiMutexLock);
     if (findNode(desc->name, netInterface) >= 0) return 0;
 
-    HeapArray<NetInterface> object = ZeroedArray<NetInterface>(1);
-    if (object == nullptr) {
-        lock.Release();
-        LOG_ERROR("malloc NetInterface error");
-        return -1;
+    NewObject<NetInterface, NetIfPri> made;
+    const char* missing = made.Allocate("NetInterface", "NetIfPri");
+    if (missing == nullptr && insertNode(desc->name, made.table.get()) >= 0) {
+        CopyText(made.own->name, desc->name);
+        *made.table = kInterfaceTable;
+        *netInterface = made.Join();  // lives as long as the process
+        return 0;
     }
-    HeapArray<NetIfPri> priv = ZeroedArray<NetIfPri>(1);
-    if (priv == nullptr) {
-        object.reset();
-        lock.Release();
-        LOG_ERROR("malloc NetIfPri error");
-        return -1;
-    }
-    CopyText(priv[0].name, desc->name);
-    object[0] = kInterfaceTable;
-    object[0].priv = priv.get();
-    if (insertNode(desc->name, object.get()) < 0) {
-        priv.reset();
-        object.reset();
-        lock.Release();
+    made.Free();
+    lock.Release();
+    if (missing != nullptr) {
+        LOG_ERROR("malloc %s error", missing);
+    } else {
         LOG_ERROR("createNetInterface for %s failed!", desc->name);
-        return -1;
     }
-    (void)HandOver(priv);  // both live as long as the process
-    *netInterface = HandOver(object);
-    return 0;
+    return -1;
 }
 
 // ==== Module ====
@@ -818,8 +822,6 @@ int delNetVirtInterface(NetVirtInterName* virtInterName)
 }
 
 // ==== Control objects ====
-
-namespace vorlix {
 
 namespace {
 
@@ -928,8 +930,6 @@ SAME_PLACE(QV_PAL_PoeInfo, PoeInfo_t, reserved, reserved);
 
 }  // namespace
 
-}  // namespace vorlix
-
 int NetCtrl_AddRef(QV_PAL_NetControl* thiz)
 {
     NetCtrlPri* own = PrivateOf(thiz);
@@ -963,7 +963,7 @@ int NetCtrl_GetPoEPowerInfo(QV_PAL_NetControl* thiz, QV_PAL_PoeInfo* pPoe_info)
         LOG_ERROR("Get PoE Power info error!");
         return -1;
     }
-    if (pPoe_info == nullptr) return -1;
+    if (pPoe_info == nullptr) return -1;  // the device has been asked, as for every caller
 
     CopyTwins(pPoe_info, &info, 1);
     return 0;
@@ -1047,28 +1047,22 @@ int createNetControl(QV_PAL_NetControlDesc* desc, QV_PAL_NetControl** netCtrl)
 {
     if (netCtrl == nullptr) return -1;
 
-    HeapArray<QV_PAL_NetControl> object = ZeroedArray<QV_PAL_NetControl>(1);
-    if (object == nullptr) {
-        LOG_ERROR("malloc QV_PAL_NetControl error!");
+    NewObject<QV_PAL_NetControl, NetCtrlPri> made;
+    const char* missing = made.Allocate("QV_PAL_NetControl", "netPri");
+    if (missing != nullptr) {
+        LOG_ERROR("malloc %s error!", missing);
         return -1;
     }
-    HeapArray<NetCtrlPri> own = ZeroedArray<NetCtrlPri>(1);
-    if (own == nullptr) {
-        LOG_ERROR("malloc netPri error!");
-        return -1;
-    }
-    if (desc != nullptr) memcpy(own[0].resv, desc->resv, sizeof(own[0].resv));
-    (void)pthread_mutex_init(&own[0].netCtrlLock, nullptr);  // cannot fail with default attributes
-    own[0].ref = 1;
-    object[0] = kControlTable;
-    object[0].priv = HandOver(own);
-    *netCtrl = HandOver(object);
+    NetCtrlPri& own = *made.own;
+    if (desc != nullptr) memcpy(own.resv, desc->resv, sizeof(own.resv));
+    (void)pthread_mutex_init(&own.netCtrlLock, nullptr);  // cannot fail with default attributes
+    own.ref = 1;
+    *made.table = kControlTable;
+    *netCtrl = made.Join();
     return 0;
 }
 
 // ==== Bridge objects ====
-
-namespace vorlix {
 
 namespace {
 
@@ -1123,8 +1117,6 @@ bool ProvideBridge(const NetBrDesc& desc)
 
 }  // namespace
 
-}  // namespace vorlix
-
 int BrAddRef(NetBridge* thiz)
 {
     NetBrPriv* own = PrivateOf(thiz);
@@ -1164,12 +1156,11 @@ int BrGetBridgeDevicesInfo(NetBridge* thiz, unsigned int* slave)
         return -1;
     }
     MemberTable ports;
-    int count = kMaxInterfaces;
-    if (!Bridge_GetBridgeMembers(own->name, ports.Pointers(), &count)) {
+    if (!ports.Read(Bridge_GetBridgeMembers, own->name)) {
         LOG_ERROR("get %s bridge member failed.", own->name);
         return -1;
     }
-    *slave = BridgeMemberMask(__func__, ports.First(count));
+    *slave = BridgeMemberMask(__func__, ports.All());
     return 0;
 }
 
@@ -1231,12 +1222,13 @@ int BrGetBridgeDevices(NetBridge* thiz, QV_PAL_NetBrDevice* device, int* num)
     }
     *num = std::min(*num, kMaxInterfaces);
     MemberTable ports;
-    if (!Bridge_GetBridgeMembers(own->name, ports.Pointers(), num)) {
+    if (!ports.Read(Bridge_GetBridgeMembers, own->name, *num)) {
         LOG_ERROR("get %s bridge member failed.", own->name);
         return -1;
     }
-    for (const char* port : ports.First(*num)) {
-        if (device == nullptr) return -1;
+    *num = ports.Count();
+    for (const char* port : ports.All()) {
+        if (device == nullptr) return -1;  // needed for a port alone: how many there are is told
 
         CopyText(device->name, port);
         ++device;
@@ -1250,23 +1242,18 @@ int createNetBridge(NetBrDesc* desc, NetBridge** nbr)
         LOG_ERROR("invalid param!");
         return -1;
     }
-    HeapArray<NetBridge> object = ZeroedArray<NetBridge>(1);
-    if (object == nullptr) {
-        LOG_ERROR("malloc NetBridge failed!");
-        return -1;
-    }
-    HeapArray<NetBrPriv> own = ZeroedArray<NetBrPriv>(1);
-    if (own == nullptr) {
-        LOG_ERROR("malloc NetBrPriv failed!");
+    NewObject<NetBridge, NetBrPriv> made;
+    const char* missing = made.Allocate("NetBridge", "NetBrPriv");
+    if (missing != nullptr) {
+        LOG_ERROR("malloc %s failed!", missing);
         return -1;
     }
     if (!ProvideBridge(*desc)) return -1;
 
-    CopyText(own[0].name, desc->name);
-    own[0].refcnt = 1;
-    object[0] = kBridgeTable;
-    object[0].priv = HandOver(own);
-    *nbr = HandOver(object);
+    CopyText(made.own->name, desc->name);
+    made.own->refcnt = 1;
+    *made.table = kBridgeTable;
+    *nbr = made.Join();
     if (!BridgeUpdateBrIDByConfig(desc->name)) LOG_WARN("save BRIDGES config failed");
     if (!BridgeUpdatePortListByConfig(desc->name, desc->subDev, desc->num)) {
         LOG_WARN("save SSIF config failed");
