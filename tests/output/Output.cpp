@@ -5,6 +5,7 @@
 #include <cstring>
 #include <regex>
 
+#include <stdio_ext.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -49,27 +50,46 @@ bool Parts::Holds(const LogLine& line) const
     return std::find(log.begin(), log.end(), line) != log.end();
 }
 
-Parts TakeApart(const std::string& text)
+std::vector<Piece> PiecesOf(const std::string& text)
 {
     static const std::regex kStart("\033\\[1;(31|32|33);40m\\d\\d:\\d\\d:\\d\\d\\|Vorlix-111860\\|("
                                    "Info |Warn |Error)\\|\\d+\\|");
     static const std::string kEnd = "()\033[0m\n";
-    Parts parts;
-    std::string rest = text;
+    std::vector<Piece> pieces;
+    size_t done = 0;
+    const auto put = [&](const Piece& piece) {
+        if (piece.framed || !piece.plain.empty()) pieces.push_back(piece);
+        done = piece.end;
+    };
     std::smatch start;
-    while (std::regex_search(rest, start, kStart)) {
-        parts.plain += start.prefix();
-        const std::string behind = start.suffix();
-        const size_t end = behind.find(kEnd);
+    while (
+        std::regex_search(text.begin() + static_cast<ptrdiff_t>(done), text.end(), start, kStart)) {
+        const size_t begin = done + static_cast<size_t>(start.position());
+        const size_t body = begin + static_cast<size_t>(start.length());
+        const size_t end = text.find(kEnd, body);
+        put({false, {}, text.substr(done, begin - done), done, begin});
         if (end == std::string::npos) break;
 
-        const std::string body = behind.substr(0, end);
-        const size_t operation = body.rfind('|');
-        const size_t place = body.rfind('|', operation - 1);
-        parts.log.push_back({start[2], body.substr(operation + 1), body.substr(0, place)});
-        rest = behind.substr(end + kEnd.size());
+        const size_t operation = text.rfind('|', end);
+        const size_t place = text.rfind('|', operation - 1);
+        put({true,
+             {start[2], text.substr(operation + 1, end - operation - 1),
+              text.substr(body, place - body)},
+             "",
+             begin,
+             end + kEnd.size()});
     }
-    parts.plain += rest;
+    put({false, {}, text.substr(done), done, text.size()});
+    return pieces;
+}
+
+Parts TakeApart(const std::string& text)
+{
+    Parts parts;
+    for (const Piece& piece : PiecesOf(text)) {
+        if (piece.framed) parts.log.push_back(piece.line);
+        parts.plain += piece.plain;
+    }
     return parts;
 }
 
@@ -109,6 +129,22 @@ void Clear()
 {
     fflush(stdout);
     cleared = static_cast<size_t>(lseek(caught, 0, SEEK_END));
+}
+
+size_t Flushed()
+{
+    // The descriptor shares its position with standard output, which stands at the end.
+    return caught < 0 ? 0 : static_cast<size_t>(lseek(caught, 0, SEEK_END));
+}
+
+size_t Printed()
+{
+    return Flushed() + __fpending(stdout);
+}
+
+size_t Cleared()
+{
+    return cleared;
 }
 
 }  // namespace output

@@ -53,6 +53,18 @@ struct Parts {
 
 Parts TakeApart(const std::string& text);
 
+/// A line of the log, or what stands between two of them, and where it begins and ends.
+struct Piece {
+    bool framed;
+    LogLine line;       // when framed
+    std::string plain;  // otherwise
+    size_t begin;
+    size_t end;
+};
+
+/// Output in its order.
+std::vector<Piece> PiecesOf(const std::string& text);
+
 // ---- standard output of this process
 
 /// From here on, standard output goes to memory.
@@ -64,5 +76,13 @@ void Release(bool show);
 /// What was caught since `Catch` or `Clear`, frames and all.
 std::string Caught();
 void Clear();
+
+/// Bytes printed since `Catch`, whatever was cleared: all of them, and those that have left the
+/// stream's buffer.
+size_t Printed();
+size_t Flushed();
+
+/// Bytes that `Clear` has put behind us.
+size_t Cleared();
 
 }  // namespace output

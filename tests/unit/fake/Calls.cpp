@@ -34,14 +34,20 @@ struct Hook {
     std::function<void()> action;
 };
 
+struct Limit {
+    std::string call;
+    size_t bytes;
+};
+
 std::vector<std::string> trace;
+std::vector<Limit> limits;
 std::vector<Failure> failures;
 std::vector<Hook> hooks;
 std::map<int, Handle> handles;
 int fallible = 0;  // calls so far that could fail
 int failAt = 0;    // the one of them that the sweep lets fail
 std::string swept;
-std::function<void(const std::string&)> reportChild;
+std::function<void(const Noted&)> reportChild;
 thread_local int ownCalls = 0;
 
 /// Guards all of the above. Of its own make, since the calls of a mutex are part of the trace.
@@ -89,10 +95,11 @@ std::string TextOf(const std::string& call)
     return reportChild ? "child " + call : call;
 }
 
-void Append(const std::string& text)
+void Append(const Noted& call)
 {
-    trace.push_back(text);
-    if (reportChild) reportChild(text);
+    if (call.inTrace) trace.push_back(call.call);
+    PutOnTimeline(call);
+    if (reportChild) reportChild(call);
 }
 
 void RunHook(const std::string& text)
@@ -163,6 +170,26 @@ std::vector<std::string> TraceOf(const std::vector<std::string>& starts)
 void ClearTrace()
 {
     trace.clear();
+    ClearTimeline();
+}
+
+void Shorten(const std::string& call, size_t bytes)
+{
+    limits.push_back({call, bytes});
+}
+
+size_t Room(const std::string& call, size_t bytes)
+{
+    if (ownCalls > 0) return bytes;
+    const Guard guard;
+    const auto limit = std::find_if(limits.begin(), limits.end(), [&](const Limit& candidate) {
+        return StartsWith(call, candidate.call);
+    });
+    if (limit == limits.end()) return bytes;
+
+    const size_t room = std::min(bytes, limit->bytes);
+    limits.erase(limit);
+    return room;
 }
 
 void Fail(const std::string& call, int error, int nth, bool everyone)
@@ -198,37 +225,53 @@ OwnCalls::~OwnCalls()
     --ownCalls;
 }
 
-bool Note(const std::string& call)
+bool Note(const std::string& call, const std::string& more)
 {
     if (ownCalls > 0) return true;
     const std::string text = TextOf(call);
     RunHook(text);
     const Guard guard;
-    Append(text);
+    Append(AtThisMoment({text, more}));
     return !ShallFail(text);
 }
 
-void NoteOnly(const std::string& call)
+void NoteOnly(const std::string& call, const std::string& more)
 {
     if (ownCalls > 0) return;
     const std::string text = TextOf(call);
     RunHook(text);
     const Guard guard;
-    Append(text);
+    Append(AtThisMoment({text, more}));
 }
 
-void BecomeChild(std::function<void(const std::string&)> report)
+void NoteLock(const std::string& call, const void* lock)
+{
+    if (ownCalls > 0) return;
+    const std::string text = TextOf(call);
+    RunHook(text);
+    const Guard guard;
+    Append(AtThisMoment({text, "", true, lock}));
+}
+
+void NoteAside(const std::string& text)
+{
+    if (ownCalls > 0) return;
+    const Guard guard;
+    Append(AtThisMoment({TextOf(text), "", false}));
+}
+
+void BecomeChild(std::function<void(const Noted&)> report)
 {
     reportChild = std::move(report);
 }
 
-void NoteChild(const std::vector<std::string>& calls)
+void NoteChild(const std::vector<Noted>& calls)
 {
     const int savedErrno = errno;
     const Guard guard;
-    for (const std::string& call : calls) {
+    for (const Noted& call : calls) {
         Append(call);
-        (void)ShallFail(call);
+        if (call.inTrace) (void)ShallFail(call.call);
     }
     errno = savedErrno;
 }
@@ -237,6 +280,13 @@ void Opened(int fd, const std::string& call, int family)
 {
     const Guard guard;
     if (fd >= 0) handles[fd] = {call, family};
+}
+
+void CopyHandle(int fd, int copy)
+{
+    const Guard guard;
+    const auto handle = handles.find(fd);
+    if (handle != handles.end()) handles[copy] = handle->second;
 }
 
 void Closed(int fd)
@@ -273,7 +323,8 @@ int FamilyOf(int fd)
 
 void ResetCalls()
 {
-    trace.clear();
+    ClearTrace();
+    limits.clear();
     failures.clear();
     hooks.clear();
     handles.clear();

@@ -3,15 +3,14 @@
 // Every call into libc that the product makes in a unit test: what was called, in which order, what
 // shall fail, and what is still open.
 
+#include "fake/Timeline.h"
+
 #include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
 namespace fake {
-
-/// Trace texts, commands, names: what tests compare whole and in order.
-using Texts = std::vector<std::string>;
 
 /// One text for each call, in order: the call's name and what tells it apart, such as
 /// "fopen /mnt/mtd/Config/network1 w+", "ioctl SIOCSIFADDR eth1", "fcntl F_SETLKW F_WRLCK <path>",
@@ -23,6 +22,10 @@ const std::vector<std::string>& Trace();
 std::vector<std::string> TraceOf(const std::vector<std::string>& starts);
 
 void ClearTrace();
+
+/// Lets the next `read`, `pread`, `write`, `fwrite`, `recv`, `recvfrom`, `recvmsg`, `sendto` or
+/// `sendmsg` whose trace text begins with `call` move at most so many bytes.
+void Shorten(const std::string& call, size_t bytes);
 
 /// Lets calls fail whose trace text begins with `call`: the `nth` of them from now, or with
 /// `everyone` that one and all behind it.
@@ -59,11 +62,21 @@ void FailEachCall(const std::function<void()>& run,
 
 // ---- for the parts of the fake
 
-/// Notes a call. False when it shall fail; `errno` is set then.
-bool Note(const std::string& call);
+/// Notes a call: its text in the trace, and what the timeline tells beyond it. False when it shall
+/// fail; `errno` is set then.
+bool Note(const std::string& call, const std::string& more = "");
 
 /// Notes a call that never fails.
-void NoteOnly(const std::string& call);
+void NoteOnly(const std::string& call, const std::string& more = "");
+
+/// Notes a call on a lock; the timeline tells its name.
+void NoteLock(const std::string& call, const void* lock);
+
+/// Notes something for the timeline alone.
+void NoteAside(const std::string& text);
+
+/// As many of the bytes as the call may move now.
+size_t Room(const std::string& call, size_t bytes);
 
 /// While one of these lives, calls are the fake's own: they are not noted and do not fail.
 class OwnCalls {
@@ -76,6 +89,7 @@ public:
 
 void Opened(int fd, const std::string& call, int family = 0);
 void Closed(int fd);
+void CopyHandle(int fd, int copy);
 std::string PathOf(int fd);
 
 /// True when the product has opened the descriptor by a call that begins so.
@@ -84,10 +98,10 @@ int FamilyOf(int fd);
 
 void ResetCalls();
 
-/// From here on this process is the child of a vfork: `report` gets the text of each call.
-void BecomeChild(std::function<void(const std::string& call)> report);
+/// From here on this process is the child of a vfork: `report` gets each call.
+void BecomeChild(std::function<void(const Noted& call)> report);
 
 /// Notes the calls of a child here as well, with the same ones failing.
-void NoteChild(const std::vector<std::string>& calls);
+void NoteChild(const std::vector<Noted>& calls);
 
 }  // namespace fake

@@ -1,5 +1,6 @@
 #include "fake/Kernel.h"
 
+#include "fake/Odd.h"
 #include "fake/World.h"
 
 #include <cerrno>
@@ -448,6 +449,51 @@ std::string PowerText(unsigned long request, const void* argument)
     return text;
 }
 
+// ---- what requests are given
+
+std::string Hex(unsigned long value)
+{
+    char text[32];
+    snprintf(text, sizeof(text), "0x%lx", value);
+    return text;
+}
+
+std::string CardDetail(unsigned long request, const ifreq& record)
+{
+    switch (request) {
+    case SIOCSIFFLAGS: return " " + Hex(static_cast<unsigned short>(record.ifr_flags));
+    case SIOCSIFMTU: return " " + std::to_string(record.ifr_mtu);
+    case SIOCSIFHWADDR:
+        return " " + MacIn(record.ifr_hwaddr) + " family " +
+               std::to_string(record.ifr_hwaddr.sa_family);
+    case SIOCSIFADDR:
+    case SIOCSIFNETMASK:
+        return " " + Text4(record.ifr_addr) + " family " +
+               std::to_string(record.ifr_addr.sa_family);
+    default: return "";
+    }
+}
+
+std::string RouteDetail(const rtentry& record)
+{
+    return " " + Text4(record.rt_dst) + " " + Text4(record.rt_genmask) + " " +
+           Text4(record.rt_gateway) + " " + (record.rt_dev == nullptr ? "no card" : record.rt_dev) +
+           " flags " + Hex(record.rt_flags) + " metric " + std::to_string(record.rt_metric);
+}
+
+std::string Route6Detail(const in6_rtmsg& record)
+{
+    return " " + Text6(record.rtmsg_dst) + "/" + std::to_string(record.rtmsg_dst_len) + " " +
+           Text6(record.rtmsg_gateway) + " index " + std::to_string(record.rtmsg_ifindex) +
+           " flags " + Hex(record.rtmsg_flags) + " metric " + std::to_string(record.rtmsg_metric);
+}
+
+std::string NeighbourDetail(const arpreq& record)
+{
+    return " " + MacIn(record.arp_ha) + " " + NameIn(record.arp_dev) + " flags " +
+           Hex(static_cast<unsigned>(record.arp_flags));
+}
+
 // ---- tables
 
 std::string DevTable()
@@ -623,6 +669,24 @@ std::string RequestText(unsigned long request, const void* record, int family)
     return named ? known->second + " " + NameIn(record) : known->second;
 }
 
+std::string RequestDetail(unsigned long request, const void* record, int family)
+{
+    const bool six = family == AF_INET6;
+    if (request == SIOCADDRT || request == SIOCDELRT) {
+        return six ? Route6Detail(*static_cast<const in6_rtmsg*>(record))
+                   : RouteDetail(*static_cast<const rtentry*>(record));
+    }
+    if (six && (request == SIOCSIFADDR || request == SIOCDIFADDR)) {
+        const auto& address = *static_cast<const Request6*>(record);
+        return " " + Text6(address.address) + "/" + std::to_string(address.prefix) + " index " +
+               std::to_string(address.index);
+    }
+    if (request == SIOCSARP || request == SIOCDARP) {
+        return NeighbourDetail(*static_cast<const arpreq*>(record));
+    }
+    return CardDetail(request, *static_cast<const ifreq*>(record));
+}
+
 int Perform(unsigned long request, void* record, int family)
 {
     if (request >= 0xC0000000U) return OnBackup(request, record);
@@ -644,14 +708,17 @@ int Perform(unsigned long request, void* record, int family)
 
 int ResultOf(unsigned long request)
 {
+    const int odd = OddAnswers() == Odd::results ? 1 : 0;
     switch (request) {
     case kSramCreate:
     case kSramRead:
     case kSramWrite: return kernel.sram.result;
     case kRtcRead:
     case kRtcWrite: return kernel.rtc.result;
-    default: return IsOfPower(request) ? kernel.power.result : 0;
+    default: break;
     }
+    const int plain = IsOfPower(request) ? kernel.power.result : 0;
+    return plain == 0 ? odd : plain;
 }
 
 }  // namespace fake

@@ -138,6 +138,9 @@ std::optional<std::string> TableText(const std::string& path);
 /// Name of a request for the trace, such as "SIOCSIFADDR eth1".
 std::string RequestText(unsigned long request, const void* record, int family);
 
+/// What a request is given beyond its name, for the timeline: "" or " up 0x1043", " 10.0.0.2".
+std::string RequestDetail(unsigned long request, const void* record, int family);
+
 /// Performs a request on the model: 0, or an errno.
 int Perform(unsigned long request, void* record, int family);
 

@@ -103,13 +103,16 @@ using namespace fake;
 
 extern "C" {
 
-int __wrap_setsockopt(int, int level, int option, const void* value, socklen_t size)
+int __wrap_setsockopt(int fd, int level, int option, const void* value, socklen_t size)
 {
     const bool binds = level == SOL_SOCKET && option == SO_BINDTODEVICE;
     const auto* name = static_cast<const char*>(value);
     const std::string card = binds ? std::string(name, strnlen(name, IFNAMSIZ)) : "";
     const std::string call = binds ? "SO_BINDTODEVICE " + card : std::to_string(option);
-    if (!Note("setsockopt " + call + " " + std::to_string(size))) return -1;
+    if (!Note("setsockopt " + call + " " + std::to_string(size),
+              " level " + std::to_string(level) + " on " + PathOf(fd))) {
+        return -1;
+    }
     return Result(binds && kernel.Find(card) == nullptr ? ENODEV : 0);
 }
 
@@ -144,6 +147,10 @@ ssize_t __wrap_recvfrom(int, void* buffer, size_t size, int flags, sockaddr* add
     std::string from;
     const ssize_t count = Take(buffer, size, &from);
     if (count < 0) return count;
+    if (from.empty()) {
+        *addressSize = 0;
+        return count;
+    }
 
     sockaddr_in sender{};
     sender.sin_family = AF_INET;

@@ -27,7 +27,7 @@ struct Sent {
 
 struct Arrival {
     Bytes packet;
-    std::string from = "0.0.0.0";  // what the kernel tells of an IPv4 sender
+    std::string from = "0.0.0.0";  // what the kernel tells of an IPv4 sender; "": nothing
     int after = 0;                 // seconds behind the arrival before it
     short events = POLLIN;         // anything else brings no packet
 };

@@ -1,5 +1,6 @@
 #include "fake/World.h"
 
+#include "fake/Odd.h"
 #include "fake/Rtnetlink.h"
 
 #include <cstdlib>
@@ -144,6 +145,7 @@ void World::SetUp()
     ResetWire();
     MakeFolder("/mnt/mtd/Config");
     CatchLog();
+    FreeLowDescriptors();
 }
 
 void World::TearDown()

@@ -1,6 +1,7 @@
 // The C calls as the product meets them in a unit test. The linker sends each call of the list in
 // Wraps.txt here; what is not modelled goes on to libc.
 
+#include "fake/Odd.h"
 #include "fake/Rtnetlink.h"
 #include "fake/World.h"
 
@@ -56,6 +57,9 @@ void* __real_calloc(size_t, size_t);
 void* __real_malloc(size_t);
 int __real_pthread_mutex_lock(pthread_mutex_t*);
 int __real_pthread_mutex_unlock(pthread_mutex_t*);
+void __real_flockfile(FILE*);
+void __real_funlockfile(FILE*);
+pid_t __real_setsid();
 }
 
 namespace fake {
@@ -77,22 +81,68 @@ std::vector<CommandRule> rules;
 
 /// Where a child leaves the calls it made and the command it would have become.
 struct Mailbox {
-    char calls[4096];  // one a line
+    char calls[32768];  // four lines each
     bool started;
     char command[4096];
 };
 Mailbox* mailbox = nullptr;
 pid_t shell = -1;
 
+struct Flag {
+    int bit;
+    const char* name;
+};
+
+/// "|NAME" for each flag that is set, then what has no name here.
+std::string NamesOf(int flags, const std::vector<Flag>& known)
+{
+    std::string text;
+    for (const Flag& flag : known) {
+        if ((flags & flag.bit) != flag.bit) continue;
+        text += std::string("|") + flag.name;
+        flags &= ~flag.bit;
+    }
+    if (flags == 0) return text;
+
+    char rest[16];
+    snprintf(rest, sizeof(rest), "|0x%x", static_cast<unsigned>(flags));
+    return text + rest;
+}
+
 std::string Flags(int flags)
 {
-    std::string text = (flags & O_ACCMODE) == O_RDONLY   ? "O_RDONLY"
-                       : (flags & O_ACCMODE) == O_WRONLY ? "O_WRONLY"
-                                                         : "O_RDWR";
-    if ((flags & O_CREAT) != 0) text += "|O_CREAT";
-    if ((flags & O_TRUNC) != 0) text += "|O_TRUNC";
-    if ((flags & O_APPEND) != 0) text += "|O_APPEND";
-    return text;
+    const std::string text = (flags & O_ACCMODE) == O_RDONLY   ? "O_RDONLY"
+                             : (flags & O_ACCMODE) == O_WRONLY ? "O_WRONLY"
+                                                               : "O_RDWR";
+    return text + NamesOf(flags & (O_CREAT | O_TRUNC | O_APPEND),
+                          {{O_CREAT, "O_CREAT"}, {O_TRUNC, "O_TRUNC"}, {O_APPEND, "O_APPEND"}});
+}
+
+/// What `Flags` leaves out: the other flags, and the mode of a file that is to be created.
+std::string MoreFlags(int flags, mode_t mode)
+{
+    std::string text =
+        NamesOf(flags & ~(O_ACCMODE | O_CREAT | O_TRUNC | O_APPEND), {{O_CLOEXEC, "O_CLOEXEC"},
+                                                                      {O_NONBLOCK, "O_NONBLOCK"},
+                                                                      {O_EXCL, "O_EXCL"},
+                                                                      {O_SYNC, "O_SYNC"},
+                                                                      {O_NOFOLLOW, "O_NOFOLLOW"}});
+    if ((flags & O_CREAT) == 0) return text;
+
+    char octal[16];
+    snprintf(octal, sizeof(octal), " %04o", mode);
+    return text + octal;
+}
+
+std::string TypeText(int type)
+{
+    const int kind = type & ~(SOCK_CLOEXEC | SOCK_NONBLOCK);
+    const std::string text = kind == SOCK_DGRAM    ? "SOCK_DGRAM"
+                             : kind == SOCK_RAW    ? "SOCK_RAW"
+                             : kind == SOCK_PACKET ? "SOCK_PACKET"
+                                                   : std::to_string(kind);
+    return text + NamesOf(type & (SOCK_CLOEXEC | SOCK_NONBLOCK),
+                          {{SOCK_CLOEXEC, "SOCK_CLOEXEC"}, {SOCK_NONBLOCK, "SOCK_NONBLOCK"}});
 }
 
 /// Prints a table of the model into its file when it has changed, unless a test has put one there.
@@ -127,7 +177,38 @@ int Known(DIR* folder)
 
 std::string SignalText(int signal)
 {
-    return signal == SIGINT ? "SIGINT" : "SIGQUIT";
+    const char* name = sigabbrev_np(signal);
+    return name == nullptr ? std::to_string(signal) : std::string("SIG") + name;
+}
+
+/// " SIGINT SIGQUIT" for a set; "" for an empty one.
+std::string SetText(const sigset_t& set)
+{
+    constexpr int kSignals = 64;
+    std::string text;
+    for (int signal = 1; signal <= kSignals; ++signal) {
+        if (sigismember(&set, signal) == 1) text += " " + SignalText(signal);
+    }
+    return text;
+}
+
+std::string ActionText(const struct sigaction* action)
+{
+    constexpr int kOfLibc = 0x04000000;  // SA_RESTORER, which it sets itself
+    if (action == nullptr) return ", no record";
+
+    const std::string handler = action->sa_handler == SIG_IGN   ? "SIG_IGN"
+                                : action->sa_handler == SIG_DFL ? "SIG_DFL"
+                                                                : "handler";
+    char flags[16];
+    snprintf(flags, sizeof(flags), "0x%x", static_cast<unsigned>(action->sa_flags & ~kOfLibc));
+    return ", " + handler + " flags " + flags + " mask" + SetText(action->sa_mask);
+}
+
+/// "F_WRLCK" of a lock record.
+std::string LockText(const struct flock& range)
+{
+    return range.l_type == F_WRLCK ? "F_WRLCK" : range.l_type == F_RDLCK ? "F_RDLCK" : "F_UNLCK";
 }
 
 std::string FamilyText(int family)
@@ -157,17 +238,55 @@ bool IsNetlink(int fd)
     return false;
 }
 
-void LeaveCall(const std::string& call)
+/// " 1 40": sizes, offsets, counts.
+std::string Sizes(const std::vector<size_t>& numbers)
 {
-    const size_t length = strlen(mailbox->calls);
-    snprintf(mailbox->calls + length, sizeof(mailbox->calls) - length, "%s\n", call.c_str());
+    std::string text;
+    for (const size_t number : numbers) text += " " + std::to_string(number);
+    return text;
 }
 
-std::vector<std::string> CallsLeft()
+/// What a request is made on: " on AF_INET", " on /dev/pdcRtc".
+std::string On(int fd)
 {
-    std::vector<std::string> calls;
+    const std::string path = PathOf(fd);
+    return path.empty() ? " on nothing" : " on " + path;
+}
+
+std::string ProcessText(pid_t process)
+{
+    return process == getpid() ? " own process" : " process " + std::to_string(process);
+}
+
+/// Another number for the same thing, which is open twice from here on.
+int Duplicate(int fd, int control, void* lowest)
+{
+    NoteAside("fcntl F_DUPFD " + PathOf(fd));
+    const int copy = __real_fcntl(fd, control, lowest);
+    if (copy >= 0) CopyHandle(fd, copy);
+    return copy;
+}
+
+void LeaveCall(const Noted& call)
+{
+    const size_t length = strlen(mailbox->calls);
+    snprintf(mailbox->calls + length, sizeof(mailbox->calls) - length, "%s\n%s\n%zu %zu %d\n",
+             call.call.c_str(), call.more.c_str(), call.printed, call.flushed, call.inTrace);
+}
+
+std::vector<Noted> CallsLeft()
+{
+    std::vector<Noted> calls;
     std::istringstream lines(mailbox->calls);
-    for (std::string line; std::getline(lines, line);) calls.push_back(line);
+    Noted call;
+    for (std::string place; std::getline(lines, call.call);) {
+        std::getline(lines, call.more);
+        std::getline(lines, place);
+        int inTrace = 0;
+        sscanf(place.c_str(), "%zu %zu %d", &call.printed, &call.flushed, &inTrace);
+        call.inTrace = inTrace != 0;
+        calls.push_back(call);
+    }
     return calls;
 }
 
@@ -224,7 +343,7 @@ int __wrap_open(const char* path, int flags, ...)
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     const std::string call = std::string("open ") + path + " " + Flags(flags);
-    if (!Note(call)) return -1;
+    if (!Note(call, MoreFlags(flags, mode))) return -1;
     PrintTable(path);
     const int fd = __real_open(Mapped(path).c_str(), flags, mode);
     Opened(fd, call);
@@ -261,28 +380,36 @@ int __wrap_close(int fd)
 ssize_t __wrap_pread(int fd, void* buffer, size_t size, off_t offset)
 {
     const std::string path = PathOf(fd);
-    if (!Note("pread " + path)) return -1;
-    if (offset == 0) PrintTable(path);
-    return __real_pread(fd, buffer, size, offset);
+    const std::string call = "pread " + path;
+    if (!GoesOn(fd, offset)) {
+        if (!Note(call, Sizes({size, static_cast<size_t>(offset)}))) return -1;
+        if (offset == 0) PrintTable(path);
+    }
+    return __real_pread(fd, buffer, PieceOf(fd, Room(call, size), offset), offset);
 }
 
 ssize_t __wrap_read(int fd, void* buffer, size_t size)
 {
-    if (!Note("read " + PathOf(fd))) return -1;
-    return __real_read(fd, buffer, size);
+    const std::string call = "read " + PathOf(fd);
+    if (!Note(call, Sizes({size}))) return -1;
+    return __real_read(fd, buffer, Room(call, size));
 }
 
 ssize_t __wrap_write(int fd, const void* buffer, size_t size)
 {
-    if (!Note("write " + PathOf(fd))) return -1;
-    return __real_write(fd, buffer, size);
+    const std::string call = "write " + PathOf(fd);
+    if (!Note(call, Sizes({size}))) return -1;
+    return __real_write(fd, buffer, Room(call, size));
 }
 
 size_t __wrap_fwrite(const void* items, size_t size, size_t count, FILE* stream)
 {
     const int known = Known(stream);
-    if (known >= 0 && !Note("fwrite " + PathOf(known))) return 0;
-    return __real_fwrite(items, size, count, stream);
+    if (known < 0) return __real_fwrite(items, size, count, stream);
+
+    const std::string call = "fwrite " + PathOf(known);
+    if (!Note(call, Sizes({size, count}))) return 0;
+    return __real_fwrite(items, size, Room(call, count), stream);
 }
 
 int __wrap_fflush(FILE* stream)
@@ -297,7 +424,8 @@ int __wrap_fflush(FILE* stream)
 
 int __wrap_fileno(FILE* stream)
 {
-    if (Known(stream) >= 0 && !Note("fileno")) return -1;
+    const int known = Known(stream);
+    if (known >= 0 && !Note("fileno", " " + PathOf(known))) return -1;
     return __real_fileno(stream);
 }
 
@@ -314,17 +442,27 @@ int __wrap_fcntl(int fd, int control, ...)
     va_end(arguments);
     if (control == F_SETLKW) {
         const auto* range = static_cast<struct flock*>(argument);
-        const char* type = range->l_type == F_WRLCK ? "F_WRLCK" : "F_UNLCK";
-        if (!Note("fcntl F_SETLKW " + std::string(type) + " " + PathOf(fd))) return -1;
+        if (!Note("fcntl F_SETLKW " + LockText(*range) + " " + PathOf(fd),
+                  Sizes({static_cast<size_t>(range->l_whence), static_cast<size_t>(range->l_start),
+                         static_cast<size_t>(range->l_len)}) +
+                      ProcessText(range->l_pid))) {
+            return -1;
+        }
     } else if (control == F_SETFD) {
-        if (!Note("fcntl F_SETFD")) return -1;
+        const auto value = reinterpret_cast<intptr_t>(argument);
+        const std::string flags = value == FD_CLOEXEC ? "FD_CLOEXEC" : std::to_string(value);
+        if (!Note("fcntl F_SETFD", " " + flags + " " + PathOf(fd))) return -1;
+    } else if (control == F_DUPFD || control == F_DUPFD_CLOEXEC) {
+        return Duplicate(fd, control, argument);
+    } else {
+        NoteAside("fcntl " + std::to_string(control) + " " + PathOf(fd));
     }
     return __real_fcntl(fd, control, argument);
 }
 
 int __wrap_access(const char* path, int mode)
 {
-    if (!Note(std::string("access ") + path)) return -1;
+    if (!Note(std::string("access ") + path, " " + std::to_string(mode))) return -1;
     return __real_access(Mapped(path).c_str(), mode);
 }
 
@@ -357,7 +495,8 @@ DIR* __wrap_opendir(const char* path)
 
 dirent* __wrap_readdir(DIR* folder)
 {
-    if (Known(folder) >= 0 && !Note("readdir")) return nullptr;
+    const int known = Known(folder);
+    if (known >= 0 && !Note("readdir", " " + PathOf(known))) return nullptr;
     return __real_readdir(folder);
 }
 
@@ -400,9 +539,9 @@ int __wrap_remove(const char* path)
 int __wrap_socket(int family, int type, int protocol)
 {
     const std::string call = "socket " + FamilyText(family);
-    if (!Note(call)) return -1;
+    if (!Note(call, " " + TypeText(type) + " " + std::to_string(protocol))) return -1;
     // A descriptor with nothing behind it: all requests go to the model.
-    const int fd = __real_open("/dev/null", O_RDWR);
+    const int fd = Numbered(__real_open("/dev/null", O_RDWR));
     Opened(fd, call + " " + std::to_string(type) + " " + std::to_string(protocol), family);
     return fd;
 }
@@ -414,7 +553,10 @@ int __wrap_ioctl(int fd, unsigned long request, ...)
     void* record = va_arg(arguments, void*);
     va_end(arguments);
     const int family = FamilyOf(fd);
-    if (!Note("ioctl " + RequestText(request, record, family))) return -1;
+    if (!Note("ioctl " + RequestText(request, record, family),
+              RequestDetail(request, record, family) + On(fd))) {
+        return -1;
+    }
     const int error = fd < 0 ? EBADF : Perform(request, record, family);
     if (error == 0) return ResultOf(request);
     errno = error;
@@ -423,11 +565,11 @@ int __wrap_ioctl(int fd, unsigned long request, ...)
 
 // ---- netlink
 
-int __wrap_bind(int, const sockaddr* address, socklen_t length)
+int __wrap_bind(int fd, const sockaddr* address, socklen_t length)
 {
     if (address->sa_family == AF_INET) return BindIPv4(address, length);
 
-    return Note("bind " + AddressText(address, length)) ? 0 : -1;
+    return Note("bind " + AddressText(address, length), On(fd)) ? 0 : -1;
 }
 
 int __wrap_getsockname(int fd, sockaddr* address, socklen_t* length)
@@ -443,13 +585,16 @@ int __wrap_getsockname(int fd, sockaddr* address, socklen_t* length)
 
 ssize_t __wrap_sendmsg(int fd, const msghdr* message, int flags)
 {
-    if (!Note("sendmsg " + std::to_string(flags))) return -1;
-    return IsNetlink(fd) ? TakeRequest(*message) : -1;
+    const std::string call = "sendmsg " + std::to_string(flags);
+    if (!Note(call, On(fd))) return -1;
+    if (!IsNetlink(fd)) return -1;
+    const ssize_t taken = TakeRequest(*message);
+    return static_cast<ssize_t>(Room(call, static_cast<size_t>(taken)));
 }
 
 ssize_t __wrap_recvmsg(int fd, msghdr* message, int flags)
 {
-    if (!Note("recvmsg " + std::to_string(flags))) return -1;
+    if (!Note("recvmsg " + std::to_string(flags), On(fd))) return -1;
     return IsNetlink(fd) ? GiveAnswer(message) : -1;
 }
 
@@ -458,13 +603,17 @@ ssize_t __wrap_recvmsg(int fd, msghdr* message, int flags)
 int __wrap_sigaction(int signal, const struct sigaction* action, struct sigaction* old)
 {
     const bool ignores = action != nullptr && action->sa_handler == SIG_IGN;
-    if (!Note("sigaction " + SignalText(signal) + (ignores ? " ignore" : " restore"))) return -1;
+    if (!Note("sigaction " + SignalText(signal) + (ignores ? " ignore" : " restore"),
+              ActionText(action))) {
+        return -1;
+    }
     return __real_sigaction(signal, action, old);
 }
 
 int __wrap_sigprocmask(int how, const sigset_t* mask, sigset_t* old)
 {
-    if (!Note(how == SIG_BLOCK ? "sigprocmask SIG_BLOCK" : "sigprocmask SIG_SETMASK")) return -1;
+    const char* call = how == SIG_BLOCK ? "sigprocmask SIG_BLOCK" : "sigprocmask SIG_SETMASK";
+    if (!Note(call, mask == nullptr ? " no set" : SetText(*mask))) return -1;
     return __real_sigprocmask(how, mask, old);
 }
 
@@ -508,7 +657,7 @@ int __wrap_execlp(const char* file, const char* zero, ...)
 pid_t __wrap_waitpid(pid_t pid, int* status, int options)
 {
     if (pid != shell) return __real_waitpid(pid, status, options);
-    if (!Note("waitpid")) return -1;
+    if (!Note("waitpid", " the child, options " + std::to_string(options))) return -1;
 
     const pid_t ended = __real_waitpid(pid, status, options);
     shell = -1;
@@ -552,26 +701,52 @@ int __wrap_gettimeofday(struct timeval* now, void*)
 
 void* __wrap_calloc(size_t count, size_t size)
 {
-    return Note("calloc") ? __real_calloc(count, size) : nullptr;
+    return Note("calloc", Sizes({count, size})) ? __real_calloc(count, size) : nullptr;
 }
 
 void* __wrap_malloc(size_t size)
 {
-    return Note("malloc") ? __real_malloc(size) : nullptr;
+    return Note("malloc", Sizes({size})) ? __real_malloc(size) : nullptr;
 }
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex)
 {
-    NoteOnly("mutex lock");
+    NoteLock("mutex lock", mutex);
     ++heldMutexes;
     return __real_pthread_mutex_lock(mutex);
 }
 
 int __wrap_pthread_mutex_unlock(pthread_mutex_t* mutex)
 {
-    NoteOnly("mutex unlock");
+    NoteLock("mutex unlock", mutex);
     --heldMutexes;
     return __real_pthread_mutex_unlock(mutex);
+}
+
+// ---- streams locked, sessions
+
+void __wrap_flockfile(FILE* stream)
+{
+    __real_flockfile(stream);
+    const int known = stream == stdout ? -1 : Known(stream);
+    if (stream == stdout || known >= 0) {
+        NoteAside(stream == stdout ? kOutputLock : "flockfile " + PathOf(known));
+    }
+}
+
+void __wrap_funlockfile(FILE* stream)
+{
+    const int known = stream == stdout ? -1 : Known(stream);
+    if (stream == stdout || known >= 0) {
+        NoteAside(stream == stdout ? kOutputUnlock : "funlockfile " + PathOf(known));
+    }
+    __real_funlockfile(stream);
+}
+
+pid_t __wrap_setsid()
+{
+    NoteAside("setsid");
+    return __real_setsid();
 }
 
 }  // extern "C"
