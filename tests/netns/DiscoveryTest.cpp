@@ -1,10 +1,14 @@
 #include "Base.h"
+#include "Network.h"
+#include "Network6.h"
 
 #include "Device.h"
 
 #include <cstring>
 
 #include <arpa/inet.h>
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -328,6 +332,96 @@ TEST_F(FlagsTest, AnAddressIsSeenWhenTheKernelHasOne)
     Must("ip addr add 10.0.0.2/24 dev eth0");
     EXPECT_TRUE(InterfaceIpIsExist("eth0"));
     EXPECT_FALSE(InterfaceIpIsExist("eth1"));
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+// ---- a process that has used up its descriptors
+
+/// Leaves this process no free descriptor for the length of a scope.
+class NoFreeDescriptor {
+public:
+    NoFreeDescriptor()
+    {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        rlimit few = before_;
+        for (few.rlim_cur = 0; fcntl(static_cast<int>(few.rlim_cur), F_GETFD) >= 0;) ++few.rlim_cur;
+        setrlimit(RLIMIT_NOFILE, &few);
+    }
+    ~NoFreeDescriptor() { setrlimit(RLIMIT_NOFILE, &before_); }
+    NoFreeDescriptor(const NoFreeDescriptor&) = delete;
+    NoFreeDescriptor& operator=(const NoFreeDescriptor&) = delete;
+
+private:
+    rlimit before_{};
+};
+
+class NoDescriptorTest : public Device {
+protected:
+    void SetUp() override
+    {
+        Device::SetUp();
+        AddCards(2);
+    }
+};
+
+TEST_F(NoDescriptorTest, ListingsFailAndSaySo)
+{
+    char names[32][16];
+    int count = 32;
+    InterfaceInfo info[4] = {};
+    int records = 4;
+    char part[] = "eth";
+    {
+        const NoFreeDescriptor none;
+        EXPECT_FALSE(GetAllInterfaceInfo(names, &count));
+        EXPECT_FALSE(GetSpecifiedInterfaceInfo(part, names, &count));
+        EXPECT_FALSE(GetNormalInterfaceInfo(info, &records));
+    }
+    EXPECT_EQ(count, 32);
+    EXPECT_EQ(records, 4);
+    EXPECT_EQ(Log(),
+              (LogLines{Error("GetAllInterfaceInfo", "Open file /proc/net/dev failed!\n"),
+                        Error("GetSpecifiedInterfaceInfo", "Open file /proc/net/dev failed!"),
+                        Error("GetNormalInterfaceInfo", "Open file /proc/net/dev failed!\n")}));
+    EXPECT_TRUE(GetAllInterfaceInfo(names, &count));
+    EXPECT_EQ(count, 2);
+}
+
+TEST_F(NoDescriptorTest, ASocketIsTriedAgainWhenOneIsFree)
+{
+    {
+        const NoFreeDescriptor none;
+        EXPECT_FALSE(InterfaceUp("eth0"));
+        EXPECT_FALSE(InterfaceIsLink("eth0"));
+        EXPECT_LT(Net6_GetInterfaceIndex("eth0"), 0);
+    }
+    EXPECT_EQ(Log(),
+              (LogLines{Error("NetIOCtrl", "open commonSocketfd error.[Too many open files]"),
+                        Error("InterfaceUp", "up eth0 failed,getflags error."),
+                        Error("InterfaceIsLink", "socket eth0 failed."),
+                        Error("NetIOCtrlv6", "open commonSocketfd error.[Too many open files]"),
+                        Error("Net6_GetInterfaceIndex", "get eth0 index failed.")}));
+    EXPECT_FALSE(IsUp("eth0"));
+    EXPECT_TRUE(InterfaceUp("eth0"));
+    EXPECT_GT(Net6_GetInterfaceIndex("eth0"), 0);
+    EXPECT_TRUE(IsUp("eth0"));
+}
+
+TEST_F(NoDescriptorTest, AKeptSocketGoesOnServing)
+{
+    ASSERT_TRUE(InterfaceUp("eth0"));
+    const NoFreeDescriptor none;
+    EXPECT_TRUE(InterfaceDown("eth0"));
+    EXPECT_TRUE(Net_SetIPbyName("eth0", "10.0.0.2", "255.255.255.0"));
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(NoDescriptorTest, ACommandRunsAllTheSame)
+{
+    {
+        const NoFreeDescriptor none;
+        EXPECT_TRUE(VorlixRunCmd("exit 3"));
+    }
     EXPECT_EQ(Log(), LogLines{});
 }
 

@@ -85,7 +85,8 @@ TEST_P(OutputsOfAFailureTest, AreAsTheyWereWithoutACard)
 }
 
 // `Net_GetIPbyName` may have stored the address before it fails at the mask; `Net_GetEthtoolInfo`
-// sets the command of the caller's record; the listings clear the caller's names first. They say so.
+// sets the command of the caller's record; the listings clear the caller's names first. They say
+// so.
 const Getter kGetters[] = {
     {"Net_GetIPbyName_mask",
      [](const char* card, Outputs& outputs) {
