@@ -10,6 +10,15 @@
 #include "Types.h"
 
 #ifdef __cplusplus
+#include "Support/KeyFile.h"
+#include "Support/Lines.h"
+#include "Support/NameList.h"
+
+#include <optional>
+
+#include <net/if.h>
+#include <pthread.h>
+
 extern "C" {
 #endif
 
@@ -170,15 +179,6 @@ bool CheckNetCardByDrvName(const char* name, const char* drvname);
 
 #ifdef __cplusplus
 }  // extern "C"
-
-#include "Support/KeyFile.h"
-#include "Support/Lines.h"
-#include "Support/NameList.h"
-
-#include <optional>
-
-#include <net/if.h>
-#include <pthread.h>
 
 namespace vorlix {
 

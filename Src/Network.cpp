@@ -5,7 +5,9 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
 
 #include <linux/sockios.h>
 #include <net/if_arp.h>

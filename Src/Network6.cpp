@@ -7,10 +7,14 @@
 #include "Support/Text.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
-#include <arpa/inet.h>
 #include <linux/sockios.h>
+#include <netinet/in.h>
 #include <strings.h>
 
 namespace vorlix {
@@ -30,7 +34,7 @@ constexpr int kCompatibleScope = 128;
 
 constexpr int kGroups = 8;
 constexpr int kEntryFields = 13;
-constexpr int kAddressTextSize = 40;
+constexpr int kAddressTextSize = 40;  // eight groups of four digits: no address takes more
 constexpr size_t kCurrentAddressSize = 128;
 constexpr size_t kPrefixTextSize = 8;
 constexpr size_t kLinkLocalPrefixSize = 256;
@@ -128,7 +132,7 @@ int IndexFor(const char* operation, const char* name)
 
 uint32_t PrefixLength(const char* text)
 {
-    return static_cast<uint32_t>(strtol(text, nullptr, 10));
+    return static_cast<uint32_t>(atoi(text));
 }
 
 }  // namespace

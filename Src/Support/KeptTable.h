@@ -2,6 +2,9 @@
 
 #include "Support/Handles.h"
 
+#include <fcntl.h>
+#include <pthread.h>
+
 namespace vorlix {
 
 /// A table of the kernel, opened by its first reader and never closed. Readers take turns under its

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 
+#include <fcntl.h>
 #include <sys/types.h>
 
 namespace vorlix {

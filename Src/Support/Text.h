@@ -2,11 +2,11 @@
 
 #include "Types.h"
 
+#include <cstring>
+
 #include <netinet/in.h>
 
-#ifdef __cplusplus
 extern "C" {
-#endif
 
 /// Appends `src` to `dest`, as far as it fits.
 ///
@@ -18,10 +18,7 @@ extern "C" {
 /// @return `dest`
 VORLIX_API char* Strcat(char* dest, size_t destSize, const char* src, size_t* copiedLen);
 
-#ifdef __cplusplus
 }  // extern "C"
-
-#include <cstring>
 
 namespace vorlix {
 
@@ -100,4 +97,3 @@ bool ParseMac(const char* text, unsigned char (&mac)[kMacSize]);
 void PrintMac(const unsigned char* mac, char* text);
 
 }  // namespace vorlix
-#endif
