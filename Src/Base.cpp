@@ -1,3 +1,6 @@
+// Chapters, of the helpers and then of the operations alike: names - control sockets - what a card
+// is - listings - presence - link - shell.
+
 #include "Base.h"
 
 #include "Support/Handles.h"
@@ -46,7 +49,7 @@ constexpr int32_t kSwitchInterface = 1;
 constexpr int32_t kCardAndSwitch = 2;
 
 constexpr int kJoinedSize = 255;
-constexpr int kJoinedFull = 254;
+constexpr int kJoinedFull = kJoinedSize - 1;
 constexpr int kCounterTokens = 17;
 constexpr int kTokenSize = 32;
 constexpr int kCommandNotFound = 127;
@@ -130,8 +133,8 @@ bool Request(int control, int cmd, void* record)
 
 // ---- wireless cards
 
-/// The status behind the line's first colon: 1 says connected.
-bool StatusIsConnected(const char* line)
+/// Reads the status behind the line's first colon: 1 says connected.
+bool ReadConnection(const char* line)
 {
     const char* colon = strchr(line, ':');
     if (colon == nullptr) {
@@ -143,7 +146,8 @@ bool StatusIsConnected(const char* line)
     return status == 1;
 }
 
-bool IsWifi(const char* name, bool* isConnect, WirelessTable& table)
+/// `NetCardIsWifi` on the table of a walk.
+bool AskWifi(const char* name, bool* isConnect, WirelessTable& table)
 {
     static NameCache wifiname;
 
@@ -156,7 +160,7 @@ bool IsWifi(const char* name, bool* isConnect, WirelessTable& table)
         return true;
     }
     wifiname.Keep(name);
-    if (isConnect != nullptr) *isConnect = StatusIsConnected(line);
+    if (isConnect != nullptr) *isConnect = ReadConnection(line);
     return true;
 }
 
@@ -182,7 +186,7 @@ void HandOut(const char* found, char* name, int len)
     }
 }
 
-void JoinPoeName(Name& entry, const char* card)
+void FormPoeName(Name& entry, const char* card)
 {
     entry[0] = '\0';
     Strcat(entry, sizeof(entry), card, nullptr);
@@ -207,8 +211,8 @@ public:
         return false;
     }
 
-    /// Tells of a table that cannot be opened.
-    bool IsOpen(const char* operation) const
+    /// Tells of a table that could not be opened.
+    bool CheckOpen(const char* operation) const
     {
         if (file_.Ok()) return true;
 
@@ -216,15 +220,15 @@ public:
         return false;
     }
 
-    /// True when the walk did not come to the end for which it was going on. A card that is not
-    /// listed counts as gone, and a boot then gives up the bonds and bridges that it was in: better
-    /// no list than a part of one. A list that was full before has lost nothing.
-    bool IsCutOff(const char* operation) const
+    /// Tells of a walk that an error cut off. A card that is not listed counts as gone, and a boot
+    /// then gives up the bonds and bridges that it was in: better no list than a part of one. A
+    /// list that was full before has lost nothing.
+    bool CheckWhole(const char* operation) const
     {
-        if (!file_.Lines().Failed()) return false;
+        if (!file_.Lines().Failed()) return true;
 
         LOG_ERROR_AS(operation, "Read file %s failed!\n", kInterfaceTable);
-        return true;
+        return false;
     }
 
     bool Ok() const { return file_.Ok(); }
@@ -238,6 +242,12 @@ private:
 int CapacityOf(int maxNum)
 {
     return std::min(maxNum, kMaxInterfaces);
+}
+
+/// True for a card that is a switch interface as well.
+bool IsCardAndSwitch(const char* name, CardWalk& walk)
+{
+    return !walk.IsWifi(name) && walk.SwitchMode(name) == kCardAndSwitch;
 }
 
 bool ListKind(const char* operation, const char* part, Names names, int* maxNum)
@@ -308,8 +318,8 @@ void JoinNames(Names names, int count, char (&joined)[kJoinedSize])
     }
 }
 
-/// The part of an entry before its colon. False when it is too long for an interface.
-bool BaseNameOf(const char* entry, Name& name)
+/// Copies the part of an entry before its colon. False when it is too long for an interface.
+bool CutBaseName(const char* entry, Name& name)
 {
     const char* colon = strchr(entry, ':');
     if (colon == nullptr) {
@@ -323,7 +333,23 @@ bool BaseNameOf(const char* entry, Name& name)
     return true;
 }
 
-// ---- link flags
+/// Looks for the interface of an entry in the list.
+bool CheckListed(const char* entry, char (&list)[kJoinedSize])
+{
+    constexpr char kCheck[] = "CheckEthExist";
+    Name name;
+    if (!CutBaseName(entry, name)) {
+        LOG_ERROR_AS(kCheck, "eth %s name error, strlen larger than %lu!", entry,
+                     static_cast<unsigned long>(kNameSize));
+        return false;
+    }
+    if (StartsWith(name, "br") || FindWordInLine(list, name, ',') != nullptr) return true;
+
+    LOG_ERROR_AS(kCheck, "can not find %s in %s.", entry, list);
+    return false;
+}
+
+// ---- link
 
 bool ChangeFlags(const char* operation, const char* name, const char* verb, unsigned set,
                  unsigned keep)
@@ -418,8 +444,8 @@ bool RestoreSignals(const SavedSignals& saved)
     _exit(kCommandNotFound);
 }
 
-/// Waits for the shell. The status is -1 when it cannot be waited for.
-int StatusOf(pid_t shell)
+/// Waits for the shell and gives its status, -1 when it cannot be waited for.
+int WaitFor(pid_t shell)
 {
     int status = -1;
     while (waitpid(shell, &status, 0) < 0) {
@@ -483,7 +509,7 @@ bool WirelessTable::FindLine(const char* name, char (&line)[kLineSize])
 
 bool CardWalk::IsWifi(const char* name)
 {
-    return vorlix::IsWifi(name, nullptr, wireless_);
+    return AskWifi(name, nullptr, wireless_);
 }
 
 int32_t CardWalk::SwitchMode(const char* name)
@@ -504,7 +530,7 @@ bool ListCards(char (*names)[kNameSize], int* maxNum, CardWalk& walk)
     }
     memset(names, 0, kNamesSize);
     InterfaceTable table;
-    if (!table.IsOpen(kListing)) return false;
+    if (!table.CheckOpen(kListing)) return false;
 
     const int capacity = CapacityOf(*maxNum);
     char line[kLineSize];
@@ -514,16 +540,16 @@ bool ListCards(char (*names)[kNameSize], int* maxNum, CardWalk& walk)
 
         const char* name = names[count];
         ++count;
-        if (walk.IsWifi(name) || walk.SwitchMode(name) != kCardAndSwitch) continue;
+        if (!IsCardAndSwitch(name, walk)) continue;
         if (count > capacity) {
             LOG_ERROR_AS(kListing, "netdevice's count is more than gived buf");
             table.LeaveOpen();  // on this way out
             return false;
         }
-        if (count < kMaxInterfaces) JoinPoeName(names[count], name);
+        if (count < kMaxInterfaces) FormPoeName(names[count], name);
         ++count;
     }
-    if (table.IsCutOff(kListing)) return false;
+    if (!table.CheckWhole(kListing)) return false;
 
     *maxNum = std::min(count, capacity);
     return true;
@@ -679,7 +705,7 @@ bool GetSpecifiedInterfaceInfo(char* specName, char (*names)[16], int* maxNum)
         const bool isNamed = getNetIfNameNoFilter(line, names[count], kNameSize);
         if (isNamed && Contains(names[count], specName)) ++count;
     }
-    if (table.IsCutOff(__func__) || count < 1) return false;
+    if (!table.CheckWhole(__func__) || count < 1) return false;
 
     *maxNum = count;
     return true;
@@ -707,12 +733,12 @@ bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
         return false;
     }
     InterfaceTable table;
-    if (!table.IsOpen(__func__)) return false;
+    if (!table.CheckOpen(__func__)) return false;
 
     char line[kLineSize];
     int count = 0;
     while (count < *maxNum && table.Next(line)) {
-        if (interfaceInfo == nullptr) return false;
+        if (interfaceInfo == nullptr) return false;  // none are missed as long as no card is met
 
         InterfaceInfo& entry = interfaceInfo[count];
         if (!getNetIfName(line, entry.name, sizeof(entry.name))) continue;
@@ -720,7 +746,7 @@ bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum)
         StoreCounters(&entry.netDatastat, line);
         ++count;
     }
-    if (table.IsCutOff(__func__)) return false;
+    if (!table.CheckWhole(__func__)) return false;
 
     if (count < *maxNum) *maxNum = count;
     return true;
@@ -768,27 +794,14 @@ bool CheckEthExist(const char** ethList, int num)
 
     char names[kMaxInterfaces][kNameSize];
     int count = kMaxInterfaces;
-    const bool listed = Contains(ethList[0], "nbp") ? GetNbpInterfaceInfo(names, &count)
-                                                    : GetAllInterfaceInfo(names, &count);
-    if (!listed) return false;
+    const bool isListed = Contains(ethList[0], "nbp") ? GetNbpInterfaceInfo(names, &count)
+                                                      : GetAllInterfaceInfo(names, &count);
+    if (!isListed) return false;
 
     char joined[kJoinedSize];
     JoinNames(names, count, joined);
-    for (int i = 0; i < num; ++i) {
-        const char* entry = ethList[i];
-        if (entry == nullptr) return false;
-
-        Name name;
-        if (!BaseNameOf(entry, name)) {
-            LOG_ERROR("eth %s name error, strlen larger than %lu!", entry,
-                      static_cast<unsigned long>(kNameSize));
-            return false;
-        }
-        if (StartsWith(name, "br")) continue;
-        if (FindWordInLine(joined, name, ',') == nullptr) {
-            LOG_ERROR("can not find %s in %s.", entry, joined);
-            return false;
-        }
+    for (const char* entry : NameList(ethList, num)) {
+        if (entry == nullptr || !CheckListed(entry, joined)) return false;
     }
     return true;
 }
@@ -798,7 +811,7 @@ bool NetCardIsWifi(const char* name, bool* isConnect)
     if (name == nullptr) return false;
 
     WirelessTable table;
-    return IsWifi(name, isConnect, table);
+    return AskWifi(name, isConnect, table);
 }
 
 bool InterfaceIsLink(const char* name)
@@ -841,7 +854,7 @@ bool VorlixRunCmd(const char* command)
     if (shell < 0) {
         LOG_ERROR("vfork failed, ret = %d.\n", shell);
     } else {
-        status = StatusOf(shell);
+        status = WaitFor(shell);
     }
     return RestoreSignals(saved) && status >= 0;
 }
