@@ -2,7 +2,7 @@
 
 #include "Config.h"
 
-#include "fake/World.h"
+#include "SettingLog.h"
 
 #include <climits>
 
@@ -14,18 +14,9 @@ constexpr char kFile[] = "/mnt/mtd/Config/network1";  // of eth1
 constexpr char kDefaultFile[] = "/mnt/mtd/Config/network";
 constexpr char kBondFile[] = "/mnt/mtd/Config/networkbond0";
 
-const LogLines kSilence;
-const std::vector<std::string> kNothing;
-
 const LogLine kNoneFound = Error("GetDefaultEthByConfig", "can not find default eth in config");
 const LogLine kNoFileYet =
     Error("SetValueByKey", "cannot fopen for read.[No such file or directory]");
-
-LogLine TooLong(const std::string& value)
-{
-    return Error("GetValueByKey", "value len is too small.[len:" + std::to_string(value.size()) +
-                                      ",value:" + value + "]");
-}
 
 LogLine Forced(const std::string& card)
 {

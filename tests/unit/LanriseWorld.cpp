@@ -115,6 +115,15 @@ std::map<std::string, std::string> SavedFiles()
     return files;
 }
 
+std::vector<std::string> FileWrites()
+{
+    std::vector<std::string> writes;
+    for (const std::string& call : TraceOf({"fopen /mnt/mtd/Config"})) {
+        if (call.substr(call.size() - 2) == "w+") writes.push_back(call);
+    }
+    return writes;
+}
+
 void ExpectWellFormedFiles()
 {
     for (const auto& [name, text] : SavedFiles()) {

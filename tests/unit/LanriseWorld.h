@@ -27,6 +27,9 @@ void InNewProcess(const std::function<void()>& run);
 /// The files of the settings folder with their texts.
 std::map<std::string, std::string> SavedFiles();
 
+/// The rewrites of setting and resolver files in the trace, in their order.
+std::vector<std::string> FileWrites();
+
 /// Fails the test for a setting or resolver file that is neither empty nor made of whole lines of
 /// known keys.
 void ExpectWellFormedFiles();
