@@ -1,192 +1,11 @@
-#include "CommonApi.h"
+// Bonds: building one, changing its primary, ending it.
 
-#include "InterfaceWorld.h"
-
-#include <net/if.h>
+#include "BondManagementWorld.h"
 
 using namespace fake;
 using namespace std::string_literals;
 
 namespace {
-
-constexpr char kBond[] = "bond0";
-constexpr char kBondFile[] = "/mnt/mtd/Config/networkbond0";
-const std::string kWritesBond = "fopen "s + kBondFile + " w+";
-const std::string kSlaves = "/sys/class/net/bond0/bonding/slaves";
-
-const Lines kOwnSettings = {"HOSTIP = 10.2.0.2", "SUBMASK = 255.255.0.0", "GATEWAYIP = 10.2.0.1",
-                            "MTU = 1500"};
-
-std::string Attribute(const std::string& name)
-{
-    return "/sys/class/net/bond0/bonding/" + name;
-}
-
-std::string Text(const std::string& file)
-{
-    return Get(CardFile(file));
-}
-
-/// Two cards and a bond with settings of their own each; the bond has no members.
-class BondWorld : public InterfaceWorld {
-protected:
-    void SetUp() override
-    {
-        InterfaceWorld::SetUp();
-        kernel.Add(kBond);
-        for (const char* name : {"mode", "miimon", "primary", "xmit_hash_policy"}) {
-            Put(Attribute(name), "as it was\n");
-        }
-        Put(Attribute("active_slave"), "eth1\n");
-        Put(kSlaves, "");
-        Put(kFile0, Settings({"HOSTIP = 10.0.0.2", "SUBMASK = 255.255.255.0",
-                              "GATEWAYIP = 10.0.0.1", "MTU = 1500"}));
-        Put(kFile1, Settings({"HOSTIP = 10.1.0.2", "SUBMASK = 255.255.255.0",
-                              "GATEWAYIP = 10.1.0.1", "MTU = 1500"}));
-        Put(kBondFile, Settings(kOwnSettings));
-        OnCommand("ifenslave bond0", [](const std::string&) { Put(kSlaves, "eth1 eth0\n"); });
-        OnCommand("ifenslave -d bond0", [](const std::string&) { Put(kSlaves, ""); });
-        Begin();
-    }
-
-    /// Lets the bond run, as it is after `Bond`.
-    static void Run(const std::string& mode)
-    {
-        Put(kSlaves, "eth1 eth0\n");
-        for (const char* file : {kFile0, kFile1}) {
-            Put(file, Get(file) + "BONDED = 1\nBONDNAME = bond0\nWORKMODE = 1\n");
-        }
-        Put(kBondFile,
-            Settings(kOwnSettings) + "BONDMODE = " + mode + "\nBONDMEMBERS = eth1,eth0\n");
-        Begin();
-    }
-
-    Members cards{{"eth1", "eth0"}};
-};
-
-/// Nothing was run, written or asked of the kernel but the list of cards.
-void ExpectUntouched()
-{
-    EXPECT_EQ(Changes(), Lines{});
-    EXPECT_EQ(Commands(), Lines{});
-    EXPECT_EQ(TraceOf({"write"}), Lines{});
-}
-
-// ---- GetBondMode
-
-class GetBondModeTest : public BondWorld {
-protected:
-    NICBondMode mode = nicBondBroadcast;
-};
-
-TEST_F(GetBondModeTest, TellsTheSavedModeAndNeverTheDrivers)
-{
-    Run("4");
-    EXPECT_TRUE(GetBondMode(kBond, &mode));
-    EXPECT_EQ(mode, nicBond802_3ad);
-    EXPECT_EQ(TraceOf({"open " + Attribute("mode")}), Lines{});
-    EXPECT_EQ(Log(), LogLines{});
-}
-
-TEST_F(GetBondModeTest, ABondThatDoesNotRunHasNone)
-{
-    Run("4");
-    Put(kSlaves, "");
-    EXPECT_FALSE(GetBondMode(kBond, &mode));
-    EXPECT_EQ(mode, nicBondBroadcast);
-    EXPECT_EQ(Log(), LogLines{});
-    EXPECT_EQ(TraceOf({"open /mnt/mtd"}), Lines{});
-}
-
-TEST_F(GetBondModeTest, ReportsAModeThatIsNotSaved)
-{
-    Run("4");
-    Put(kBondFile, "");
-    EXPECT_FALSE(GetBondMode(kBond, &mode));
-    EXPECT_EQ(Log(), (LogLines{Error("GetBondMode", "get bond0 bondmode by config failed.")}));
-}
-
-TEST_F(GetBondModeTest, NullIsRefusedInSilence)
-{
-    EXPECT_FALSE(GetBondMode(nullptr, &mode));
-    EXPECT_FALSE(GetBondMode(kBond, nullptr));
-    EXPECT_EQ(TraceOf({"open"}), Lines{});
-    EXPECT_EQ(Log(), LogLines{});
-}
-
-TEST_F(GetBondModeTest, AnyFailureOfAReadIsAFailure)
-{
-    static bool done;
-    Run("4");
-    FailEachCall(
-        [] {
-            NICBondMode read = nicBondBalanceRR;
-            done = GetBondMode(kBond, &read) && read == nicBond802_3ad;
-        },
-        [](const std::string& failed) {
-            const bool ofTheLock =
-                failed.find("O_APPEND") != std::string::npos || failed.rfind("fcntl", 0) == 0;
-            EXPECT_EQ(done, ofTheLock);
-        },
-        kMayStayOpen);
-}
-
-// ---- questions that go to the driver
-
-class BondHasMemberTest : public BondWorld {};
-
-TEST_F(BondHasMemberTest, AsksTheDriver)
-{
-    Run("1");
-    EXPECT_TRUE(BondHasMember(kBond, "eth0"));
-    EXPECT_FALSE(BondHasMember(kBond, "eth2"));
-    EXPECT_FALSE(BondHasMember(nullptr, "eth0"));
-    EXPECT_FALSE(BondHasMember(kBond, nullptr));
-}
-
-class GetBondActiveSlaveTest : public BondWorld {};
-
-TEST_F(GetBondActiveSlaveTest, AsksTheDriver)
-{
-    char name[16] = "";
-    EXPECT_TRUE(GetBondActiveSlave(kBond, name, sizeof(name)));
-    EXPECT_STREQ(name, "eth1\n");
-    EXPECT_TRUE(GetBondActiveSlave(kBond, name, 6));
-    EXPECT_STREQ(name, "eth1");
-    EXPECT_FALSE(GetBondActiveSlave(nullptr, name, sizeof(name)));
-    EXPECT_FALSE(GetBondActiveSlave(kBond, nullptr, sizeof(name)));
-}
-
-class GetBondMembersTest : public BondWorld {
-protected:
-    Table table;
-    int count = 32;
-};
-
-TEST_F(GetBondMembersTest, ListsTheMembers)
-{
-    Run("1");
-    EXPECT_TRUE(GetBondMembers(kBond, table.pointers, &count));
-    EXPECT_EQ(table.First(count), (Lines{"eth1", "eth0"}));
-}
-
-TEST_F(GetBondMembersTest, TheBondMustExist)
-{
-    Put("/sys/class/net/bond9/bonding/slaves", "eth0\n");
-    EXPECT_FALSE(GetBondMembers("bond9", table.pointers, &count));
-    EXPECT_EQ(Log().back(),
-              Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,."));
-    EXPECT_EQ(TraceOf({"open /sys"}), Lines{});
-}
-
-TEST_F(GetBondMembersTest, NullIsRefusedInSilence)
-{
-    EXPECT_FALSE(GetBondMembers(nullptr, table.pointers, &count));
-    EXPECT_FALSE(GetBondMembers(kBond, nullptr, &count));
-    EXPECT_FALSE(GetBondMembers(kBond, table.pointers, nullptr));
-    EXPECT_EQ(TraceOf({"open"}), Lines{});
-    EXPECT_EQ(Log(), LogLines{});
-}
 
 // ---- Bond: what is refused
 
@@ -238,6 +57,29 @@ TEST_F(BondRefusalTest, TheBondMustExist)
               (LogLines{Info("FindWordInLine", "can not find bond9 in eth0,eth1,wlan0,bond0,"),
                         Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,.")}));
     ExpectUntouched();
+}
+
+TEST_F(BondRefusalTest, TheBondIsLookedForBeforeItsCards)
+{
+    Members unknown({"eth0", "eth7"});
+    EXPECT_FALSE(Bond("bond9", unknown.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(Log(),
+              (LogLines{Info("FindWordInLine", "can not find bond9 in eth0,eth1,wlan0,bond0,"),
+                        Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,.")}));
+}
+
+TEST_F(BondRefusalTest, ANullAmongTheCardsIsRefusedBeforeAnythingIsDone)
+{
+    for (const bool running : {false, true}) {
+        if (running) Run("1");
+        for (const int place : {0, 1, 2}) {
+            Members listed({"eth1", "eth0", "br7"});  // the last is taken as it is
+            listed.Const()[place] = nullptr;
+            EXPECT_FALSE(Bond(kBond, listed.Const(), 3, nicBondBalanceRR)) << place;
+        }
+        EXPECT_EQ(LogOf("Bond"), LogLines{});
+        ExpectUntouched();
+    }
 }
 
 TEST_F(BondRefusalTest, EachMemberMustExist)
@@ -559,6 +401,15 @@ TEST_F(UnBondTest, ReportsADriverThatCannotBeAsked)
     ExpectUntouched();
 }
 
+TEST_F(UnBondTest, BondMayStandAnywhereInTheName)
+{
+    kernel.Add("eth-bond1");
+    Put("/sys/class/net/eth-bond1/bonding/slaves", "eth1\n");
+    EXPECT_TRUE(UnBond("eth-bond1"));
+    EXPECT_EQ(Commands(),
+              (Lines{"ifenslave -d eth-bond1 eth1", "ifconfig eth-bond1 0.0.0.0 down"}));
+}
+
 TEST_F(UnBondTest, OtherNamesAreRefusedInSilence)
 {
     EXPECT_FALSE(UnBond(nullptr));
@@ -592,103 +443,6 @@ TEST_F(UnBondTest, NothingIsSavedUnlessTheMembersWereRead)
                      EXPECT_EQ(released, done) << failed;
                  },
                  kMayStayOpen);
-}
-
-// ---- SetBondHashPolicy, GetBondHashPolicy
-
-class SetBondHashPolicyTest : public BondWorld {
-protected:
-    void SetUp() override
-    {
-        BondWorld::SetUp();
-        kernel.At(kBond).flags = IFF_UP;
-    }
-};
-
-TEST_F(SetBondHashPolicyTest, IsWrittenWhileTheBondIsDownAndSavedBehind)
-{
-    OnCall("write", [] { EXPECT_EQ(kernel.At(kBond).flags, 0); });
-    EXPECT_TRUE(SetBondHashPolicy(kBond, 2));
-    EXPECT_EQ(TraceOf({"ioctl SIOCS", "write", kWritesBond}),
-              (Lines{"ioctl SIOCSIFFLAGS bond0", "write " + Attribute("xmit_hash_policy"),
-                     "ioctl SIOCSIFFLAGS bond0", kWritesBond}));
-    EXPECT_EQ(Get(Attribute("xmit_hash_policy")), "2\0"s);
-    EXPECT_EQ(Get(kBondFile), Settings(kOwnSettings) + "LACP = 2\n");
-    EXPECT_EQ(kernel.At(kBond).flags, IFF_UP);
-    EXPECT_EQ(Log(), LogLines{});
-}
-
-TEST_F(SetBondHashPolicyTest, ARefusedPolicyIsNotSavedAndTheBondIsUpAgain)
-{
-    Fail("write", EINVAL);
-    EXPECT_FALSE(SetBondHashPolicy(kBond, 2));
-    EXPECT_EQ(Get(kBondFile), Settings(kOwnSettings));
-    EXPECT_EQ(kernel.At(kBond).flags, IFF_UP);
-}
-
-TEST_F(SetBondHashPolicyTest, APolicyThatIsNotSavedIsASuccess)
-{
-    FailAll(kWritesBond, EROFS);
-    EXPECT_TRUE(SetBondHashPolicy(kBond, 2));
-}
-
-TEST_F(SetBondHashPolicyTest, OtherNamesAreRefused)
-{
-    EXPECT_FALSE(SetBondHashPolicy(nullptr, 1));
-    EXPECT_EQ(Log(), LogLines{});
-    EXPECT_FALSE(SetBondHashPolicy("eth0", 1));
-    EXPECT_EQ(Log(), (LogLines{Warn("SetBondHashPolicy", "bond net card is not valid.[eth0]")}));
-    EXPECT_EQ(TraceOf({"open"}), Lines{});
-    EXPECT_FALSE(SetBondHashPolicy("bond9", 1));
-    EXPECT_EQ(Log().back(),
-              Error("CheckEthExist", "can not find bond9 in eth0,eth1,wlan0,bond0,."));
-    ExpectUntouched();
-}
-
-TEST_F(SetBondHashPolicyTest, IsSavedOnlyWhenTheDriverTookItWhateverFails)
-{
-    static bool done;
-    FailEachCall([] { done = SetBondHashPolicy(kBond, 3); },
-                 [](const std::string& failed) {
-                     const bool written = Get(Attribute("xmit_hash_policy")) == "3\0"s;
-                     EXPECT_EQ(done, written) << failed;
-                     EXPECT_TRUE(done || Get(kBondFile) == Settings(kOwnSettings));
-                 },
-                 kMayStayOpen);
-}
-
-class GetBondHashPolicyTest : public BondWorld {
-protected:
-    unsigned char policy = 9;
-};
-
-TEST_F(GetBondHashPolicyTest, TellsTheSavedPolicyAndNeverTheDrivers)
-{
-    Put(kBondFile, "LACP = 3\n");
-    EXPECT_TRUE(GetBondHashPolicy(kBond, &policy));
-    EXPECT_EQ(policy, 3);
-    EXPECT_EQ(TraceOf({"open /sys"}), Lines{});
-}
-
-TEST_F(GetBondHashPolicyTest, WithoutASavedPolicyItFailsAsTheSettingDoes)
-{
-    EXPECT_FALSE(GetBondHashPolicy(kBond, &policy));
-    EXPECT_EQ(policy, 9);
-    Put(kBondFile, "LACP = 7\n");
-    EXPECT_FALSE(GetBondHashPolicy(kBond, &policy));
-    EXPECT_EQ(policy, 0);
-    EXPECT_EQ(TraceOf({"open /sys"}), Lines{});
-    EXPECT_EQ(Log(), LogLines{});
-}
-
-TEST_F(GetBondHashPolicyTest, TheBondMustExist)
-{
-    EXPECT_FALSE(GetBondHashPolicy(nullptr, &policy));
-    EXPECT_FALSE(GetBondHashPolicy(kBond, nullptr));
-    EXPECT_EQ(TraceOf({"open"}), Lines{});
-    Put("/mnt/mtd/Config/networkbond9", "LACP = 3\n");
-    EXPECT_FALSE(GetBondHashPolicy("bond9", &policy));
-    EXPECT_EQ(policy, 9);
 }
 
 }  // namespace

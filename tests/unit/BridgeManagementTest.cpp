@@ -132,7 +132,7 @@ TEST_F(BridgeTest, SavesMembershipBesideTheCardsOwnSettings)
 TEST_F(BridgeTest, TheNameBeginsWithBrAndADigit)
 {
     for (const std::string name :
-         {"br", "bra", "xbr0", "xx0br", "b0", "BR0", "", "br-0", "bond0"}) {
+         {"br", "bra", "br:", "br/", "xbr0", "xx0br", "b0", "BR0", "", "br-0", "bond0"}) {
         Begin();
         EXPECT_FALSE(Bridge(name.c_str(), cards.Get(), 2)) << name;
         EXPECT_EQ(Log(), (LogLines{Error("Bridge", "Bridge name error.[" + name + "]")}));
@@ -141,6 +141,24 @@ TEST_F(BridgeTest, TheNameBeginsWithBrAndADigit)
     for (const char* name : {"br0", "br1x", "br9-anything"}) {
         EXPECT_TRUE(Bridge(name, cards.Get(), 2)) << name;
     }
+}
+
+TEST_F(BridgeTest, TheNameIsLookedAtBeforeTheCards)
+{
+    Members unknown({"eth0", "eth7"});
+    EXPECT_FALSE(Bridge("bra", unknown.Get(), 2));
+    EXPECT_EQ(Log(), (LogLines{Error("Bridge", "Bridge name error.[bra]")}));
+}
+
+TEST_F(BridgeTest, ANullAmongTheCardsIsRefusedBeforeAnythingIsDone)
+{
+    for (const int place : {0, 1, 2}) {
+        Members listed({"eth1", "eth0", "br7"});  // the last is taken as it is
+        listed.Get()[place] = nullptr;
+        EXPECT_FALSE(Bridge(kBridge, listed.Get(), 3)) << place;
+    }
+    EXPECT_EQ(LogOf("Bridge"), LogLines{});
+    ExpectUntouched();
 }
 
 TEST_F(BridgeTest, EachMemberMustExist)

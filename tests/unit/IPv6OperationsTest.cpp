@@ -216,9 +216,24 @@ TEST_F(NetSetIPv6byNameTest, APrefixAbove128OrBelowZeroIsRefusedBeforeAnyChange)
         EXPECT_EQ(Log(), (LogLines{Began("2001:db8::2", prefix),
                                    Error("NetSetIPv6byName", "invalid pagram of perfix!")}));
     }
+    EXPECT_EQ(TraceOf({"open /proc/net/if_inet6"}), Lines{});
     EXPECT_EQ(Changes(), Lines{});
     EXPECT_EQ(Addresses(), Lines{"2001:db8::1/64"});
     EXPECT_EQ(Get(kFile1), kSaved);
+}
+
+TEST_F(NetSetIPv6byNameTest, APrefixWithoutADigitInFrontIsSetAndNotSaved)
+{
+    struct Case {
+        const char* prefix;
+        const char* inForce;
+    };
+    for (const Case& test : {Case{"", "/0"}, Case{"x", "/0"}, Case{" 48", "/48"}}) {
+        SCOPED_TRACE(test.prefix);
+        EXPECT_TRUE(NetSetIPv6byName("eth1", "2001:db8::2", test.prefix));
+        EXPECT_EQ(Addresses(), Lines{std::string("2001:db8::2") + test.inForce});
+        EXPECT_EQ(Get(kFile1), kSaved);
+    }
 }
 
 TEST_F(NetSetIPv6byNameTest, APrefixOfUpTo128Passes)
@@ -312,6 +327,14 @@ TEST_F(NetSetIPv6byNameTest, TellsWhatTheKernelDidWhateverFails)
 // ---- NetDelIPAddressIpv6
 
 class NetDelIPAddressIpv6Test : public IPv6World {};
+
+TEST_F(NetDelIPAddressIpv6Test, ALinkLocalAddressAloneStays)
+{
+    kernel.At("eth1").addresses6.pop_back();
+    EXPECT_TRUE(NetDelIPAddressIpv6("eth1", "fe80::ff:fe00:1"));
+    EXPECT_EQ(kernel.At("eth1").addresses6.size(), 1U);
+    EXPECT_EQ(Get(kFile1), kNoAddress);
+}
 
 TEST_F(NetDelIPAddressIpv6Test, TakesTheAddressAwayInBothStores)
 {

@@ -208,6 +208,14 @@ TEST_F(NetSetMtubyNameTest, ABondThatDoesNotRunIsJustSaved)
     EXPECT_TRUE(Logged(Info("SetMtubyBondName", "bond0 is not bonded, just save mtu in config.")));
 }
 
+TEST_F(NetSetMtubyNameTest, AVlanOnABondIsJustSavedToo)
+{
+    kernel.Add("bond0.5").mtu = 1300;
+    EXPECT_TRUE(NetSetMtubyName("bond0.5", 9000));
+    EXPECT_EQ(kernel.At("bond0.5").mtu, 1300);
+    EXPECT_EQ(Get(CardFile("bond0.5")), "MTU = 9000\n");
+}
+
 TEST_F(NetSetMtubyNameTest, UnknownNamesAreRefused)
 {
     EXPECT_FALSE(NetSetMtubyName(nullptr, 1400));

@@ -359,6 +359,20 @@ TEST_F(NetMiiDiagTest, APoeEntryIsAlwaysLinked)
     EXPECT_EQ(TraceOf({"ioctl ETHTOOL_GLINK"}), Lines{});
 }
 
+TEST_F(NetMiiDiagTest, PoeAnywhereInTheNameOfAnInterfaceIsAlwaysLinked)
+{
+    kernel.Add("eth-poe0").link = 0;
+    EXPECT_TRUE(NetMiiDiag("eth-poe0", false));
+    EXPECT_EQ(TraceOf({"ioctl ETHTOOL_GLINK"}), Lines{});
+}
+
+TEST_F(NetMiiDiagTest, AMasterIsAskedWhetherItIsListedOrNot)
+{
+    Put(kFile1, Settings({"WORKMODE = 1", "BONDNAME = bond9"}));
+    EXPECT_FALSE(NetMiiDiag("eth1", true));
+    EXPECT_EQ(TraceOf({"ioctl ETHTOOL_GLINK"}), Lines{"ioctl ETHTOOL_GLINK bond9"});
+}
+
 TEST_F(NetMiiDiagTest, ACardIsJudgedByItsOwnLink)
 {
     Put(kFile1, Settings({"WORKMODE = 1", "BONDNAME = bond0"}));
