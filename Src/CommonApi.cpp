@@ -1342,7 +1342,7 @@ struct Kind {
     const char* part;
     bool valid;
     NetInterfaceMedia media;
-    int8_t type;  // a NetWorkMode value, no wider than where it goes
+    int type : 8;  // a NetWorkMode value, as wide as where it goes
 };
 
 constexpr Kind kWireless = {"wlan", false, NetInterfaceWireless, netModeMultiple};

@@ -29,37 +29,35 @@ using namespace vorlix;
 
 namespace {
 
-template <class Part>
-using HeapObject = std::unique_ptr<Part, FreeMemory>;
-
-/// What an object is made of: its table and its private part, both zeroed. `Join` gives them
-/// away as one; before that they end with the scope.
+/// What an object is made of, its table and its private part, both zeroed. `GiveTo` gives them away
+/// as one; before that they end with the scope.
 template <class Object, class Private>
 struct NewObject {
     /// The name of the part that there is no room for, or NULL.
     const char* Allocate(const char* tableName, const char* ownName)
     {
-        table.reset(static_cast<Object*>(calloc(1, sizeof(Object))));
-        if (table == nullptr) return tableName;
+        object.reset(static_cast<Object*>(calloc(1, sizeof(Object))));
+        if (object == nullptr) return tableName;
 
         own.reset(static_cast<Private*>(calloc(1, sizeof(Private))));
         return own != nullptr ? nullptr : ownName;
     }
 
-    Object* Join()
+    void GiveTo(Object** place)
     {
-        table->priv = own.release();
-        return table.release();
+        object->priv = own.release();
+        // cppcheck-suppress AssignmentIntegerToAddress  ; the owner's release, not the slot
+        *place = object.release();
     }
 
     void Free()
     {
         own.reset();
-        table.reset();
+        object.reset();
     }
 
-    HeapObject<Object> table;
-    HeapObject<Private> own;
+    std::unique_ptr<Object, FreeMemory> object;
+    std::unique_ptr<Private, FreeMemory> own;
 };
 
 }  // namespace
@@ -765,10 +763,10 @@ int createNetInterface(NetInterfaceDesc* desc, NetInterface** netInterface)
 
     NewObject<NetInterface, NetIfPri> made;
     const char* missing = made.Allocate("NetInterface", "NetIfPri");
-    if (missing == nullptr && insertNode(desc->name, made.table.get()) >= 0) {
+    if (missing == nullptr && insertNode(desc->name, made.object.get()) >= 0) {
         CopyText(made.own->name, desc->name);
-        *made.table = kInterfaceTable;
-        *netInterface = made.Join();  // lives as long as the process
+        *made.object = kInterfaceTable;
+        made.GiveTo(netInterface);  // it lives as long as the process
         return 0;
     }
     made.Free();
@@ -1057,8 +1055,8 @@ int createNetControl(QV_PAL_NetControlDesc* desc, QV_PAL_NetControl** netCtrl)
     if (desc != nullptr) memcpy(own.resv, desc->resv, sizeof(own.resv));
     (void)pthread_mutex_init(&own.netCtrlLock, nullptr);  // cannot fail with default attributes
     own.ref = 1;
-    *made.table = kControlTable;
-    *netCtrl = made.Join();
+    *made.object = kControlTable;
+    made.GiveTo(netCtrl);
     return 0;
 }
 
@@ -1252,8 +1250,8 @@ int createNetBridge(NetBrDesc* desc, NetBridge** nbr)
 
     CopyText(made.own->name, desc->name);
     made.own->refcnt = 1;
-    *made.table = kBridgeTable;
-    *nbr = made.Join();
+    *made.object = kBridgeTable;
+    made.GiveTo(nbr);
     if (!BridgeUpdateBrIDByConfig(desc->name)) LOG_WARN("save BRIDGES config failed");
     if (!BridgeUpdatePortListByConfig(desc->name, desc->subDev, desc->num)) {
         LOG_WARN("save SSIF config failed");
