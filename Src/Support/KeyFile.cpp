@@ -54,6 +54,7 @@ static_assert(keys[HOST_BONDHASH_KEY][0] != '\0', "an empty key would be found i
 
 pthread_mutex_t net_config_Lock = PTHREAD_MUTEX_INITIALIZER;
 int fd = -1;  // of the file locked now; guarded by net_config_Lock
+bool lookOnly = false;  // set before the first call
 
 // ---- paths
 
@@ -89,7 +90,7 @@ bool ControlFile(short type, int control)
 bool LockFile(const char* filename)
 {
     pthread_mutex_lock(&net_config_Lock);
-    if (filename == nullptr) return true;
+    if (filename == nullptr || lookOnly) return true;
 
     fd = open(filename, O_WRONLY | O_APPEND);
     if (fd < 0) return errno != ENOENT;
@@ -303,6 +304,11 @@ int32_t SwitchModeFromText(const char* text, int32_t* mode)
 
 }  // namespace
 
+void LookOnly()
+{
+    lookOnly = true;
+}
+
 void FormListedPath(const char* file, char (&path)[kPathSize])
 {
     FormatText(path, sizeof(path), "%s/%s", kConfigFolder, file);
@@ -431,7 +437,7 @@ bool GetValueByKey(const char* filename, const char* key, char* value, int len)
 
 bool SetValueByKey(const char* filename, const char* key, const char* value)
 {
-    if (filename == nullptr || key == nullptr || value == nullptr) return false;
+    if (filename == nullptr || key == nullptr || value == nullptr || lookOnly) return false;
 
     const ConfigLock lock(filename);
     const Stream scan(fopen(filename, "r+"));

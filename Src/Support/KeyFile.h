@@ -169,6 +169,11 @@ const char* KeyText(KEYENUM key);
 
 // ---- access
 
+/// From now on this process only looks at setting files: it takes no lock on them, which needs the
+/// right to write, and a write is refused. For a program that anybody may run, before its first
+/// call.
+void LookOnly();
+
 /// The lock of one setting file, held to the end of the scope.
 ///
 /// A process loses its lock on a file as soon as it closes any descriptor of that file. So what is
