@@ -32,7 +32,7 @@ __attribute__((format(printf, 3, 4))) void Print(const Screen& screen, const cha
 void PrintStore(const Screen& screen, const char* label, const char* store, const char* text)
 {
     char both[kLabel + kStore + 1];
-    FormatText(both, sizeof(both), "%-*s%-*s", kLabel, label, kStore, store);
+    FormatText(both, sizeof(both), "%-*s%-*s", kLabel, label, kStore - 1, store);
     PrintLine(screen, both, kLabel + kStore, text);
 }
 

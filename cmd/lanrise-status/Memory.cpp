@@ -5,6 +5,7 @@
 #include "Backup.h"
 #include "Read.h"
 #include "Support/Handles.h"
+#include "Support/KeyFile.h"
 #include "Support/Text.h"
 
 #include <algorithm>
@@ -30,11 +31,6 @@ constexpr uint32_t kLeastCmos = 2;
 constexpr unsigned kMaskBits = 32;
 
 // ---- the block of RTC and SRAM
-
-bool Exists(const char* path)
-{
-    return access(path, F_OK) == 0;
-}
 
 uint32_t WordAt(const unsigned char* block, unsigned place)
 {
@@ -165,8 +161,8 @@ void ReadCmos(Backup* backup)
 Backup ReadBackup()
 {
     Backup backup;
-    const bool hasRtc = Exists(kRtcNode);
-    const bool hasSram = Exists(kSramNode);
+    const bool hasRtc = FileExists(kRtcNode);
+    const bool hasSram = FileExists(kSramNode);
     if (!hasRtc && !hasSram) {
         ReadCmos(&backup);
         return backup;

@@ -2,8 +2,6 @@
 
 #include "Support/Text.h"
 
-#include <algorithm>
-
 using namespace vorlix;
 
 namespace status {
@@ -45,24 +43,27 @@ void End(const Screen& screen, Colour colour)
     if (screen.hasColour && colour != Colour::Plain) (void)fputs("\033[0m", screen.out);
 }
 
-void PrintLine(const Screen& screen, const char* label, int indent, const char* text)
+void PrintLine(const Screen& screen, const char* label, int indent, const char* text, Colour colour)
 {
     const Shown shown(text);
-    (void)fprintf(screen.out, "%-*s", indent, Shown(label).text);
-    int at = std::max(indent, static_cast<int>(strlen(label)));
-    if (at > indent) (void)fputs("  ", screen.out);
-    if (at > indent) at += 2;
-    int length = 0;
+    const int width = static_cast<int>(strlen(label));
+    Begin(screen, colour);
+    (void)fputs(Shown(label).text, screen.out);
+    End(screen, colour);
+    int at = width < indent ? indent : width + 2;
+    (void)fprintf(screen.out, "%*s", at - width, "");
     bool begins = true;
+    int length = 0;
     for (const char* word = NextWord(shown.text, &length); length > 0;
          word = NextWord(word + length, &length)) {
-        if (!begins && at + 1 + length > screen.columns) {
-            (void)fprintf(screen.out, "\n%*s", indent, "");
-            at = indent;
-            begins = true;
+        const int room = length + (begins ? 0 : 1);
+        if (at > indent && at + room > screen.columns) {
+            (void)fprintf(screen.out, "\n%*s%.*s", indent, "", length, word);
+            at = indent + length;
+        } else {
+            (void)fprintf(screen.out, "%s%.*s", begins ? "" : " ", length, word);
+            at += room;
         }
-        (void)fprintf(screen.out, "%s%.*s", begins ? "" : " ", length, word);
-        at += length + (begins ? 0 : 1);
         begins = false;
     }
     (void)fputc('\n', screen.out);

@@ -45,7 +45,8 @@ void Begin(const Screen& screen, Colour colour);
 void End(const Screen& screen, Colour colour);
 
 /// A label, and behind it a text that is broken between words at the edge of the screen.
-void PrintLine(const Screen& screen, const char* label, int indent, const char* text);
+void PrintLine(const Screen& screen, const char* label, int indent, const char* text,
+               Colour colour = Colour::Plain);
 
 /// Sentences of one interface, or of all when `name` is NULL, under a heading. Nothing for none.
 void PrintFindings(const Screen& screen, const char* heading, const Findings& findings,

@@ -21,6 +21,7 @@ namespace {
 constexpr char kResolverFile[] = "/mnt/mtd/Config/resolv.conf";
 constexpr char kSystemsResolvers[] = "/etc/resolv.conf";
 constexpr char kFileStart[] = "network";
+constexpr char kOldNameOfEth2[] = "2";  // what stood behind "network" in old releases
 constexpr int kServerTextSize = 46;
 
 // ---- one interface
@@ -121,7 +122,7 @@ void ReadNumbers(const char* card, Saved* saved)
 bool HasOldName(const char* name)
 {
     return Equal(name, "eth2") && StateOfCard("eth2") == FileState::Missing &&
-           StateOfCard("2") != FileState::Missing;
+           StateOfCard(kOldNameOfEth2) != FileState::Missing;
 }
 
 void ReadFilesOf(Interface* entry)
@@ -129,7 +130,7 @@ void ReadFilesOf(Interface* entry)
     Saved& saved = entry->saved;
     saved.hasOldName = HasOldName(entry->name);
     Name file;
-    CopyText(file, saved.hasOldName ? "2" : entry->name);
+    CopyText(file, saved.hasOldName ? kOldNameOfEth2 : entry->name);
     saved.file = StateOfCard(file);
     if (saved.file == FileState::Read) {
         ReadIPv4(file, &saved.ipv4);
@@ -145,17 +146,6 @@ void ReadFilesOf(Interface* entry)
 
 // ---- files without an interface
 
-/// The card of a listed file, or NULL for one that no card has.
-const char* CardOf(const char* file)
-{
-    const char* card = file + sizeof(kFileStart) - 1;
-    if (!StartsWith(file, kFileStart)) return nullptr;
-    if (Equal(card, "")) return "eth0";
-    if (Equal(card, "1")) return "eth1";
-    if (Equal(card, "2")) return "eth2";
-    return card;
-}
-
 void EnterSaved(Device* device)
 {
     char files[kMaxInterfaces][64];
@@ -163,9 +153,10 @@ void EnterSaved(Device* device)
     if (!GetAllNetworkFile(files, &count)) return;
 
     for (int i = 0; i < count; ++i) {
-        const char* card = CardOf(files[i]);
-        if (card == nullptr || strlen(card) >= kNameSize) continue;
-        (void)Enter(device, card);
+        if (!StartsWith(files[i], kFileStart)) continue;
+        const char* card = CardOfFile(files[i]);
+        if (Equal(card, kOldNameOfEth2)) card = "eth2";
+        if (strlen(card) < kNameSize) (void)Enter(device, card);
     }
 }
 
@@ -174,7 +165,7 @@ void EnterSaved(Device* device)
 void ReadDefault(Device* device)
 {
     char path[kPathSize] = {};
-    (void)GetFileByName("eth0", path, sizeof(path));
+    (void)GetFileByName(kFirstCard, path, sizeof(path));
     (void)GetValueByKey(path, KeyText(HOST_DEFAULT_ETH_KEY), device->savedDefault,
                         sizeof(device->savedDefault));
     device->hasDefault = GetDefaultEthByConfig(device->defaultCard, sizeof(device->defaultCard));

@@ -198,11 +198,12 @@ void PrintCells(const Screen& screen, const Widths& widths, const Row& row)
     int last = kColumns - 1;
     while (last > 0 && row.cells[last][0] == '\0') --last;
     for (int column = 0; column <= last; ++column) {
+        const char* cell = row.cells[column];
+        const int rest = widths.columns[column] - WidthOf(cell) + widths.gap;
         Begin(screen, row.colours[column]);
-        const int width = column == last ? 0 : widths.columns[column];
-        (void)fprintf(screen.out, "%-*s", width, row.cells[column]);
+        (void)fputs(cell, screen.out);
         End(screen, row.colours[column]);
-        if (column < last) (void)fprintf(screen.out, "%*s", widths.gap, "");
+        if (column < last) (void)fprintf(screen.out, "%*s", rest, "");
     }
     (void)fputc('\n', screen.out);
 }
@@ -220,22 +221,23 @@ void PrintWide(const Device& device, const Screen& screen, const Widths& widths)
     });
 }
 
+void PrintHeadOf(const Screen& screen, const Row& row)
+{
+    char text[2 * kRoleSize];
+    const bool hasSpeed = !Equal(row.cells[kSpeed], "-");
+    FormatText(text, sizeof(text), "%s%s%s %s", row.cells[kState], hasSpeed ? " " : "",
+               hasSpeed ? row.cells[kSpeed] : "", row.cells[kRole]);
+    PrintLine(screen, row.cells[kCard], WidthOf(row.cells[kCard]) + 1, text, Colour::Bold);
+}
+
 /// For a narrow screen: the interface on a line of its own, its stores below.
 void PrintNarrow(const Device& device, const Screen& screen)
 {
-    ForEachRow(device, [&screen](const Interface& entry, int place, const Row& row) {
-        if (place == 0) {
-            Begin(screen, Colour::Bold);
-            (void)fputs(row.cells[kCard], screen.out);
-            End(screen, Colour::Bold);
-            (void)fprintf(screen.out, " %s%s%s%s%s\n", row.cells[kState],
-                          entry.live.speed > 0 ? " " : "",
-                          entry.live.speed > 0 ? row.cells[kSpeed] : "",
-                          row.cells[kRole][0] == '\0' ? "" : " ", row.cells[kRole]);
-        }
+    ForEachRow(device, [&screen](const Interface&, int place, const Row& row) {
+        if (place == 0) PrintHeadOf(screen, row);
         (void)fprintf(screen.out, "  %-6s ", row.cells[kStore]);
         Begin(screen, row.colours[kAddress]);
-        (void)fprintf(screen.out, "%s", row.cells[kAddress]);
+        (void)fputs(row.cells[kAddress], screen.out);
         End(screen, row.colours[kAddress]);
         if (row.cells[kMtu][0] != '\0') (void)fprintf(screen.out, " MTU %s", row.cells[kMtu]);
         if (!Equal(row.cells[kGateway], "-")) {
