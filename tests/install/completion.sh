@@ -34,4 +34,12 @@ is 'masks, the saved one once' "$(offers eth0 10.1.0.9 '')" '255.0.0.0 255.255.0
 is 'the saved gateway' "$(offers eth0 10.1.0.9 255.255.255.0 '')" 10.1.0.1
 is 'a card without a file' "$(offers eth9 '')" ''
 is 'one word too many' "$(offers eth0 10.1.0.9 255.255.255.0 10.1.0.1 '')" ''
+
+# shellcheck source=packaging/completion/lanrise-status
+. "$tree/usr/share/bash-completion/completions/lanrise-status"
+completer=$(complete -p lanrise-status | sed 's/.*-F \([^ ]*\).*/\1/')
+PATH=$tree/usr/sbin:$PATH
+is 'what can be looked at' "$(offers '')" '--check --help --json --version eth0 eth7'
+is 'what can be looked at, begun' "$(offers --j)" --json
+is 'a second thing to look at' "$(offers eth0 '')" ''
 exit "$failed"

@@ -72,7 +72,7 @@ try_packages()
     rm "$root/etc/systemd/system/multi-user.target.wants/lanrise.service" # as `systemctl disable` does
     succeeds 'installation over it' inside sh -c 'dpkg --force-depends --install /packages/lanrise_*'
     is 'a start that was disabled' "$(units)" ''
-    for page in 3/vorlix.3 5/lanrise.5 8/lanrise.8; do
+    for page in 3/vorlix.3 5/lanrise.5 8/lanrise.8 8/lanrise-status.8; do
         succeeds "page $page" gzip -t "$root/usr/share/man/man$page.gz"
     done
     [ -x "$root/etc/init.d/lanrise" ] || is 'mode of the init script' 'not executable' executable

@@ -170,13 +170,13 @@ TEST_F(StatusTest, ChangesNothingThatCanBeSeen)
     Put(CardFile("eth2"), "WORKMODE = x\n");
     const auto files = SavedFiles();
     const Texts network = KernelState();
-    const std::string times = Must("stat -c '%n %Y %Z %X' /mnt/mtd/Config/* /mnt/mtd/Config");
+    const std::string times = Must("stat -c '%n %i %s %Y %Z' /mnt/mtd/Config/* /mnt/mtd/Config");
     for (const char* words : {"", "eth0", "--json", "--check", "--help", "--version"}) {
         Status(words);
     }
     EXPECT_EQ(SavedFiles(), files);
     EXPECT_EQ(KernelState(), network);
-    EXPECT_EQ(Must("stat -c '%n %Y %Z %X' /mnt/mtd/Config/* /mnt/mtd/Config"), times);
+    EXPECT_EQ(Must("stat -c '%n %i %s %Y %Z' /mnt/mtd/Config/* /mnt/mtd/Config"), times);
 }
 
 TEST_F(StatusTest, DoesNotWaitForOneWhoHoldsALock)

@@ -26,6 +26,7 @@ EXTRA_OECMAKE = " \
 PACKAGES =+ "lanrise"
 FILES:lanrise = " \
     ${sbindir}/lanrise \
+    ${sbindir}/lanrise-status \
     ${sysconfdir}/init.d/lanrise \
     ${systemd_system_unitdir}/lanrise.service \
     ${datadir}/bash-completion \
