@@ -6,6 +6,8 @@
 #include "Support/Log.h"
 #include "Support/Text.h"
 
+#include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 namespace vorlix {
@@ -105,9 +107,9 @@ bool Bridge_Bridge(const char* brName, char** ethList, int ethNum)
     if (members.HoldsNull()) return false;
 
     (void)RunLogged(__func__, "brctl addbr %s", brName);
-    for (const char* const& member : members) {
-        (void)RunLogged(__func__, "brctl addif %s %s", brName, member);
-        if (&member == members.begin()) TakeAddressOf(brName, member);
+    for (auto member = members.begin(); member != members.end(); ++member) {
+        (void)RunLogged(__func__, "brctl addif %s %s", brName, *member);
+        if (member == members.begin()) TakeAddressOf(brName, *member);
     }
     for (const char* member : members) (void)RunLogged(__func__, "ifconfig %s down", member);
     for (const char* member : members) (void)RunLogged(__func__, "ifconfig %s 0.0.0.0 up", member);
