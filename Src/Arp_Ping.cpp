@@ -1,3 +1,6 @@
+// Chapters of the helpers: packets - probes. The operations follow the header: the two probes
+// first, then their parts.
+
 #include "Arp_Ping.h"
 
 #include "Support/Handles.h"

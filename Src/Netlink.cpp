@@ -1,3 +1,6 @@
+// Chapters of the helpers: one exchange - what all requests share - links - rules and routes. The
+// operations follow the header: the client, attributes, the requests.
+
 #include "Netlink.h"
 
 #include "Route.h"

@@ -1,3 +1,5 @@
+// Chapters of the helpers: tables - records - requests - changes. The operations follow the header.
+
 #include "Route.h"
 
 #include "Network6.h"
