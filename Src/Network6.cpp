@@ -1,7 +1,6 @@
 #include "Network6.h"
 
 #include "Base.h"
-#include "Support/Handles.h"
 #include "Support/Lines.h"
 #include "Support/Log.h"
 #include "Support/Text.h"
@@ -74,11 +73,10 @@ bool ParseEntry(const char* line, Entry* entry)
                   &entry->prefix, &entry->scope, &entry->flags, entry->card) == kEntryFields;
 }
 
-bool FindEntry(int table, const char* name, unsigned scope, Entry* entry)
+bool FindEntry(LineReader& table, const char* name, unsigned scope, Entry* entry)
 {
-    LineReader reader(table);
     char line[kLineSize];
-    while (reader.Next(line)) {
+    while (table.Next(line)) {
         if (ParseEntry(line, entry) && Equal(entry->card, name) && entry->scope == scope) {
             return true;
         }
@@ -161,13 +159,13 @@ bool Net6_GetAddressInfo(const char* name, char* addr, int ipLen, char* perfix, 
     if (addrType != kGlobalScope && addrType != kLinkLocalScope && addrType != kCompatibleScope) {
         return false;
     }
-    const Fd table(open(kAddressTable, O_RDONLY));
+    LineFile table(kAddressTable);
     if (!table.Ok()) {
         LOG_ERROR("can not open %s", kAddressTable);
         return false;
     }
     Entry entry{};
-    if (!FindEntry(table.Get(), name, static_cast<unsigned>(addrType), &entry)) return false;
+    if (!FindEntry(table.Lines(), name, static_cast<unsigned>(addrType), &entry)) return false;
 
     PrintOrEmpty(AddressOf(entry), addr, ipLen);
     FormatText(perfix, static_cast<size_t>(perFixLen), "%d", static_cast<int>(entry.prefix));

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace vorlix {
@@ -64,5 +65,7 @@ void LineReader::Rewind()
     }
     begin_ = 0;
 }
+
+LineFile::LineFile(const char* path) : file_(open(path, O_RDONLY)), reader_(file_.Get()) {}
 
 }  // namespace vorlix

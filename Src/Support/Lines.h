@@ -4,7 +4,6 @@
 
 #include <cstddef>
 
-#include <fcntl.h>
 #include <sys/types.h>
 
 namespace vorlix {
@@ -58,7 +57,7 @@ private:
 /// A file that is read line by line, open as long as its owner lives.
 class LineFile {
 public:
-    explicit LineFile(const char* path) : file_(open(path, O_RDONLY)), reader_(file_.Get()) {}
+    explicit LineFile(const char* path);
 
     bool Ok() const { return file_.Ok(); }
     LineReader& Lines() { return reader_; }

@@ -12,6 +12,7 @@
 using namespace fake;
 using vorlix::Fd;
 using vorlix::kLineSize;
+using vorlix::LineFile;
 using vorlix::LineReader;
 
 namespace {
@@ -343,6 +344,39 @@ TEST_F(LineReaderTest, AFailedFileIsTriedAgain)
     reader.Rewind();
     EXPECT_EQ(Next(reader), "one\n");
     EXPECT_EQ(Next(reader), "(end)");
+}
+
+// ---- LineFile
+
+class LineFileTest : public LineReaderTest {};
+
+TEST_F(LineFileTest, IsOpenAsLongAsItLives)
+{
+    Put(kPath, "one\n");
+    {
+        LineFile file(kPath);
+        ASSERT_TRUE(file.Ok());
+        EXPECT_EQ(Next(file.Lines()), "one\n");
+        EXPECT_EQ(OpenHandles(), (Texts{"open /proc/net/table O_RDONLY"}));
+    }
+    EXPECT_EQ(OpenHandles(), Texts{});
+}
+
+TEST_F(LineFileTest, AMissingFileHasNoLine)
+{
+    LineFile file(kPath);
+    EXPECT_FALSE(file.Ok());
+    EXPECT_EQ(Next(file.Lines()), "(end)");
+}
+
+TEST_F(LineFileTest, MayBeLeftOpenForGood)
+{
+    Put(kPath, "one\n");
+    {
+        LineFile file(kPath);
+        file.LeaveOpen();
+    }
+    EXPECT_EQ(OpenHandles(), (Texts{"open /proc/net/table O_RDONLY"}));
 }
 
 }  // namespace
