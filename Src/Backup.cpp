@@ -145,7 +145,7 @@ unsigned char SumOfRecord(const CmosData& record)
 
 // ---- RTC and SRAM
 
-int TransferRtc(unsigned long request, uint32_t place, unsigned char* bytes, uint32_t len)
+int TransferRtc(uint32_t request, uint32_t place, unsigned char* bytes, uint32_t len)
 {
     RTCData data{};
     data.addr = place;
@@ -154,7 +154,7 @@ int TransferRtc(unsigned long request, uint32_t place, unsigned char* bytes, uin
     return ioctl(sramfd, request, &data);
 }
 
-int TransferSram(unsigned long request, uint32_t place, unsigned char* bytes, uint32_t len)
+int TransferSram(uint32_t request, uint32_t place, unsigned char* bytes, uint32_t len)
 {
     SramFileData data{};
     data.sramHandle = sramHandle;
@@ -179,8 +179,8 @@ bool SramIsReady()
 struct BlockDevice {
     const char* tag;
     bool (*isReady)();
-    int (*transfer)(unsigned long request, uint32_t place, unsigned char* bytes, uint32_t len);
-    unsigned long readRequest, writeRequest;
+    int (*transfer)(uint32_t request, uint32_t place, unsigned char* bytes, uint32_t len);
+    uint32_t readRequest, writeRequest;
 
     int (*read)(void* data, uint32_t offset, uint32_t len);
     bool (*write)(const void* data, uint32_t offset, uint32_t len);

@@ -128,7 +128,7 @@ int ControlOf(KeptSocket& shared, const char* operation)
 
 bool Request(int control, int cmd, void* record)
 {
-    return ioctl(control, static_cast<unsigned long>(static_cast<unsigned>(cmd)), record) >= 0;
+    return ioctl(control, static_cast<unsigned>(cmd), record) >= 0;
 }
 
 // ---- wireless cards

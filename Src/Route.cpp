@@ -166,7 +166,7 @@ bool Perform(const char* operation, KeptSocket& shared, int cmd, void* record)
         LOG_ERROR_AS(operation, "open socket error.[%s]", strerror(errno));
         return false;
     }
-    if (ioctl(control, static_cast<unsigned long>(cmd), record) >= 0) return true;
+    if (ioctl(control, static_cast<unsigned>(cmd), record) >= 0) return true;
 
     LOG_ERROR_AS(operation, "iotcl failed.[%s]", strerror(errno));
     return false;

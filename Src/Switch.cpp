@@ -46,10 +46,10 @@ constexpr int kGetPortByMac = 0x89F3;
 constexpr int kEnablePort = 0x89F4;
 constexpr int kIsolatePorts = 0x89F8;
 
-constexpr unsigned long kGetPowerInfo = 0x81005001U;
-constexpr unsigned long kPowerOff = 0x40045002U;
-constexpr unsigned long kPowerOn = 0x40045003U;
-constexpr unsigned long kTotalPower = 0x40045005U;
+constexpr uint32_t kGetPowerInfo = 0x81005001U;
+constexpr uint32_t kPowerOff = 0x40045002U;
+constexpr uint32_t kPowerOn = 0x40045003U;
+constexpr uint32_t kTotalPower = 0x40045005U;
 
 // ---- the switch
 
@@ -115,17 +115,16 @@ int OpenPowerSupply(const char* operation)
 }
 
 template <class Argument>
-bool AskPowerSupply(const char* operation, const Fd& device, unsigned long request,
-                    Argument argument)
+bool AskPowerSupply(const char* operation, const Fd& device, uint32_t request, Argument argument)
 {
     if (ioctl(device.Get(), request, argument) >= 0) return true;
 
-    LOG_ERROR_AS(operation, "cmd %lu error.[%s]", request, strerror(errno));
+    LOG_ERROR_AS(operation, "cmd %u error.[%s]", request, strerror(errno));
     return false;
 }
 
 /// The driver takes the value itself, not the place where it lies.
-bool SetPower(const char* operation, unsigned long request, uint32_t value)
+bool SetPower(const char* operation, uint32_t request, uint32_t value)
 {
     const Fd device(OpenPowerSupply(operation));
     return device.Ok() &&
