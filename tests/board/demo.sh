@@ -30,11 +30,7 @@ fact() { printf '  %-13s %s\n' "$1" "$2"; }
 good() { ok=$((ok + 1)) && echo "$green$1$plain"; }
 wrong() { bad=$((bad + 1)) && echo "$red$1$plain"; }
 
-state() { [ -n "$(ip -o link show dev "$1" up)" ] && echo up || echo down; }
-shown_address() { address "$1" | grep . || echo -; }
-mode() { cut -d' ' -f1 /sys/class/net/bond0/bonding/mode; }
 active() { operation active bond0 | tail -n 1; }
-default_route() { ip -4 route show default | sed 's/^default //; s/ *$//' | grep . || echo none; }
 
 reaches_gateway()
 {
@@ -58,36 +54,24 @@ boot()
     [ $status = 0 ] || wrong '    the status should be 0'
 }
 
-# row CARD FILE WHAT_IT_SAYS
-row()
+# look [INTERFACE]: what lanrise-status shows; the guest's console is its terminal
+look()
 {
-    printf '  %-6s %-6s %-14s %-13s %s\n' "$1" "$(state "$1")" "$(shown_address "$1")" "$2" "$3"
-}
-
-# rows VERB REMARK: what the files of the two cards and the bond say of each other
-rows()
-{
-    printf '  %-6s %-6s %-14s %-13s %s\n' Card State Address 'Setting file' 'What it says'
-    row eth0 network "$1 $(setting network BONDNAME)"
-    row eth1 network1 "$1 $(setting network1 BONDNAME)"
-    row bond0 networkbond0 "members $(setting networkbond0 BONDMEMBERS)$2"
+    printf '  %s$ lanrise-status %s%s\n\n' "$bold" "$*" "$plain"
+    lanrise-status "$@" || wrong 'lanrise-status cannot look'
 }
 
 show_before()
 {
     section 'Before the boot'
-    rows 'claims to belong to' ": ${red}eth5 is no card, eth0 is missing$plain"
-    fact 'Bond' "mode $(mode), members $(members bond0 | grep . || echo none)"
-    fact 'Default route' "$(default_route)"
+    look
 }
 
 show_after()
 {
     section 'After the boot'
-    rows 'belongs to' ''
-    fact 'Bond' "mode $(mode), members $(members bond0), sends over $(active)"
-    fact 'Net route' "$(ip -4 route show dev bond0 scope link | cut -d' ' -f1) dev bond0"
-    fact 'Default route' "$(default_route)"
+    look
+    echo
     reaches_gateway
     [ "$(members bond0) $(setting networkbond0 BONDMEMBERS)" = 'eth0 eth1 eth0,eth1' ] ||
         wrong '  bond0 should have eth0 and eth1'
@@ -111,6 +95,9 @@ show_failover()
     host "link eth0 off"
     moves_to eth1 eth0
     wait
+    echo
+    look bond0
+    echo
     fact Meanwhile \
         "$(awk '/packets transmitted/ { print $4 " of " $1 " pings answered" }' /tmp/stream)"
     reaches_gateway

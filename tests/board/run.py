@@ -43,7 +43,8 @@ def case_image(build, case, folder):
     os.makedirs(os.path.join(root, "sbin"))
     shutil.copy(case, os.path.join(root, "case", "case.sh"))
     shutil.copy(os.path.join(HERE, "lib.sh"), os.path.join(root, "case", "lib.sh"))
-    shutil.copy(os.path.join(build, "cmd/lanrise/lanrise"), os.path.join(root, "sbin"))
+    for program in ("lanrise", "lanrise-status"):
+        shutil.copy(os.path.join(build, "cmd", program, program), os.path.join(root, "sbin"))
     shutil.copy(os.path.join(build, "tests/board/operation"), os.path.join(root, "sbin"))
     names = subprocess.run(["find", "."], cwd=root, capture_output=True, check=True).stdout
     return subprocess.run(["cpio", "-o", "-H", "newc", "-R", "0:0", "--quiet"], cwd=root, input=names,

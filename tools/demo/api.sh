@@ -37,16 +37,20 @@ show_api() {
     make_device
     section 'The device boots'
     run_lanrise 0
+    echo
+    run_status
 
     section 'An application lists the interfaces, by version 3'
     run_example 0
 
     section 'It sets an address, in the kernel and in the setting file'
-    local address saved
-    address=$(address_of eth2) saved=$(saved networketh2 HOSTIP)
+    local address
+    address=$(address_of eth2)
     run_example 0 eth2 10.3.0.77 255.255.255.0
     change eth2 "$address" "$(address_of eth2)"
-    change networketh2 "HOSTIP = $saved" "HOSTIP = $(saved networketh2 HOSTIP)"
+    echo
+    run_status eth2
+    echo
     printf '    %-14s %s\n' Gateway "$(reaches ping -I eth2 10.3.0.1)"
 
     snapshot >/run/before

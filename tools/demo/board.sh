@@ -18,7 +18,7 @@ show_board() {
     [ "$(uname -m)" = x86_64 ] || fail 'the board needs an x86-64 machine'
     prepare qemu-system-x86_64=qemu-system-x86 cpio=cpio depmod=kmod make=make gcc=gcc \
         python3=python3 xz=xz-utils readelf=binutils flock=util-linux
-    build_targets lanrise operation
+    build_targets lanrise lanrise-status operation
     echo 'Fetching the board (once a kernel version) ...'
     tests/board/fetch.sh amd64 >>"$log" 2>&1 || fail "the board cannot be fetched, see $log"
     echo 'Starting the board, an emulated machine ...'
