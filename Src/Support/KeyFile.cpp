@@ -53,7 +53,7 @@ static_assert(keys[HOST_BONDHASH_KEY][0] != '\0', "an empty key would be found i
 // ---- state
 
 pthread_mutex_t net_config_Lock = PTHREAD_MUTEX_INITIALIZER;
-int fd = -1;  // of the file locked now; guarded by net_config_Lock
+int fd = -1;            // of the file locked now; guarded by net_config_Lock
 bool lookOnly = false;  // set before the first call
 
 // ---- paths

@@ -1,5 +1,5 @@
-// Says in the file itself which release it is: `readelf --notes` answers for a program or a library that was
-// found on a device. It is linked into each of them, not into the archive.
+// Says in the file itself which release it is: `readelf --notes` answers for a program or a library
+// that was found on a device. It is linked into each of them, not into the archive.
 
 #include <Pal/Version.h>
 
