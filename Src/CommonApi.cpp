@@ -995,7 +995,8 @@ bool GetBondActiveSlave(const char* bondName, char* ethName, int len)
 
 bool GetBondMembers(const char* bondName, char** ethList, int* ethNum)
 {
-    if (ethList == nullptr || ethNum == nullptr || !CardExists(bondName)) return false;
+    if (ethList == nullptr || ethNum == nullptr) return false;
+    if (NameList(ethList, *ethNum).HoldsNull() || !CardExists(bondName)) return false;
 
     return Bond_GetBondMembers(bondName, ethList, ethNum);
 }
@@ -1279,6 +1280,7 @@ bool UnBridge(const char* brName)
 bool GetBridgeMenbers(const char* brName, char** ethList, int* ethNum)
 {
     if (brName == nullptr || ethList == nullptr || ethNum == nullptr) return false;
+    if (NameList(ethList, *ethNum).HoldsNull()) return false;
 
     return Bridge_IsBridgeExist(brName) && Bridge_GetBridgeMembers(brName, ethList, ethNum);
 }

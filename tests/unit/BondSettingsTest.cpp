@@ -127,6 +127,9 @@ TEST_F(GetBondMembersTest, NullIsRefusedInSilence)
     EXPECT_FALSE(GetBondMembers(nullptr, table.pointers, &count));
     EXPECT_FALSE(GetBondMembers(kBond, nullptr, &count));
     EXPECT_FALSE(GetBondMembers(kBond, table.pointers, nullptr));
+    table.pointers[1] = nullptr;
+    EXPECT_FALSE(GetBondMembers(kBond, table.pointers, &count));
+    EXPECT_EQ(table.names[0][0], '#');
     EXPECT_EQ(TraceOf({"open"}), Lines{});
     EXPECT_EQ(Log(), LogLines{});
 }

@@ -54,6 +54,9 @@ TEST_F(ExistingBridgeTest, NullIsRefusedInSilence)
     EXPECT_FALSE(GetBridgeMenbers(nullptr, table.pointers, &count));
     EXPECT_FALSE(GetBridgeMenbers(kBridge, nullptr, &count));
     EXPECT_FALSE(GetBridgeMenbers(kBridge, table.pointers, nullptr));
+    table.pointers[1] = nullptr;
+    EXPECT_FALSE(GetBridgeMenbers(kBridge, table.pointers, &count));
+    EXPECT_EQ(table.names[0][0], '#');
     EXPECT_FALSE(BridgeAddEdgePort(nullptr, "eth1"));
     EXPECT_FALSE(BridgeAddEdgePort(kBridge, nullptr));
     EXPECT_FALSE(BridgeDelEdgePort(nullptr, "eth1"));
