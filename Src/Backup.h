@@ -294,8 +294,7 @@ VORLIX_API bool SetRTCMark(unsigned char mark);
 /// yet. Clears the mark, on CMOS as `SetCmosResetMark` does, so that one mark is told of once; one
 /// that cannot be cleared is told of again. On CMOS any other mark stays.
 /// @errors an announced reset on CMOS, a fresh memory without a setting file: Info; a memory that
-/// has
-///         lost its contents beside one: Warn
+///         has lost its contents beside one: Warn
 VORLIX_API bool CheckBeenReset(void);
 
 /// `CheckBeenReset`, for applications.

@@ -57,8 +57,7 @@ VORLIX_API bool NetIOCtrlv6(int cmd, void* ifr);
 
 /// True when the kernel has an IPv4 address for the interface. Uses a socket of its own.
 /// @errors NULL, an interface without address or unknown: silent; no socket: a plain line on
-/// standard
-///         error, outside the log
+///         standard error, outside the log
 VORLIX_API bool InterfaceIpIsExist(const char* name);
 
 /// True for the virtual PCIe card. The driver is asked once; the answer for the first "vnic" name
@@ -99,8 +98,7 @@ VORLIX_API bool GetVnicInterfaceInfo(char (*names)[16], int* maxNum);
 /// @return true also for an empty list; false after an error, with `*maxNum` as it was and the
 ///         records of the lines before it filled
 /// @errors NULL in `maxNum`, a `*maxNum` of 0, a /proc/net/dev that cannot be opened, or not be
-/// read
-///         before the list is full: Error; no records: silent
+///         read before the list is full: Error; no records: silent
 VORLIX_API bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int* maxNum);
 
 /// Lists the interfaces that pass the filter. A card that is a switch interface as well is followed
@@ -110,8 +108,7 @@ VORLIX_API bool GetNormalInterfaceInfo(struct InterfaceInfo* interfaceInfo, int*
 ///                wanted stands behind the `*maxNum` entries asked for
 /// @param maxNum  capacity on entry, of which at most 32 count; number listed on return
 /// @return true also for an empty list; false after an error, with `*maxNum` as it was and the
-/// names
-///         before it listed
+///         names before it listed
 /// @errors NULL, a `*maxNum` of 0, a /proc/net/dev that cannot be opened, or not be read before the
 ///         list is full: Error. A driver that does not answer counts as no switch, with an Error of
 ///         `NetIOCtrl` for each card.

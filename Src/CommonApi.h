@@ -100,8 +100,7 @@ VORLIX_API bool RouteDelAllIPv4(const char* name);
 
 /// Deletes the IPv6 routes of `name`, save its default routes.
 /// @return false for every card that has an IPv6 address, whose own rows the kernel does not
-/// delete:
-///         those before them are gone then
+///         delete: those before them are gone then
 VORLIX_API bool RouteDelAllIPv6(const char* name);
 
 /// Takes the default route out of the hands of `NetSetDefEth`: 1 latches it for the life of the

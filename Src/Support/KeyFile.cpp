@@ -210,8 +210,7 @@ void CloseLine(char (&line)[kLineSize])
 }
 
 /// @return false when the file cannot be read to its end: emptied now, it would lose for good what
-/// a
-///         bad read has hidden
+///         a bad read has hidden
 bool KeepKnownLines(const char* filename, FILE* scan, KeptLines* kept)
 {
     char line[kLineSize];

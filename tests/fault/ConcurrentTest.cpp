@@ -102,7 +102,10 @@ protected:
         for (int round = 0; round < kRounds / 10; ++round) {
             const std::string address = "10.0.2." + std::to_string(20 + round);
             ASSERT_EQ(Lanrise("eth2 " + address + " 255.255.255.0 10.0.2.1").status, 0);
-            ASSERT_EQ(device::Saved(kCard, "HOSTIP"), address);
+            char found[16] = {};
+            char mask[16] = {};
+            ASSERT_TRUE(GetIPByConfig(kCard, found, mask));  // under the lock, as the others
+            ASSERT_EQ(found, address);
         }
     }
 

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include <arpa/inet.h>
+#include <unistd.h>
 
 using namespace device;
 
@@ -113,6 +114,27 @@ protected:
     {
         const Texts rows = Listed6();
         return std::find(rows.begin(), rows.end(), row) != rows.end();
+    }
+
+    /// The kernel makes a card's own rows when it has seen the link come up, which on a busy
+    /// machine is after `ip` has ended.
+    static bool ComesToBeListed(const std::string& row)
+    {
+        for (int tries = 0; tries < 3000; ++tries) {
+            if (IsListed(row)) return true;
+            usleep(10'000);
+        }
+        return false;
+    }
+
+    void SetUp() override
+    {
+        Route6Test::SetUp();
+        for (const char* row :
+             {"2001:db8::2/128 via :: dev eth0", "2001:db8:1::2/128 via :: dev eth1",
+              "ff00::/8 via :: dev eth0", "ff00::/8 via :: dev eth1"}) {
+            ASSERT_TRUE(ComesToBeListed(row)) << row;
+        }
     }
 
     static LogLine CannotDelete(const std::string& route)
