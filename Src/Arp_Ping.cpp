@@ -111,7 +111,7 @@ bool IsZero(const HardwareAddress& address)
 bool ParseAddress(const char* text, Address& address)
 {
     in_addr value{};
-    if (inet_aton(text, &value) == 0) return false;
+    if (!ParseLooseIPv4(text, &value)) return false;
 
     memcpy(address, &value, sizeof(address));
     return true;

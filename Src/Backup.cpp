@@ -20,8 +20,8 @@
 #include <cstddef>
 #include <cstring>
 
-#include <arpa/inet.h>
 #include <fcntl.h>
+#include <netinet/in.h>
 #include <sys/ioctl.h>
 
 namespace vorlix {
@@ -482,7 +482,7 @@ bool BackupValue(const char* operation, const Value& which, const char* name, co
     if (name == nullptr || addr == nullptr || !Equal(name, kFirstCard)) return false;
 
     in_addr address{};
-    if (inet_aton(addr, &address) == 0) {
+    if (!ParseLooseIPv4(addr, &address)) {
         LOG_ERROR_AS(operation, "addr[%s] is not correct.", addr);
         return false;
     }

@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <arpa/inet.h>
+#include <netinet/in.h>
 
 namespace vorlix {
 
@@ -91,7 +91,7 @@ bool WriteNumber(const char* name, KEYENUM key, int number, size_t size = kNumbe
 bool IsAddress(const char* text)
 {
     in_addr address{};
-    return inet_aton(text, &address) != 0;
+    return ParseLooseIPv4(text, &address);
 }
 
 bool CheckAddressPair(const char* operation, const char* ip, const char* mask)

@@ -525,7 +525,7 @@ struct CardNetwork {
 in_addr_t AddressOf(const char* text)
 {
     in_addr address{};
-    return inet_aton(text, &address) != 0 ? address.s_addr : 0;
+    return ParseLooseIPv4(text, &address) ? address.s_addr : 0;
 }
 
 /// Reads the network of a card's configured address. A failure is logged.

@@ -131,7 +131,7 @@ bool StoreIPv4(const char* field, const char* text, sockaddr* stored)
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    if (inet_aton(text, &address.sin_addr) == 0) {
+    if (!ParseLooseIPv4(text, &address.sin_addr)) {
         LOG_ERROR_AS("Route_FillRtentry", "incorrect %s.[%s]", field, text);
         return false;
     }

@@ -35,6 +35,17 @@ bool ParseIPv4(const char* text, uint32_t* value)
     return true;
 }
 
+bool ParseLooseIPv4(const char* text, in_addr* value)
+{
+    char word[kIPv4TextSize * 4];  // leading zeros may make it long
+    const size_t length = strcspn(text, " \t\n\v\f\r");
+    if (length >= sizeof(word)) return inet_aton(text, value) != 0;
+
+    memcpy(word, text, length);
+    word[length] = '\0';
+    return inet_aton(word, value) != 0;
+}
+
 bool ParseIPv6(const char* text, in6_addr* value)
 {
     in6_addr address{};

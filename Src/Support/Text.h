@@ -73,6 +73,11 @@ constexpr int kIPv4TextSize = INET_ADDRSTRLEN;
 /// byte order and is written only on success.
 bool ParseIPv4(const char* text, uint32_t* value);
 
+/// Parses any form that `inet_aton` takes: one to four parts, decimal, octal or hexadecimal. White
+/// space ends the text, with every C library: some take what stands before it, others refuse all.
+/// `value` is written only on success.
+bool ParseLooseIPv4(const char* text, in_addr* value);
+
 /// Parses the strict form of an IPv6 address. `value` is written only on success.
 bool ParseIPv6(const char* text, in6_addr* value);
 

@@ -188,6 +188,28 @@ TEST(ParseIPv4, RefusesOtherFormsAndLeavesTheValue)
     }
 }
 
+TEST(ParseLooseIPv4, TakesEachFormThatAHandMayWrite)
+{
+    const std::string zeros(60, '0');
+    for (const std::string& text :
+         {std::string("10.1.2.3"), std::string("10.1.515"), std::string("0xa.0x01.02.3"),
+          std::string("10.1.2.3\r"), std::string("10.1.2.3 # the gate"), "10.1.2." + zeros + "3"}) {
+        in_addr value{};
+        EXPECT_TRUE(ParseLooseIPv4(text.c_str(), &value)) << text;
+        EXPECT_EQ(value.s_addr, htonl(0x0A010203)) << text;
+    }
+}
+
+TEST(ParseLooseIPv4, RefusesOtherTextsAndLeavesTheValue)
+{
+    for (const char* text :
+         {"", " 10.1.2.3", "10.1.2.3.4", "10.1.2.256", "10.1.2.3,", "10.1.2.x"}) {
+        in_addr value{77};
+        EXPECT_FALSE(ParseLooseIPv4(text, &value)) << text;
+        EXPECT_EQ(value.s_addr, 77U) << text;
+    }
+}
+
 TEST(ParseIPv6, TakesShortenedForms)
 {
     in6_addr value{};
