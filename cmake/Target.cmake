@@ -11,6 +11,7 @@ if(NOT "cxx_std_17" IN_LIST CMAKE_CXX_COMPILE_FEATURES)
 endif()
 
 # Nothing is linked here: a toolchain may have no run-time library of C++, and none is asked for.
+set(linked ${CMAKE_TRY_COMPILE_TARGET_TYPE})
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 check_cxx_source_compiles("
   #if __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
@@ -30,7 +31,7 @@ check_cxx_source_compiles("
 if(NOT VORLIX_CXX17_HEADERS)
   message(FATAL_ERROR "vorlix needs the headers of a C++17 library (not the library), which ${compiler} lacks")
 endif()
-unset(CMAKE_TRY_COMPILE_TARGET_TYPE)
+set(CMAKE_TRY_COMPILE_TARGET_TYPE ${linked})
 
 # Files beyond 2 GB and times beyond 2038 on 32-bit targets too. The public headers have neither, so an
 # application may choose for itself.

@@ -251,7 +251,7 @@ TEST_F(ArpCheckTest, ABudgetBeyondCountingIsCutForTheWaitAlone)
     Arrive(Bytes(60));
     OnCall("recv", [] { SetClock(1000000 - 5); });
     Arrive(Bytes(60), 1);
-    OnCall("recv", [] { SetClock(1000000L + INT_MAX); });
+    OnCall("recv", [] { SetClock(time_t{1000000} + INT_MAX); });
     EXPECT_EQ(Probe(INT_MAX), 0);
     EXPECT_EQ(TraceOf({"poll"}), (Texts{"poll 1 2147483647", "poll 1 2147483647", "poll 1 0"}));
 }

@@ -39,14 +39,22 @@ static_assert(PDC_SRAMFILE_WRITE == Request(PDC_SRAMFILE_BASE_CMD, 3));
 static_assert(PDC_RTC_READSRAM == 0xC0085200U && PDC_RTC_READSRAM == Request(PDC_RTC_BASE_CMD, 0));
 static_assert(PDC_RTC_WRITESRAM == Request(PDC_RTC_BASE_CMD, 1));
 
-static_assert(sizeof(SramFileParam) == 32 && offsetof(SramFileParam, sramHandle) == 0 &&
-              offsetof(SramFileParam, fileName) == 8 && offsetof(SramFileParam, period) == 16 &&
-              offsetof(SramFileParam, mode) == 20 && offsetof(SramFileParam, markLen) == 24 &&
-              offsetof(SramFileParam, totalLen) == 28);
-static_assert(sizeof(SramFileData) == 40 && offsetof(SramFileData, sramHandle) == 0 &&
-              offsetof(SramFileData, pDatabuf) == 8 && offsetof(SramFileData, dataLen) == 16 &&
-              offsetof(SramFileData, offset) == 20 && offsetof(SramFileData, reserved) == 24);
-static_assert(sizeof(RTCData) == 16 && offsetof(RTCData, addr) == 0 &&
+constexpr size_t Width(size_t wide, size_t narrow)
+{
+    return sizeof(void*) == 8 ? wide : narrow;
+}
+static_assert(sizeof(SramFileParam) == Width(32, 24) && offsetof(SramFileParam, sramHandle) == 0 &&
+              offsetof(SramFileParam, fileName) == Width(8, 4) &&
+              offsetof(SramFileParam, period) == Width(16, 8) &&
+              offsetof(SramFileParam, mode) == Width(20, 12) &&
+              offsetof(SramFileParam, markLen) == Width(24, 16) &&
+              offsetof(SramFileParam, totalLen) == Width(28, 20));
+static_assert(sizeof(SramFileData) == Width(40, 28) && offsetof(SramFileData, sramHandle) == 0 &&
+              offsetof(SramFileData, pDatabuf) == Width(8, 4) &&
+              offsetof(SramFileData, dataLen) == Width(16, 8) &&
+              offsetof(SramFileData, offset) == Width(20, 12) &&
+              offsetof(SramFileData, reserved) == Width(24, 16));
+static_assert(sizeof(RTCData) == Width(16, 12) && offsetof(RTCData, addr) == 0 &&
               offsetof(RTCData, len) == 4 && offsetof(RTCData, pBuf) == 8);
 static_assert(sizeof(CmosCaps) == 16 && alignof(CmosCaps) == 4 &&
               offsetof(CmosCaps, CmosSize) == 0 && offsetof(CmosCaps, UseTable) == 4 &&

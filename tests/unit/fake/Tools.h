@@ -3,6 +3,7 @@
 // The shell, the clock and the heap: commands go to a list and are never run, time stands still
 // unless it is moved.
 
+#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,7 +19,7 @@ void OnCommand(const std::string& start, std::function<void(const std::string& t
                int waitStatus = 0);
 
 /// Seconds since the epoch that `time` and `gettimeofday` tell, and what the latter adds to them.
-void SetClock(long seconds, long microseconds = 0);
+void SetClock(time_t seconds, long microseconds = 0);
 
 /// Seconds that the product has asked to sleep; no test waits for them.
 unsigned Slept();

@@ -67,7 +67,7 @@ namespace fake {
 namespace {
 
 std::atomic<int> heldMutexes{0};
-long clockSeconds = 1000000;
+time_t clockSeconds = 1000000;
 long clockMicroseconds = 0;
 unsigned slept = 0;
 std::vector<std::string> commands;
@@ -300,7 +300,7 @@ const std::vector<std::string>& Commands()
 {
     return commands;
 }
-void SetClock(long seconds, long microseconds)
+void SetClock(time_t seconds, long microseconds)
 {
     clockSeconds = seconds;
     clockMicroseconds = microseconds;
