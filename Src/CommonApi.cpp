@@ -383,7 +383,7 @@ bool RouteAddIPv6(const char* dst, const char* gw, const char* mask, const char*
         LOG_ERROR("addr error.[%s, %s, %s]", dst, gw, mask);
         return false;
     }
-    wanted.perfix = static_cast<uint32_t>(atoi(mask));
+    wanted.perfix = static_cast<uint32_t>(NumberOf(mask));
 
     RouteRows<IPv6Route> table;
     if (!table.Read(kIPv6)) {
@@ -753,7 +753,7 @@ constexpr char kDefaultPrefix[] = "64";
 /// A negative number is taken as unsigned, and so is too long.
 bool IsPrefixLength(const char* text)
 {
-    return static_cast<uint32_t>(atoi(text)) <= kLongestPrefix;
+    return static_cast<uint32_t>(NumberOf(text)) <= kLongestPrefix;
 }
 
 /// Saves that a card has no address. A file without an address would say nothing of that.

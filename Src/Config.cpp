@@ -336,7 +336,7 @@ bool GetMtuByConfig(const char* name, int* mtu)
     char text[kMtuSize] = {};
     if (mtu == nullptr || !ReadSetting(name, HOST_MTU_KEY, text, sizeof(text))) return false;
 
-    *mtu = atoi(text);  // callers see a refused number too
+    *mtu = NumberOf(text);  // callers see a refused number too
     if (*mtu > 0) return true;
 
     LOG_ERROR("%s mtu in config file is %s.", name, text);
@@ -357,7 +357,7 @@ bool GetIPv6ByConfig(const char* name, char* ip, int ipLen, char* perFix, int pe
     }
     if (!CheckIPv6Pair(__func__, ip, perFix)) return false;
 
-    FormatText(perFix, static_cast<size_t>(perFixLen), "%d", atoi(perFix));
+    FormatText(perFix, static_cast<size_t>(perFixLen), "%d", NumberOf(perFix));
     return true;
 }
 
@@ -429,7 +429,7 @@ bool GetWorkModeByConfig(const char* name, NetWorkMode* mode)
     }
     if (mode == nullptr) return false;
     if (IsDigit(text[0])) {
-        *mode = static_cast<NetWorkMode>(atoi(text));
+        *mode = static_cast<NetWorkMode>(NumberOf(text));
         return true;
     }
     LOG_INFO("set %s work mode to netModeMultiple", name);
@@ -500,7 +500,7 @@ bool GetBondModeByConfig(const char* bondname, NICBondMode* bondMode)
     if (!ReadSetting(bondname, HOST_BONDMODE_KEY, text, sizeof(text))) return false;
 
     const bool isNumber = IsDigit(text[0]);
-    *bondMode = static_cast<NICBondMode>(isNumber ? atoi(text) : -1);
+    *bondMode = static_cast<NICBondMode>(isNumber ? NumberOf(text) : -1);
     return isNumber;
 }
 
@@ -528,7 +528,7 @@ bool GetBondHashPolicyByConfig(const char* bondname, unsigned char* lacp)
     if (!ReadSetting(bondname, HOST_BONDHASH_KEY, text, sizeof(text))) return false;
 
     const bool isPolicy = text[0] >= '0' && text[0] <= '4';
-    *lacp = static_cast<unsigned char>(isPolicy ? atoi(text) : 0);
+    *lacp = static_cast<unsigned char>(isPolicy ? NumberOf(text) : 0);
     return isPolicy;
 }
 
@@ -623,7 +623,7 @@ bool GetBridgeStpModeByConfig(const char* brName, unsigned char* mode)
     }
     if (mode == nullptr) return false;
 
-    *mode = static_cast<unsigned char>(atoi(text));
+    *mode = static_cast<unsigned char>(NumberOf(text));
     return true;
 }
 

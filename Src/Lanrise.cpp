@@ -159,7 +159,7 @@ private:
 /// The number in a name, from that character on; a negative one counts as a large one.
 uint32_t NumberFrom(const char* name, size_t place)
 {
-    return static_cast<uint32_t>(atoi(name + place));
+    return static_cast<uint32_t>(NumberOf(name + place));
 }
 
 bool HoldsAll(const MemberSlot& slot, const NameList& members)

@@ -130,7 +130,7 @@ int IndexFor(const char* operation, const char* name)
 
 uint32_t PrefixLength(const char* text)
 {
-    return static_cast<uint32_t>(atoi(text));
+    return static_cast<uint32_t>(NumberOf(text));
 }
 
 }  // namespace

@@ -213,7 +213,7 @@ bool ChangeIPv6(const char* operation, int cmd, const char* refused, const Route
     if (route.HoldsNull()) return false;
 
     in6_rtmsg record;
-    if (!Route_FillIn6_rtmsg(route.dst, route.gw, atoi(route.mask), route.viaDev, &record)) {
+    if (!Route_FillIn6_rtmsg(route.dst, route.gw, NumberOf(route.mask), route.viaDev, &record)) {
         TellFailure(operation, "Route_FillRtentry", route);
         return false;
     }

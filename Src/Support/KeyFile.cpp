@@ -291,7 +291,7 @@ void PutOldNameLast(char (*files)[kFileNameSize], int count)
 
 int32_t SwitchModeFromText(const char* text, int32_t* mode)
 {
-    const int value = atoi(text);
+    const int value = NumberOf(text);
     if (static_cast<unsigned>(value) < kModes) {
         *mode = value;
         return 0;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include <arpa/inet.h>
 
@@ -33,6 +35,11 @@ bool ParseIPv4(const char* text, uint32_t* value)
 
     *value = address.s_addr;
     return true;
+}
+
+int NumberOf(const char* text)
+{
+    return static_cast<int>(strtoll(text, nullptr, 10));
 }
 
 bool ParseLooseIPv4(const char* text, in_addr* value)

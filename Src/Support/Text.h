@@ -66,6 +66,10 @@ void CopyText(char (&dest)[size], const char* src)
 __attribute__((format(printf, 3, 4))) int FormatText(char* dest, size_t size, const char* format,
                                                      ...);
 
+/// `atoi`, and digits beyond an int give the same number on every target: the lower 32 bits of the
+/// number that 64 bits hold, or come nearest to.
+int NumberOf(const char* text);
+
 /// Dotted text of an IPv4 address, or of a mask, with its terminator.
 constexpr int kIPv4TextSize = INET_ADDRSTRLEN;
 

@@ -68,10 +68,9 @@ TEST_F(PingTest, BindsTheCardAndThenItsAddress)
 {
     Arrive(EchoReply());
     EXPECT_TRUE(Ping_CheckAlive("eth0", kOurIP, kHost, 3));
-    EXPECT_EQ(WireCalls(),
-              (Texts{"socket AF_INET", "fcntl F_SETFD", "setsockopt SO_BINDTODEVICE eth0 40",
-                     "bind 10.0.0.1 0 16", kSends[0], kSends[1], kSends[2], "poll 1 3000",
-                     "recvfrom 63 0 16", "close AF_INET"}));
+    EXPECT_EQ(WireCalls(), (Texts{"socket AF_INET", "fcntl F_SETFD", BindsTo("eth0"),
+                                  "bind 10.0.0.1 0 16", kSends[0], kSends[1], kSends[2],
+                                  "poll 1 3000", "recvfrom 63 0 16", "close AF_INET"}));
     EXPECT_EQ(Log(), (LogLines{kAlive}));
 }
 
@@ -79,8 +78,7 @@ TEST_F(PingTest, BindsWhatIsGivenAlone)
 {
     EXPECT_FALSE(Ping_CheckAlive("eth0", nullptr, kHost, 0));
     EXPECT_FALSE(Ping_CheckAlive(nullptr, kOurIP, kHost, 0));
-    EXPECT_EQ(TraceOf({"setsockopt", "bind"}),
-              (Texts{"setsockopt SO_BINDTODEVICE eth0 40", "bind 10.0.0.1 0 16"}));
+    EXPECT_EQ(TraceOf({"setsockopt", "bind"}), (Texts{BindsTo("eth0"), "bind 10.0.0.1 0 16"}));
 }
 
 TEST_F(PingTest, GoesOnWhenNothingCanBeBound)
@@ -351,7 +349,7 @@ TEST_F(NetPingCheckTest, AsksFromTheCardWithItsAddress)
     Arrive(EchoReply(), kHost, 2);
     EXPECT_TRUE(NetPingCheck("eth0", kHost, 2));
     EXPECT_EQ(TraceOf({"setsockopt", "bind", "poll"}),
-              (Texts{"setsockopt SO_BINDTODEVICE eth0 40", "bind 10.0.0.1 0 16", "poll 1 2000"}));
+              (Texts{BindsTo("eth0"), "bind 10.0.0.1 0 16", "poll 1 2000"}));
 }
 
 TEST_F(NetPingCheckTest, WithoutACardTheKernelPicksTheWay)

@@ -51,7 +51,7 @@ class BindToDeviceTest : public ProbeWorld {};
 TEST_F(BindToDeviceTest, HandsTheNameOverInAWholeRecord)
 {
     EXPECT_TRUE(BindToDevice(kSocket, "eth0"));
-    EXPECT_EQ(Trace(), (Texts{"setsockopt SO_BINDTODEVICE eth0 40"}));
+    EXPECT_EQ(Trace(), (Texts{BindsTo("eth0")}));
     EXPECT_EQ(Log(), LogLines{});
 }
 
@@ -59,7 +59,7 @@ TEST_F(BindToDeviceTest, CutsALongName)
 {
     kernel.Add("abcdefghijklmno");
     EXPECT_TRUE(BindToDevice(kSocket, "abcdefghijklmnopqrstuvwxyz"));
-    EXPECT_EQ(Trace(), (Texts{"setsockopt SO_BINDTODEVICE abcdefghijklmno 40"}));
+    EXPECT_EQ(Trace(), (Texts{BindsTo("abcdefghijklmno")}));
 }
 
 TEST_F(BindToDeviceTest, ARefusalIsLogged)

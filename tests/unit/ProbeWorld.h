@@ -4,6 +4,7 @@
 
 #include "fake/World.h"
 
+#include <net/if.h>
 #include <unistd.h>
 
 using fake::Bytes;
@@ -95,6 +96,12 @@ inline Bytes IPHeader(uint8_t size = 20)
 inline Bytes EchoReply()
 {
     return IPHeader() + Icmp(0, OurIdentifier());
+}
+
+/// How a socket is bound to a card: by a record of the kernel's, whose size is the target's.
+inline std::string BindsTo(const std::string& card)
+{
+    return "setsockopt SO_BINDTODEVICE " + card + " " + std::to_string(sizeof(ifreq));
 }
 
 class ProbeWorld : public fake::World {

@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace vorlix;
@@ -186,6 +188,20 @@ TEST(ParseIPv4, RefusesOtherFormsAndLeavesTheValue)
         EXPECT_FALSE(ParseIPv4(text, &value)) << text;
         EXPECT_EQ(value, 77U);
     }
+}
+
+TEST(NumberOf, IsTheSameOnEveryTarget)
+{
+    const std::pair<const char*, int> numbers[] = {{"", 0},
+                                                   {" 48x", 48},
+                                                   {"-1", -1},
+                                                   {"2147483648", INT_MIN},
+                                                   {"4294967360", 64},
+                                                   {"0x10", 0},
+                                                   {"+7", 7},
+                                                   {"99999999999999999999", -1},
+                                                   {"-99999999999999999999", 0}};
+    for (const auto& [text, number] : numbers) EXPECT_EQ(NumberOf(text), number) << text;
 }
 
 TEST(ParseLooseIPv4, TakesEachFormThatAHandMayWrite)
