@@ -1,6 +1,10 @@
 # Shared by the scripts of this folder and the top-level commands: sourced, never run.
 # shellcheck shell=sh
 
+# Formats and findings differ between releases of clang's tools: this one's count.
+# shellcheck disable=SC2034  # read by those who source this
+deciding_clang=14
+
 # install_missing COMMAND=PACKAGE... FILE=PACKAGE...
 # Installs the packages whose command (or absolute path) is not there. Says so and ends when it can't.
 install_missing()
