@@ -32,15 +32,15 @@ succeeds 'examples by pkg-config' make -C "$work/pkg-config" \
     CFLAGS="-std=c11 -O2 $strict" CXXFLAGS="-std=c++17 -O2 $strict"
 runs pkg-config "$work/pkg-config"
 
-# So do the programs that the front page shows.
+# So do the programs that the page for users shows.
 awk -v folder="$work/pkg-config" '
     /^```$/ { program = 0 }
-    program { print >(folder "/readme" program ".c") }
-    /^```c$/ { program = ++count }' "$top/README.md"
+    program { print >(folder "/page" program ".c") }
+    /^```c$/ { program = ++count }' "$top/docs/using.md"
 for program in 1 2; do
     # shellcheck disable=SC2046,SC2086  # lists of words
-    succeeds "program $program of the front page" cc -std=c11 $strict "$work/pkg-config/readme$program.c" \
-        -o "$work/pkg-config/readme$program" $(pkg-config --cflags --libs vorlix)
+    succeeds "program $program of the page for users" cc -std=c11 $strict "$work/pkg-config/page$program.c" \
+        -o "$work/pkg-config/page$program" $(pkg-config --cflags --libs vorlix)
 done
 unset PKG_CONFIG_LIBDIR PKG_CONFIG_SYSROOT_DIR
 
