@@ -22,14 +22,15 @@ target_compile_options(vorlix_checked INTERFACE
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 
 # The device has libc and nothing else: no exceptions, no RTTI, no guards for local statics, and
-# only what carries VORLIX_API leaves the shared library.
+# only what carries VORLIX_API leaves the shared library. In a debug build the tests share one that is
+# open to them; the version script closes the other one all the same.
 add_library(vorlix_shipped INTERFACE)
 target_link_libraries(vorlix_shipped INTERFACE vorlix_checked)
 target_compile_options(vorlix_shipped INTERFACE
   -Wmissing-declarations
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics
     -fvisibility-inlines-hidden>
-  -fvisibility=hidden -ffunction-sections -fdata-sections)
+  -fvisibility=$<IF:$<CONFIG:Debug>,default,hidden> -ffunction-sections -fdata-sections)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   target_compile_options(vorlix_shipped INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wglobal-constructors -Wexit-time-destructors>)

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <optional>
+#include <set>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -44,8 +45,9 @@ std::vector<Limit> limits;
 std::vector<Failure> failures;
 std::vector<Hook> hooks;
 std::map<int, Handle> handles;
-int fallible = 0;  // calls so far that could fail
-int failAt = 0;    // the one of them that the sweep lets fail
+std::set<void*> blocks;  // of the heap
+int fallible = 0;        // calls so far that could fail
+int failAt = 0;          // the one of them that the sweep lets fail
 std::string swept;
 std::function<void(const Noted&)> reportChild;
 thread_local int ownCalls = 0;
@@ -210,6 +212,12 @@ std::vector<std::string> OpenHandles()
     return open;
 }
 
+size_t HeapBlocks()
+{
+    const Guard guard;
+    return blocks.size();
+}
+
 void OnCall(const std::string& call, std::function<void()> action)
 {
     hooks.push_back({call, std::move(action)});
@@ -282,6 +290,19 @@ void Opened(int fd, const std::string& call, int family)
     if (fd >= 0) handles[fd] = {call, family};
 }
 
+void* Taken(void* block)
+{
+    const Guard guard;
+    if (block != nullptr && ownCalls == 0) blocks.insert(block);
+    return block;
+}
+
+void GivenBack(void* block)
+{
+    const Guard guard;
+    blocks.erase(block);
+}
+
 void CopyHandle(int fd, int copy)
 {
     const Guard guard;
@@ -325,6 +346,7 @@ void ResetCalls()
 {
     ClearTrace();
     limits.clear();
+    blocks.clear();
     failures.clear();
     hooks.clear();
     handles.clear();

@@ -48,6 +48,9 @@ void OnCall(const std::string& call, std::function<void()> action);
 /// What is open now and was opened through the product: trace text of the opening call.
 std::vector<std::string> OpenHandles();
 
+/// Blocks of memory that the product has taken and not given back.
+size_t HeapBlocks();
+
 /// Mutexes held now.
 int HeldMutexes();
 
@@ -86,6 +89,10 @@ public:
     OwnCalls(const OwnCalls&) = delete;
     OwnCalls& operator=(const OwnCalls&) = delete;
 };
+
+/// A block that the product has taken, or gives back.
+void* Taken(void* block);
+void GivenBack(void* block);
 
 void Opened(int fd, const std::string& call, int family = 0);
 void Closed(int fd);

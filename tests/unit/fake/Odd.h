@@ -15,13 +15,19 @@ namespace fake {
 
 enum class Odd { nothing, descriptors, files, results, pieces };
 
-/// What the variable says.
+/// What the variable says, or the test.
 Odd OddAnswers();
 
-/// Gives the descriptor 0 free where the variable asks for it.
+/// For the rest of this test, whatever the variable says. To be asked for before anything is
+/// opened.
+void AnswerOddly(Odd kind);
+
+// ---- for the parts of the fake
+
+/// Gives the descriptor 0 free where the product shall get it.
 void FreeLowDescriptors();
 
-/// A new socket, under a higher number where the variable asks for it.
+/// A new socket, under a higher number where the others shall get the low ones.
 int Numbered(int socket);
 
 /// Whether a read at this place goes on with one that has been noted and was given a part, and how

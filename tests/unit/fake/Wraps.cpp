@@ -15,6 +15,7 @@
 #include <mutex>
 #include <sstream>
 
+#include <arpa/inet.h>
 #include <csignal>
 #include <dirent.h>
 #include <fcntl.h>
@@ -55,11 +56,16 @@ int __real_sigprocmask(int, const sigset_t*, sigset_t*);
 pid_t __real_waitpid(pid_t, int*, int);
 void* __real_calloc(size_t, size_t);
 void* __real_malloc(size_t);
+void __real_free(void*);
 int __real_pthread_mutex_lock(pthread_mutex_t*);
 int __real_pthread_mutex_unlock(pthread_mutex_t*);
 void __real_flockfile(FILE*);
 void __real_funlockfile(FILE*);
 pid_t __real_setsid();
+int __real_clock_gettime(clockid_t, struct timespec*);
+const char* __real_inet_ntop(int, const void*, char*, socklen_t);
+int __real_inet_pton(int, const char*, void*);
+int __real_sched_yield();
 }
 
 namespace fake {
@@ -701,12 +707,18 @@ int __wrap_gettimeofday(struct timeval* now, void*)
 
 void* __wrap_calloc(size_t count, size_t size)
 {
-    return Note("calloc", Sizes({count, size})) ? __real_calloc(count, size) : nullptr;
+    return Note("calloc", Sizes({count, size})) ? Taken(__real_calloc(count, size)) : nullptr;
 }
 
 void* __wrap_malloc(size_t size)
 {
-    return Note("malloc", Sizes({size})) ? __real_malloc(size) : nullptr;
+    return Note("malloc", Sizes({size})) ? Taken(__real_malloc(size)) : nullptr;
+}
+
+void __wrap_free(void* block)
+{
+    GivenBack(block);
+    __real_free(block);
 }
 
 int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex)
@@ -747,6 +759,29 @@ pid_t __wrap_setsid()
 {
     NoteAside("setsid");
     return __real_setsid();
+}
+
+// ---- calls that a test may have of its own; for all others they go on to libc
+
+[[gnu::weak]] int __wrap_clock_gettime(clockid_t clock, struct timespec* now)
+{
+    return __real_clock_gettime(clock, now);
+}
+
+[[gnu::weak]] const char* __wrap_inet_ntop(int family, const void* address, char* text,
+                                           socklen_t size)
+{
+    return __real_inet_ntop(family, address, text, size);
+}
+
+[[gnu::weak]] int __wrap_inet_pton(int family, const char* text, void* address)
+{
+    return __real_inet_pton(family, text, address);
+}
+
+[[gnu::weak]] int __wrap_sched_yield()
+{
+    return __real_sched_yield();
 }
 
 }  // extern "C"
