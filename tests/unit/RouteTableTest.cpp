@@ -388,6 +388,45 @@ TEST_F(Route_GetIPv4RouteTest, ShortLineCountsAndSetsOnlyWhatItHolds)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+/// Rows of this table as scanning them column by column reads them: the kernel's usual form is read
+/// by a shorter way, which must give the very same.
+TEST_F(Route_GetIPv4RouteTest, UnusualColumnsAreReadAsNumbersOfAtMostEightCharacters)
+{
+    struct Case {
+        const char* columns;
+        uint32_t dst;
+        uint32_t gw;
+        uint32_t mask;
+    };
+    constexpr uint32_t kUntouched = 0xEEEEEEEE;
+    constexpr Case kCases[] = {
+        {"1\t2\t3\t4\t5\t6\t7\t8\t9\tA", 1, 2, 7},
+        {"0a0b0c0d\tABCDEF01\t0001\t0\t0\t0\t00FFFFFF\t0\t0\t0", 0x0A0B0C0D, 0xABCDEF01, 0xFFFFFF},
+        {"0A000000\t00000000\t0001\t0\t0\t99999999\t00FFFFFF\t0\t0\t0", 0x0A000000, 0, 0xFFFFFF},
+        {"0A000000\t00000000\t0001\t0\t0\t4294967295\t00FFFFFF\t0\t0\t0", 0x0A000000, 0, 0x95},
+        {"0A000000\t00000000\t0001\t0\t0\t-1\t00FFFFFF\t0\t0\t0", 0x0A000000, 0, 0xFFFFFF},
+        {"0x1A\t+2\t0001\t0\t0\t0\t-1", 0x1A, 2, 0xFFFFFFFF},
+        {"0A000000 00000001  0001 0 0 0 00FFFFFF", 0x0A000000, 1, 0xFFFFFF},
+        {"0A000000\t\t00000001\t0001\t0\t0\t0\t00FFFFFF\t0", 0x0A000000, 1, 0xFFFFFF},
+        {"0A000000\t00000001\t0001\t0\t0\t0\t00FFFFFF", 0x0A000000, 1, 0xFFFFFF},
+        {"0A000000\t00000001\t0001\t0\tuse\t0\t00FFFFFF\t0", 0x0A000000, 1, kUntouched},
+        {"123456789\t0\t1\t0\t0\t0\t00FFFFFF\t0\t0\t0", 0x12345678, 9, 0},
+    };
+    for (const Case& row : kCases) {
+        SCOPED_TRACE(row.columns);
+        Put(kTable4, std::string(kTitles) + "eth1\t" + row.columns + "\n");
+        IPv4Route route;
+        memset(&route, 0xEE, sizeof(route));
+        int count = 1;
+        EXPECT_TRUE(Route_GetIPv4Route(&route, &count));
+        EXPECT_EQ(count, 1);
+        EXPECT_STREQ(route.viaDev, "eth1");
+        EXPECT_EQ(route.dst, row.dst);
+        EXPECT_EQ(route.gw, row.gw);
+        EXPECT_EQ(route.mask, row.mask);
+    }
+}
+
 TEST_F(Route_GetIPv4RouteTest, RestOfALongLineIsALineOfItsOwn)
 {
     std::string first = "eth1\t0001A8C0\t00000000\t0001\t0\t0\t0\t00FFFFFF\t0\t0\t0";
