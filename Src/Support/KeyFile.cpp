@@ -54,6 +54,7 @@ static_assert(keys[HOST_BONDHASH_KEY][0] != '\0', "an empty key would be found i
 
 pthread_mutex_t net_config_Lock = PTHREAD_MUTEX_INITIALIZER;
 int fd = -1;            // of the file locked now; guarded by net_config_Lock
+pid_t locker = 0;       // who locked it; guarded by net_config_Lock
 bool lookOnly = false;  // set before the first call
 
 // ---- paths
@@ -82,7 +83,7 @@ bool ControlFile(short type, int control)
     range.l_whence = SEEK_SET;
     range.l_start = 0;
     range.l_len = 0;  // the whole file, however it grows
-    range.l_pid = getpid();
+    range.l_pid = locker;
     return fcntl(fd, control, &range) == 0;
 }
 
@@ -95,8 +96,9 @@ bool LockFile(const char* filename)
     fd = open(filename, O_WRONLY | O_APPEND);
     if (fd < 0) return errno != ENOENT;
 
+    locker = getpid();
     if (!ControlFile(F_WRLCK, F_SETLKW)) {
-        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:%d, [%s]", getpid(),
+        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:%d, [%s]", locker,
                      strerror(errno));
     }
     return true;
@@ -108,7 +110,7 @@ void UnlockForProcesses()
     if (fd < 0) return;
 
     if (!ControlFile(F_UNLCK, F_SETLKW)) {
-        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_UNLCK) failed, pid:%d, [%s]", getpid(),
+        LOG_ERROR_AS("FileLock", "fcntl (F_SETLKW F_UNLCK) failed, pid:%d, [%s]", locker,
                      strerror(errno));
     }
     close(fd);
