@@ -130,12 +130,18 @@ bool IsPadding(char character)
     return character == ' ' || character == '\t' || character == '\n';
 }
 
+/// True when the key stands anywhere in the line. Nearly always that is its start.
+bool HoldsKey(const char* line, const char* key)
+{
+    return StartsWith(line, key) || Contains(line, key);
+}
+
 /// Finds the first line that holds the key.
 bool FindLine(const char* filename, const char* key, char (&line)[kLineSize])
 {
     LockedLines lines(filename);
     while (lines.Next(line)) {
-        if (Contains(line, key)) return true;
+        if (HoldsKey(line, key)) return true;
     }
     return false;
 }
@@ -148,7 +154,7 @@ struct KeyLine {
 
     void Offer(const char* line)
     {
-        if (found || !Contains(line, key)) return;
+        if (found || !HoldsKey(line, key)) return;
 
         CopyText(text, line);
         found = true;
@@ -192,11 +198,31 @@ bool TakeValue(const char* filename, const KeyLine& line, const Wanted& wanted)
 
 struct KeptLines {
     int count = 0;
-    char text[kLinesKept][kLineSize] = {};
+    char text[kLinesKept][kLineSize];  // those behind the count are not set
+};
+
+/// A stream with a buffer of its own, which takes all lines that a file may keep: no memory is
+/// asked for, and the file not for the size of its blocks.
+class BufferedStream {
+public:
+    // cppcheck-suppress uninitMemberVar  ; the buffer is the stream's
+    BufferedStream(const char* filename, const char* mode) : stream_(fopen(filename, mode))
+    {
+        if (stream_ != nullptr) (void)setvbuf(stream_.get(), buffer_, _IOFBF, sizeof(buffer_));
+    }
+
+    FILE* Get() const { return stream_.get(); }
+
+private:
+    char buffer_[kLinesKept * kLineSize];
+    Stream stream_;  // closed before its buffer ends
 };
 
 bool HoldsKnownKey(const char* line)
 {
+    for (const auto& key : keys) {
+        if (StartsWith(line, key)) return true;
+    }
     for (const auto& key : keys) {
         if (Contains(line, key)) return true;
     }
@@ -233,7 +259,7 @@ bool KeepKnownLines(const char* filename, FILE* scan, KeptLines* kept)
 int PlaceOf(const char* key, const KeptLines& kept)
 {
     for (int place = 0; place < kept.count; ++place) {
-        if (Contains(kept.text[place], key)) return place;
+        if (HoldsKey(kept.text[place], key)) return place;
     }
     return kept.count;
 }
@@ -254,15 +280,16 @@ bool PutLine(const char* key, const char* value, KeptLines* kept)
 
 bool WriteLines(const char* filename, const KeptLines& lines)
 {
-    const Stream file(fopen(filename, "w+"));
+    const BufferedStream stream(filename, "w+");
+    FILE* file = stream.Get();
     if (file == nullptr) {
         LOG_ERROR_AS("SetValueByKey", "cannot fopen [%s]", strerror(errno));
         return false;
     }
-    for (int place = 0; place < lines.count; ++place) (void)fputs(lines.text[place], file.get());
+    for (int place = 0; place < lines.count; ++place) (void)fputs(lines.text[place], file);
 
-    (void)fflush(file.get());
-    const int descriptor = fileno(file.get());
+    (void)fflush(file);
+    const int descriptor = fileno(file);
     if (descriptor < 0) {
         LOG_WARN_AS("SetValueByKey", "fileno:%s\n", strerror(errno));
     } else if (fsync(descriptor) != 0) {
@@ -441,11 +468,11 @@ bool SetValueByKey(const char* filename, const char* key, const char* value)
     if (filename == nullptr || key == nullptr || value == nullptr || lookOnly) return false;
 
     const ConfigLock lock(filename);
-    const Stream scan(fopen(filename, "r+"));
+    const BufferedStream scan(filename, "r+");
     KeptLines lines;
-    if (scan == nullptr) {
+    if (scan.Get() == nullptr) {
         LOG_ERROR("cannot fopen for read.[%s]", strerror(errno));
-    } else if (!KeepKnownLines(filename, scan.get(), &lines)) {
+    } else if (!KeepKnownLines(filename, scan.Get(), &lines)) {
         return false;
     }
     return PutLine(key, value, &lines) && WriteLines(filename, lines);
