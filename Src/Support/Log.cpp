@@ -30,11 +30,10 @@ tm LocalTime()
 
 }  // namespace
 
-void LogWrite(LogLevel level, const char* file, int line, const char* operation, const char* format,
-              ...)
+void LogWrite(unsigned place, const char* file, const char* operation, const char* format, ...)
 {
     const int savedErrno = errno;
-    const LevelText& text = kLevels[static_cast<unsigned char>(level)];
+    const LevelText& text = kLevels[place & 3U];
     const tm local = LocalTime();
 
     // The stream stays locked over the three prints, so that lines of threads never mix; the flush
@@ -46,7 +45,7 @@ void LogWrite(LogLevel level, const char* file, int line, const char* operation,
     va_start(arguments, format);
     vprintf(format, arguments);
     va_end(arguments);
-    printf("|%s:%d|%s()\033[0m\n", file, line, operation);
+    printf("|%s:%u|%s()\033[0m\n", file, place >> 2U, operation);
     fflush(stdout);
     funlockfile(stdout);
     errno = savedErrno;

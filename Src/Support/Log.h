@@ -19,16 +19,23 @@
 
 namespace vorlix {
 
-enum class LogLevel : unsigned char { Info, Warn, Error };
+enum class LogLevel : unsigned { Info, Warn, Error };
+
+/// Level and line of a call as one number, which takes one register: there are hundreds of calls.
+constexpr unsigned LogPlace(LogLevel level, unsigned line)
+{
+    return line << 2U | static_cast<unsigned>(level);
+}
 
 /// Writes one line. The macros below fill in where it comes from.
-__attribute__((format(printf, 5, 6))) void LogWrite(LogLevel level, const char* file, int line,
+__attribute__((format(printf, 4, 5))) void LogWrite(unsigned place, const char* file,
                                                     const char* operation, const char* format, ...);
 
 }  // namespace vorlix
 
 #define LOG_AT(level, operation, ...)                                                              \
-    ::vorlix::LogWrite(::vorlix::LogLevel::level, __FILE__, __LINE__, operation, __VA_ARGS__)
+    ::vorlix::LogWrite(::vorlix::LogPlace(::vorlix::LogLevel::level, __LINE__), __FILE__,          \
+                       operation, __VA_ARGS__)
 
 #define LOG_INFO_AS(operation, ...) LOG_AT(Info, operation, __VA_ARGS__)
 #define LOG_WARN_AS(operation, ...) LOG_AT(Warn, operation, __VA_ARGS__)

@@ -5,6 +5,6 @@
 
 namespace vorlix {
 
-void LogWrite(LogLevel, const char*, int, const char*, const char*, ...) {}
+void LogWrite(unsigned, const char*, const char*, const char*, ...) {}
 
 }  // namespace vorlix
