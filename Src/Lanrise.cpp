@@ -678,6 +678,39 @@ void ClaimBridge(const char* card, Claims* claims)
     if (number < Claims::kSlots) claims->Add(number, card);
 }
 
+/// Which bridges may have a setting file: one pass over the folder at the first question, in the
+/// place of a question for each of 32 names.
+class BridgeFiles {
+public:
+    bool MayHold(uint32_t number)
+    {
+        if (!read_) Read();
+        return (numbers_ >> number & 1U) != 0;
+    }
+
+private:
+    void Read();
+
+    bool read_ = false;
+    uint32_t numbers_ = UINT32_MAX;  // all of them, where the folder cannot be read
+};
+
+void BridgeFiles::Read()
+{
+    constexpr char kStart[] = "networkbr";
+    read_ = true;
+    const Directory folder(opendir(kConfigFolder));
+    if (folder == nullptr) return;
+
+    numbers_ = 0;
+    while (const dirent* entry = readdir(folder.get())) {
+        if (!StartsWith(entry->d_name, kStart)) continue;
+
+        const uint32_t number = NumberFrom(entry->d_name, sizeof(kStart) - 1);
+        if (number < Claims::kSlots) numbers_ |= 1U << number;
+    }
+}
+
 bool IsBridgeInOrder(const char* bridge, const MemberSlot& slot)
 {
     NameTable<kMaxInterfaces, kBridgeMemberSize> members;
@@ -715,8 +748,12 @@ bool CheckBridgeConfig(void)
         if (IsCard(ethNames[i])) ClaimBridge(ethNames[i], &claims);
     }
     // Over the numbers, since a bridge need not be there yet. The first one in order ends the walk:
-    // those behind it are not looked at in this boot.
+    // those behind it are not looked at in this boot. The walk itself touches the files of bridges
+    // that are claimed, and those without a claim are the ones that the folder is asked for.
+    BridgeFiles files;
     for (uint32_t number = 0; number < Claims::kSlots && claims.AreComplete(); ++number) {
+        if (claims.Of(number) == nullptr && !files.MayHold(number)) continue;
+
         char bridge[kBridgeNameSize];
         FormatText(bridge, sizeof(bridge), "br%u", number);
         if (SettleBridge(bridge, claims.Of(number))) break;
