@@ -484,6 +484,9 @@ bool IsSaved(const Device& device, const Route& route, const Interface& entry)
         return Equal(entry.name, device.defaultCard) &&
                (!entry.saved.ipv4.hasGateway || route.gateway == entry.saved.ipv4.gateway);
     }
+    // A member has no routes of its own, unless it is the default card.
+    if (entry.live.master != 0 && !Equal(entry.name, device.defaultCard)) return false;
+
     const IPv4& saved = entry.saved.ipv4;
     const IPv4& live = entry.live.ipv4;
     const bool isOwn = (saved.hasAddress && route.net == (saved.address & saved.mask)) ||

@@ -178,6 +178,23 @@ TEST_F(PrintTest, ABondAndItsMembers)
                                    "\"active\":\"eth1\"}]"));
 }
 
+TEST_F(PrintTest, ARouteOverAMemberGoesWithTheNextBoot)
+{
+    Put(CardFile("eth1"), Settings(Healthy(1, {"BONDED = 1", "BONDNAME = bond0"})));
+    Put(CardFile("eth2"), Settings(Healthy(2, {"BONDED = 1", "BONDNAME = bond0"})));
+    Put(CardFile("bond0"), Settings(Healthy(5, {"BONDMODE = 1", "BONDMEMBERS = eth1,eth2"})));
+    const auto device = Look({"eth0", "eth1", "eth2", "bond0"});
+    device->list[1].live.master = device->list[3].live.index;
+    device->routes[0].net = inet_addr("10.0.1.0");
+    device->routes[0].mask = inet_addr("255.255.255.0");
+    device->routes[0].index = device->list[1].live.index;
+    device->routeCount = 1;
+    EXPECT_EQ(Repairs(*device),
+              Sentences{"eth1: the route to 10.0.1.0/24 is not saved: it is removed"});
+    device->list[1].live.master = 0;
+    EXPECT_EQ(Repairs(*device), Sentences{});
+}
+
 // ---- differences
 
 class CompareTest : public PrintTest {};
