@@ -31,6 +31,11 @@ target_compile_options(vorlix_shipped INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics
     -fvisibility-inlines-hidden>
   -fvisibility=$<IF:$<CONFIG:Debug>,default,hidden> -ffunction-sections -fdata-sections)
+# Nothing here throws or is thrown through, so the tables serve a debugger alone, and a back trace.
+if(NOT VORLIX_UNWIND)
+  target_compile_options(vorlix_shipped INTERFACE
+    -fno-asynchronous-unwind-tables -fno-unwind-tables)
+endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   target_compile_options(vorlix_shipped INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wglobal-constructors -Wexit-time-destructors>)
