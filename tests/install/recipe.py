@@ -9,7 +9,7 @@ import re
 import sys
 
 # Names of bitbake and of the layer core that a recipe may rely on.
-KNOWN = {'LAYERDIR', 'PN', 'sbindir', 'sysconfdir', 'datadir', 'systemd_system_unitdir'}
+KNOWN = {'LAYERDIR', 'PN', 'sbindir', 'libexecdir', 'sysconfdir', 'datadir', 'systemd_system_unitdir'}
 ASSIGNMENT = re.compile(r'([A-Za-z_][\w-]*)((?::[\w${}-]+)*) *(\?\?=|\?=|:=|\+=|=\+|\.=|=\.|=) *"([^"]*)"$')
 
 

@@ -25,9 +25,9 @@ while read -r option; do
 done <"$work/options"
 # shellcheck disable=SC2016  # the recipe's variables
 sed -n '/^FILES:lanrise/,/^"/p' "$recipe" | sed -n 's/^ *\(\${.*\) \\$/\1/p' |
-    sed 's%${sbindir}%/usr/sbin%; s%${sysconfdir}%/etc%; s%${systemd_system_unitdir}%/usr/lib/systemd/system%; s%${datadir}%/usr/share%' \
+    sed 's%${sbindir}%/usr/sbin%; s%${libexecdir}%/usr/libexec%; s%${sysconfdir}%/etc%; s%${systemd_system_unitdir}%/usr/lib/systemd/system%; s%${datadir}%/usr/share%' \
         >"$work/recipe.files"
-is 'files of the recipe' "$(wc -l <"$work/recipe.files")" 5
+is 'files of the recipe' "$(wc -l <"$work/recipe.files")" 6
 while read -r file; do
     [ -e "$tree$file" ] || is 'a file of the recipe' "$file" 'installed'
 done <"$work/recipe.files"
@@ -95,7 +95,7 @@ succeeds 'installation by Buildroot' env DESTDIR="$work/buildroot/target" \
     cmake --install "$work/buildroot/build"
 succeeds 'steps behind the installation' \
     buildroot VORLIX_SITE BR2_PACKAGE_VORLIX_FILTERS_AND_SHAPING=y hooks
-for file in etc/init.d/S39lanrise usr/sbin/lanrise usr/sbin/lanrise-status usr/local/bin/tc; do
+for file in etc/init.d/S39lanrise usr/sbin/lanrise usr/sbin/lanrise-status usr/libexec/lanrise-log usr/local/bin/tc; do
     [ -e "$work/buildroot/target/$file" ] || [ -L "$work/buildroot/target/$file" ] ||
         is "a file for Buildroot's target" "$file" 'installed'
 done

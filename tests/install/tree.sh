@@ -13,6 +13,7 @@ succeeds 'the installed files' diff -u "$here/tree.list" "$work/tree.list"
 
 is 'mode of the program' "$(stat -c %a "$tree/usr/sbin/lanrise")" 755
 is 'mode of the init script' "$(stat -c %a "$tree/etc/init.d/lanrise")" 755
+is 'mode of the filter of its log' "$(stat -c %a "$tree/usr/libexec/lanrise-log")" 755
 is 'library behind its name' "$(readlink -f "$tree"/usr/lib/*/libvorlix.so)" \
     "$(echo "$tree"/usr/lib/*/"libvorlix.so.$version")"
 is 'the build folder is nowhere named' \
@@ -23,7 +24,7 @@ succeeds 'installation elsewhere' env DESTDIR="$work/elsewhere" cmake --install 
 follows()
 {
     is "${1#"$tree"/} under another prefix" "$(cat "$2")" \
-        "$(sed 's%/usr/\(sbin\|lib\|include\)%/opt/vorlix/\1%; s%^prefix=/usr$%prefix=/opt/vorlix%' "$1")"
+        "$(sed 's%/usr/\(sbin\|lib\|include\)%/opt/vorlix/\1%g; s%^prefix=/usr$%prefix=/opt/vorlix%' "$1")"
 }
 there=$work/elsewhere
 for pc in "$tree"/usr/lib/*/pkgconfig/vorlix.pc; do

@@ -27,6 +27,7 @@ PACKAGES =+ "lanrise"
 FILES:lanrise = " \
     ${sbindir}/lanrise \
     ${sbindir}/lanrise-status \
+    ${libexecdir}/lanrise-log \
     ${sysconfdir}/init.d/lanrise \
     ${systemd_system_unitdir}/lanrise.service \
     ${datadir}/bash-completion \
