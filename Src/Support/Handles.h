@@ -93,9 +93,9 @@ private:
     pthread_mutex_t* mutex_;
 };
 
-/// Keeps a descriptor from being inherited by the tools that the shell starts, also by one that
-/// another thread starts meanwhile. A call of its own, because the flags of the open are
-/// documented.
+/// Keeps a descriptor from being inherited by the tools that are started from now on, by whichever
+/// thread. A call of its own, because the flags of the open are documented: a tool that another
+/// thread starts between the two calls still inherits the descriptor.
 inline void KeepFromChildren(int fd)
 {
     (void)fcntl(fd, F_SETFD, FD_CLOEXEC);

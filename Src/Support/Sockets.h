@@ -6,7 +6,8 @@
 
 namespace vorlix {
 
-/// `socket`, and no tool that another thread starts meanwhile inherits it.
+/// `socket`, followed by `KeepFromChildren`: a tool that is started while the socket is in use does
+/// not inherit it.
 int OpenSocket(int family, int type, int protocol);
 
 /// A datagram socket that is opened on its first use and never closed.
