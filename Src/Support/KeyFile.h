@@ -10,6 +10,11 @@
 #include "Types.h"
 
 #ifdef __cplusplus
+#include "Support/Handles.h"
+#include "Support/Lines.h"
+
+#include <unistd.h>
+
 extern "C" {
 #endif
 
@@ -28,7 +33,7 @@ typedef VORLIX_ENUM(KEYENUM) {
     HOST_BONDPRIMARY_KEY = 9,  ///< "BONDPRIMARY": primary member
     HOST_MTU_KEY = 10,         ///< "MTU": decimal
     HOST_ACTIVE_ETH_KEY = 11,  ///< "ACTIVE_ETH": reserved, kept by a write
-    HOST_DEFAULT_ETH_KEY = 12, ///< "DEFAULT_ETH": default card, in the file of eth0 alone
+    HOST_DEFAULT_ETH_KEY = 12, ///< "DEFAULT_ETH": default card, in the file of eth0 only
     HOST_BRIDGEEDED_KEY = 13,  ///< "BRIDGEEDED": "1" or "0"
     HOST_BRIDGENAME_KEY = 14,  ///< "BRIDGENAME": bridge of a member card
     HOST_BONDMEMBERS_KEY = 15, ///< "BONDMEMBERS": members of a bond, joined by commas
@@ -131,11 +136,6 @@ bool checkIsRegFile(const char* fileName);
 #ifdef __cplusplus
 }  // extern "C"
 
-#include "Support/Handles.h"
-#include "Support/Lines.h"
-
-#include <unistd.h>
-
 namespace vorlix {
 
 // ---- names
@@ -177,9 +177,9 @@ void LookOnly();
 /// The lock of one setting file, held to the end of the scope.
 ///
 /// A process loses its lock on a file as soon as it closes any descriptor of that file. So what is
-/// opened of the file stays open as long as the lock is needed, by this thread or by the next: it
-/// is declared behind the lock and in the order of its opening, and the scope closes it in time. A
-/// writer, who opens twice, closes what was read behind what was written.
+/// opened of the file under the lock is closed neither while this thread still needs the lock nor
+/// when the next thread has it: it is declared behind the lock, and the scope closes it just before
+/// the threads are let in. A writer, who opens twice, closes what was read behind what was written.
 class ConfigLock {
 public:
     explicit ConfigLock(const char* filename);
