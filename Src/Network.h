@@ -81,8 +81,8 @@ VORLIX_API bool Net_GetLinkSpeed(const char* name, int* speed);
 
 /// Reads the counters of an interface, and its speed as `Net_GetLinkSpeed` tells it: 0 for a
 /// wireless card and where the driver does not answer, 65535 where it knows none.
-/// @return false for an interface that is not among the first 32 of the device's cards, such as
-/// `lo`
+/// @return false for an interface that is not among the first 32 of the device's cards: `lo` never
+///         is
 /// @source /proc/net/dev; `Net_GetLinkSpeed`
 VORLIX_API bool Net_GetDataStat(const char* name, NetDataStat* dataStat);
 
