@@ -19,7 +19,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <fcntl.h>
 #include <linux/ethtool.h>
 #include <linux/sockios.h>
 #include <sys/ioctl.h>
@@ -170,7 +169,7 @@ bool AskWifi(const char* name, bool* isConnect, WirelessTable& table)
 int32_t DriverMode(const char* name)
 {
     if (!IsSwitch(name)) return kOrdinaryCard;
-    return Equal(name, "eth0") ? kCardAndSwitch : kSwitchInterface;
+    return Equal(name, kFirstCard) ? kCardAndSwitch : kSwitchInterface;
 }
 
 /// The first answer of `GetSwitchInterface`. Byte 15 of a full buffer is left to the caller, who
@@ -333,7 +332,7 @@ bool CutBaseName(const char* entry, Name& name)
     return true;
 }
 
-/// Looks for the interface of an entry in the list.
+/// Looks for the interface of an entry in the list. A bridge passes: it may be about to be made.
 bool CheckListed(const char* entry, char (&list)[kJoinedSize])
 {
     constexpr char kCheck[] = "CheckEthExist";
@@ -429,8 +428,8 @@ bool RestoreSignals(const SavedSignals& saved)
     return true;
 }
 
-/// The way of the child to the shell. It runs in its parent's memory: it makes these calls, writes
-/// nothing and does not return.
+/// The way of the child to the shell. It runs in the memory of its parent, who waits: it makes
+/// these calls and no others, and does not return.
 [[noreturn]] void BecomeShell(const SavedSignals& saved, const char* command)
 {
     if (sigaction(SIGINT, &saved.interrupt, nullptr) < 0) {
