@@ -48,3 +48,21 @@ configure()
     fi
     cmake --preset "$preset" "$@"
 }
+
+# tree_files [PATTERN...]: the files of this tree, of those that fit one of the patterns; also in a release's
+# tarball, which has no git
+tree_files()
+{
+    if [ -e .git ]; then
+        git ls-files "$@"
+        return
+    fi
+    find . -path ./build -prune -o -path ./install -prune -o -type f -print | sed 's%^\./%%' | sort |
+        while read -r tree_file; do
+            [ $# -gt 0 ] || echo "$tree_file"
+            for tree_pattern; do
+                # shellcheck disable=SC2254  # patterns
+                case $tree_file in $tree_pattern) echo "$tree_file" && break ;; esac
+            done
+        done
+}
