@@ -7,12 +7,18 @@
 // measured time; after each run the end state is looked at, so that nobody is fast by doing less.
 // A manager that stays is measured until that state is there, and ended then.
 //
-// usage: tests/netns/enter.sh build/release/bench/boot LANRISE BARE [ROUNDS [PEERS [TABLE]]]
+// The floor, bench/floor, makes the kernel calls that the boot's stated work is made of, from a
+// list taken down here of a boot of the same cards.
+//
+// usage: tests/netns/enter.sh build/release/bench/boot LANRISE [ROUNDS [PEERS [TABLE]]]
 //
 // TABLE is a file for the medians of cards, one line a contender, for bench/plot.sh.
 
+#include "record.h"
+
 #include <algorithm>
 #include <chrono>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -26,7 +32,7 @@
 #include <fcntl.h>
 #include <net/if.h>
 #include <sys/ioctl.h>
-#include <sys/ptrace.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -34,11 +40,16 @@
 
 namespace {
 
+struct Taken {
+    double wall;  // milliseconds
+    double cpu;   // of the program and of all that it started and waited for
+};
+
 struct Contender {
     std::string name;
     std::vector<std::string> command;
-    std::vector<double> milliseconds;
-    bool stays = false;  // goes on running when its work is done
+    std::vector<Taken> rounds;
+    bool stays = false;  // goes on running when its work is done; its processor time is not told
 };
 
 /// What is brought up, by whom, and how it is told whether it came up.
@@ -57,6 +68,15 @@ FILE* medians = nullptr;
 {
     fprintf(stderr, "bench/boot: %s\n", reason.c_str());
     exit(1);
+}
+
+/// A program of this folder.
+std::string Beside(const std::string& program)
+{
+    char path[PATH_MAX] = {};
+    if (readlink("/proc/self/exe", path, sizeof(path) - 1) < 0) Give("where am I?");
+    const std::string self = path;
+    return self.substr(0, self.rfind('/') + 1) + program;
 }
 
 std::string CardName(int card)
@@ -212,17 +232,23 @@ double Since(Clock::time_point begin)
     return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
 }
 
-double Run(const std::vector<std::string>& command)
+double Milliseconds(const timeval& time)
+{
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+}
+
+Taken Run(const std::vector<std::string>& command)
 {
     const std::vector<char*> arguments = Arguments(command);
     const auto begin = Clock::now();
     const pid_t child = vfork();
     if (child == 0) Become(arguments);
     int status = 0;
-    waitpid(child, &status, 0);
-    const double taken = Since(begin);
+    rusage used{};
+    wait4(child, &status, 0, &used);
+    const double wall = Since(begin);
     if (status != 0) Give(command[0] + " failed");
-    return taken;
+    return {wall, Milliseconds(used.ru_utime) + Milliseconds(used.ru_stime)};
 }
 
 /// Runs what does not end by itself until the device is up, asked every half millisecond. The end
@@ -250,52 +276,12 @@ double Median(std::vector<double> values)
     return values.size() % 2 != 0 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
-// ---- looking inside
-
-struct Inside {
-    long peakKb = 0;
-    int children = 0;
-};
-
-long PeakOf(pid_t process)
+/// The median of what `of` makes of each round.
+double MedianOf(const Contender& contender, const std::function<double(size_t round)>& of)
 {
-    std::ifstream status("/proc/" + std::to_string(process) + "/status");
-    std::string word;
-    while (status >> word) {
-        long value = 0;
-        if (word == "VmHWM:" && status >> value) return value;
-    }
-    return 0;
-}
-
-/// One run under trace: peak memory, looked up as it ends, and how many processes it started.
-Inside LookInside(const std::vector<std::string>& command)
-{
-    const std::vector<char*> arguments = Arguments(command);
-    const pid_t child = fork();
-    if (child == 0) {
-        ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        Become(arguments);
-    }
-    Inside inside;
-    int status = 0;
-    waitpid(child, &status, 0);
-    ptrace(PTRACE_SETOPTIONS, child, nullptr,
-           PTRACE_O_TRACEEXIT | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK | PTRACE_O_TRACECLONE);
-    for (pid_t stopped = child; stopped > 0; stopped = waitpid(-1, &status, __WALL)) {
-        if (WIFEXITED(status) || WIFSIGNALED(status)) {
-            if (stopped == child) return inside;
-            continue;
-        }
-        const int event = status >> 16;
-        if (event == PTRACE_EVENT_EXIT && stopped == child) inside.peakKb = PeakOf(child);
-        if (event == PTRACE_EVENT_FORK || event == PTRACE_EVENT_VFORK ||
-            event == PTRACE_EVENT_CLONE) {
-            ++inside.children;
-        }
-        ptrace(PTRACE_CONT, stopped, nullptr, nullptr);
-    }
-    return inside;
+    std::vector<double> values;
+    for (size_t round = 0; round < contender.rounds.size(); ++round) values.push_back(of(round));
+    return Median(values);
 }
 
 // ---- the contenders
@@ -321,32 +307,56 @@ std::string NetToolsScript(int count)
     return script + "route add default gw 10.0.0.1 eth0\n";
 }
 
+void PrintRow(const Contender& ours, const Contender& contender, int calls)
+{
+    const auto& mine = ours.rounds;
+    const auto& theirs = contender.rounds;
+    const double wall = MedianOf(contender, [&](size_t i) { return theirs[i].wall; });
+    printf("  %-16s %9.2f %9.2f", contender.name.c_str(), wall,
+           MedianOf(contender, [&](size_t i) { return mine[i].wall / theirs[i].wall; }));
+    if (contender.stays) {
+        printf("\n");
+        return;
+    }
+    printf(" %9.2f %9.3f", MedianOf(contender, [&](size_t i) { return theirs[i].cpu; }),
+           MedianOf(contender, [&](size_t i) { return mine[i].cpu / theirs[i].cpu; }));
+    if (calls > 0) printf(" %8d", calls);
+    printf("\n");
+}
+
 void Measure(Device device, int rounds)
 {
     for (int round = -1; round < rounds; ++round) {  // the first is thrown away
         for (Contender& contender : device.contenders) {
             device.takeDown();
-            const double taken =
-                contender.stays ? RunUntilUp(contender, device) : Run(contender.command);
+            const Taken taken =
+                contender.stays ? Taken{RunUntilUp(contender, device), 0} : Run(contender.command);
             if (!contender.stays) device.check(contender.name);
-            if (round >= 0) contender.milliseconds.push_back(taken);
+            if (round >= 0) contender.rounds.push_back(taken);
         }
     }
 
+    // Ratios are medians of what each round gives: its contenders run within one breath.
     printf("%s, %d rounds\n", device.title.c_str(), rounds);
-    printf("  %-16s %10s %18s\n", "", "median ms", "lanrise / this");
-    const double ours = Median(device.contenders[0].milliseconds);
+    printf("  %-16s %9s %9s %9s %9s %8s\n", "", "wall ms", "lanrise/", "cpu ms", "lanrise/",
+           "calls");
+    record::Run ours;
     for (const Contender& contender : device.contenders) {
-        const double median = Median(contender.milliseconds);
-        printf("  %-16s %10.2f %18.2f\n", contender.name.c_str(), median, ours / median);
+        int calls = 0;
+        if (!contender.stays) {
+            device.takeDown();
+            const record::Run run = record::Take(contender.command);
+            calls = run.children == 0 ? run.calls : 0;
+            if (&contender == &device.contenders[0]) ours = run;
+        }
+        PrintRow(device.contenders[0], contender, calls);
         if (medians != nullptr) {
-            fprintf(medians, "%s\t%s\t%.2f\n", device.title.c_str(), contender.name.c_str(),
-                    median);
+            const double wall =
+                MedianOf(contender, [&](size_t i) { return contender.rounds[i].wall; });
+            fprintf(medians, "%s\t%s\t%.2f\n", device.title.c_str(), contender.name.c_str(), wall);
         }
     }
-    device.takeDown();
-    const Inside inside = LookInside(device.contenders[0].command);
-    printf("  lanrise: peak memory %ld kB, %d child processes\n\n", inside.peakKb, inside.children);
+    printf("  lanrise: peak memory %ld kB, %d child processes\n\n", ours.peakKb, ours.children);
 }
 
 // ---- the managers that a user would take
@@ -450,10 +460,20 @@ void PrepareConnman(const std::string& peers)
     if (system(bus.c_str()) != 0) Give("no message bus");
 }
 
-void MeasureCards(int count, int rounds, const std::string& lanrise, const std::string& bare,
-                  const std::string& peers)
+/// Takes down what a boot of the cards is made of.
+void WriteFloor(int count, const std::string& lanrise)
+{
+    TakeDown(count);
+    const record::Run run = record::Take({lanrise});
+    Write("/mnt/calls", run.replay);
+    printf("the floor makes %d calls of lanrise's %d\n", run.kept, run.calls);
+}
+
+void MeasureCards(int count, int rounds, const std::string& lanrise, const std::string& peers)
 {
     WriteSettings(count);
+    (void)Run({lanrise});  // settled: no boot after this one writes what the one before did not
+    WriteFloor(count, lanrise);
     Write("/mnt/ip.sh", IpScript(count));
     Write("/mnt/net-tools.sh", NetToolsScript(count));
     Device device = {std::to_string(count) + (count == 1 ? " card" : " cards"),
@@ -466,7 +486,8 @@ void MeasureCards(int count, int rounds, const std::string& lanrise, const std::
                      {{"lanrise", {lanrise}, {}},
                       {"ip -batch", {"sh", "/mnt/ip.sh"}, {}},
                       {"net-tools", {"sh", "/mnt/net-tools.sh"}, {}},
-                      {"bare requests", {bare, std::to_string(count)}, {}}}};
+                      {"bare requests", {Beside("bare"), std::to_string(count)}, {}},
+                      {"floor", {Beside("floor"), "/mnt/calls"}, {}}}};
     for (const Contender& manager : Managers(count, peers)) device.contenders.push_back(manager);
     // Without udev networkd waits for no card when it may not write to /sys.
     if (!peers.empty()) (void)!system("mount -o remount,ro,bind /sys");
@@ -556,12 +577,11 @@ void PrintSize(const std::string& path)
 
 int main(int argc, char** argv)
 {
-    if (argc < 3) Give("usage: boot LANRISE BARE [ROUNDS]");
+    if (argc < 2) Give("usage: boot LANRISE [ROUNDS [PEERS [TABLE]]]");
     const std::string lanrise = argv[1];
-    const std::string bare = argv[2];
-    const int rounds = argc > 3 ? atoi(argv[3]) : 31;
-    const std::string peers = argc > 4 ? argv[4] : "";
-    if (argc > 5) medians = fopen(argv[5], "w");
+    const int rounds = argc > 2 ? atoi(argv[2]) : 31;
+    const std::string peers = argc > 3 ? argv[3] : "";
+    if (argc > 4) medians = fopen(argv[4], "w");
     // Cards here may only be those of a namespace made for this run.
     if (if_nametoindex("eth0") != 0) Give("run me through tests/netns/enter.sh");
 
@@ -571,7 +591,7 @@ int main(int argc, char** argv)
     for (const int count : {1, 8, 31}) {
         MakeCards(made, count);
         made = count;
-        MeasureCards(count, rounds, lanrise, bare, peers);
+        MeasureCards(count, rounds, lanrise, peers);
     }
     MeasureBridge(rounds, lanrise);
     PrintSize(lanrise);

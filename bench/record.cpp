@@ -1,0 +1,259 @@
+#include "record.h"
+
+#include <cstring>
+#include <fstream>
+#include <optional>
+
+#include <fcntl.h>
+#include <linux/ethtool.h>
+#include <linux/sockios.h>
+#include <net/if.h>
+#include <net/route.h>
+#include <sys/ioctl.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// <linux/ptrace.h> does not go together with <sys/ptrace.h>, which has these under glibc's names.
+using CallInfo = __ptrace_syscall_info;
+
+namespace record {
+
+namespace {
+
+constexpr size_t kLongestPath = 256;
+
+std::string Bytes(pid_t process, uint64_t address, size_t size)
+{
+    std::string bytes(size, '\0');
+    const iovec here = {bytes.data(), size};
+    const iovec there = {reinterpret_cast<void*>(address), size};
+    const ssize_t count = process_vm_readv(process, &here, 1, &there, 1, 0);
+    bytes.resize(count > 0 ? static_cast<size_t>(count) : 0);
+    return bytes;
+}
+
+/// A path with its terminator. It may end just before memory that is not there.
+std::string Path(pid_t process, uint64_t address)
+{
+    constexpr uint64_t kPage = 4096;
+    const uint64_t left = kPage - address % kPage;
+    std::string path = Bytes(process, address, left < kLongestPath ? left : kLongestPath);
+    if (path.find('\0') == std::string::npos) path = Bytes(process, address, kLongestPath);
+    return path.substr(0, path.find('\0') + 1);
+}
+
+void PutPath(pid_t process, int argument, Call* call, std::string* data)
+{
+    call->data = static_cast<int8_t>(argument);
+    *data = Path(process, call->arguments[argument]);
+}
+
+/// The record of a request, with what it points to.
+bool PutRequest(pid_t process, Call* call, std::string* data)
+{
+    const auto request = static_cast<unsigned>(call->arguments[1]);
+    if (request == TCGETS) return false;  // the output's stream asks whether that is a terminal
+
+    const bool isRoute = request == SIOCADDRT || request == SIOCDELRT;
+    const size_t size = isRoute ? sizeof(rtentry) : sizeof(ifreq);
+    *data = Bytes(process, call->arguments[2], size);
+    call->data = 2;
+    if (!isRoute && request != SIOCETHTOOL) return true;
+
+    const size_t pointer = isRoute ? offsetof(rtentry, rt_dev) : offsetof(ifreq, ifr_data);
+    uint64_t second = 0;
+    memcpy(&second, data->data() + pointer, sizeof(second));
+    call->pointer = static_cast<int16_t>(pointer);
+    call->firstPart = static_cast<int16_t>(size);
+    *data += Bytes(process, second, isRoute ? IFNAMSIZ : sizeof(ethtool_drvinfo));
+    return true;
+}
+
+/// Fills in what a call needs to be made again.
+/// @return false for one that the task does not ask for: memory, buffers, what libc asks for itself
+bool PutArguments(pid_t process, Call* call, std::string* data)
+{
+    call->descriptor = 0;  // of most calls below
+    switch (call->number) {
+    case SYS_gettid:
+    case SYS_socket:
+        call->descriptor = kNowhere;
+        call->opens = call->number == SYS_socket;
+        return true;
+    case SYS_openat:
+        call->descriptor = kNowhere;
+        call->opens = 1;
+        PutPath(process, 1, call, data);
+        return true;
+    case SYS_newfstatat:
+        call->descriptor = kNowhere;
+        PutPath(process, 1, call, data);
+        call->room = 2;
+        return data->size() > 1;  // a stream asks for its buffer's size by the empty path
+#ifdef SYS_access
+    case SYS_access:
+    case SYS_unlink:
+        call->descriptor = kNowhere;
+        PutPath(process, 0, call, data);
+        return true;
+#endif
+    case SYS_faccessat:
+    case SYS_unlinkat:
+        call->descriptor = kNowhere;
+        PutPath(process, 1, call, data);
+        return true;
+    case SYS_close:
+    case SYS_fsync: return true;
+    case SYS_fcntl:
+        if (call->arguments[1] == F_SETLKW) {
+            call->data = 2;
+            *data = Bytes(process, call->arguments[2], sizeof(struct flock));
+        }
+        return true;
+    case SYS_read:
+    case SYS_pread64:
+    case SYS_getdents64:
+        call->room = 1;
+        return true;
+    case SYS_write:
+        call->data = 1;
+        *data = Bytes(process, call->arguments[1], call->arguments[2]);
+        return true;
+    case SYS_ioctl: return PutRequest(process, call, data);
+    default: return false;
+    }
+}
+
+/// The end of a file may be asked for by who does not know its length; the floor does.
+bool AsksForEnd(const Call& call)
+{
+    return (call.number == SYS_read || call.number == SYS_pread64 ||
+            call.number == SYS_getdents64) &&
+           call.result == 0;
+}
+
+class Taker {
+public:
+    explicit Taker(pid_t process) : process_(process) {}
+
+    void Entered(const CallInfo& info)
+    {
+        ++run_.calls;
+        call_ = {};
+        call_.number = static_cast<int32_t>(info.entry.nr);
+        call_.descriptor = call_.data = call_.room = kNowhere;
+        call_.pointer = kNowhere;
+        for (int i = 0; i < 4; ++i) call_.arguments[i] = info.entry.args[i];
+        data_.clear();
+        keeps_ = PutArguments(process_, &call_, &data_);
+        // What is before the first setting file is the dynamic linker's; the floor has its own.
+        started_ = started_ || (keeps_ && data_.find("/mnt/mtd/Config") == 0);
+    }
+
+    void Left(const CallInfo& info)
+    {
+        call_.result = static_cast<int32_t>(info.exit.rval);
+        if (!keeps_ || !started_ || AsksForEnd(call_)) return;
+        if (BelongsToLibc()) return;
+
+        ++run_.kept;
+        call_.size = static_cast<uint32_t>(data_.size());
+        run_.replay.append(reinterpret_cast<const char*>(&call_), sizeof(call_));
+        data_.resize(Padded(data_.size()));
+        run_.replay += data_;
+    }
+
+    Run run_;
+
+private:
+    /// The time zone's file, asked for by the first line with a time.
+    bool BelongsToLibc()
+    {
+        if (call_.opens != 0 && data_.find("/etc/localtime") == 0) zone_ = call_.result;
+        if (zone_ < 0) return false;
+        if (call_.opens != 0) return true;
+        if (call_.descriptor != 0 || static_cast<int>(call_.arguments[0]) != zone_) return false;
+        if (call_.number == SYS_close) zone_ = -1;
+        return true;
+    }
+
+    pid_t process_;
+    Call call_{};
+    std::string data_;
+    bool keeps_ = false;
+    bool started_ = false;
+    int zone_ = -1;
+};
+
+long PeakOf(pid_t process)
+{
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    std::string word;
+    while (status >> word) {
+        long value = 0;
+        if (word == "VmHWM:" && status >> value) return value;
+    }
+    return 0;
+}
+
+pid_t StartTraced(const std::vector<std::string>& command)
+{
+    const pid_t child = fork();
+    if (child != 0) return child;
+
+    std::vector<char*> arguments;
+    for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+    const int nowhere = open("/dev/null", O_RDWR);
+    dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+/// What a stop of the program is: the entry of a call, its end, or something else.
+void LookAt(pid_t process, Taker* taker)
+{
+    CallInfo info{};
+    if (ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof(info), &info) <= 0) return;
+
+    if (info.op == PTRACE_SYSCALL_INFO_ENTRY) taker->Entered(info);
+    if (info.op == PTRACE_SYSCALL_INFO_EXIT) taker->Left(info);
+}
+
+}  // namespace
+
+Run Take(const std::vector<std::string>& command)
+{
+    constexpr int kCallStop = SIGTRAP | 0x80;
+    const pid_t child = StartTraced(command);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ptrace(PTRACE_SETOPTIONS, child, nullptr,
+           PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXIT | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK |
+               PTRACE_O_TRACECLONE);
+    Taker taker(child);
+    for (pid_t stopped = child; stopped > 0; stopped = waitpid(-1, &status, __WALL)) {
+        if (WIFEXITED(status) || WIFSIGNALED(status)) {
+            if (stopped == child) break;
+            continue;
+        }
+        const int event = status >> 16;
+        if (stopped == child && WSTOPSIG(status) == kCallStop) LookAt(child, &taker);
+        if (event == PTRACE_EVENT_EXIT && stopped == child) taker.run_.peakKb = PeakOf(child);
+        if (event == PTRACE_EVENT_FORK || event == PTRACE_EVENT_VFORK ||
+            event == PTRACE_EVENT_CLONE) {
+            ++taker.run_.children;
+        }
+        // Only the program's own calls are counted, not those of the shells that it starts.
+        const bool isOwn = stopped == child;
+        ptrace(isOwn ? PTRACE_SYSCALL : PTRACE_CONT, stopped, nullptr, nullptr);
+    }
+    return taker.run_;
+}
+
+}  // namespace record

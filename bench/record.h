@@ -1,0 +1,47 @@
+// The kernel calls of a program, as they were made: taken down by bench/boot, made again by
+// bench/floor.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace record {
+
+/// Places of a call whose value is not the same in another process.
+enum Place : int8_t { kNowhere = -1 };
+
+/// One call, with `size` bytes of data behind it, filled up to a multiple of 8.
+struct Call {
+    int32_t number;
+    int32_t result;        // cut to what a descriptor needs
+    int8_t descriptor;     // which argument is one
+    int8_t data;           // which argument points to the data
+    int8_t room;           // which argument points to where the kernel writes
+    int8_t opens;          // 1: the result is a new descriptor
+    int16_t pointer;       // where the data point to their own second part, or -1
+    int16_t firstPart;     // bytes of the first part
+    uint32_t size;
+    uint64_t arguments[4];  // no call that is kept has more
+};
+static_assert(sizeof(Call) % 8 == 0 && alignof(Call) == 8, "calls and data lie in one array");
+
+constexpr size_t Padded(size_t size)
+{
+    return (size + 7) & ~size_t{7};
+}
+
+/// What a run of a program asked of the kernel.
+struct Run {
+    int calls = 0;         // all of them, from its start
+    std::string replay;    // those that its task is made of, as `Call`s and data
+    int kept = 0;          // number of these
+    int children = 0;      // processes started
+    long peakKb = 0;       // most memory it had
+};
+
+/// Runs a command under trace.
+Run Take(const std::vector<std::string>& command);
+
+}  // namespace record
