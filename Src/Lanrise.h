@@ -127,8 +127,8 @@ VORLIX_API bool CheckNetCardConfig(const char* name);
 VORLIX_API bool CheckEth0Config(void);
 
 /// Gives eth1 to eth31, as far as they are there, their factory triple when their file has no valid
-/// one: the address of their number, one mask and one gateway for all. An MTU that is missing is
-/// saved, valid or not. What cannot be written stays as it was.
+/// one: the address of their number, one mask and one gateway for all. A missing MTU is saved
+/// whether the triple is valid or not. What cannot be written stays as it was.
 /// @return true; false when the factory address itself cannot be parsed, Error
 VORLIX_API bool CheckEthCardConfig(void);
 
