@@ -31,7 +31,8 @@
  * stands behind a ":" in any name. The test whether a card exists looks at neither.
  *
  * Clean C11 and C++17: nothing of the kernel is included. Sizes and offsets are those of a 64-bit
- * little-endian target.
+ * target. On a 32-bit one pointers take 4 bytes, and every slot and record that holds pointers
+ * shrinks with them: same fields, same order, same number of slots. Big-endian targets are refused.
  */
 #ifndef PAL_NET3_H
 #define PAL_NET3_H
