@@ -12,7 +12,7 @@
 //
 // usage: tests/netns/enter.sh build/release/bench/boot LANRISE [ROUNDS [PEERS [TABLE]]]
 //
-// TABLE is a file for the medians of cards, one line a contender, for bench/plot.sh.
+// TABLE is a file for the medians of cards, one line a contender, for bench/plot.
 
 #include "record.h"
 
