@@ -156,6 +156,9 @@ bool Bond_SetHashPolicy(const char* bondName, int lacp)
 bool Bond_GetBondMembers(const char* bondName, char** ethList, int* ethNum)
 {
     if (bondName == nullptr) return false;
+    if (ethList != nullptr && ethNum != nullptr && NameList(ethList, *ethNum).HoldsNull()) {
+        return false;
+    }
     if (Contains(bondName, ".")) {
         if (ethNum != nullptr) *ethNum = 0;
         return false;

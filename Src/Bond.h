@@ -38,7 +38,8 @@ VORLIX_API bool Bond_SetHashPolicy(const char* bondName, int lacp);
 /// Lists the members of a bond in the driver's order; with `ethList` NULL it only tests whether the
 /// bond runs.
 ///
-/// @param ethList  `*ethNum` pointers to 16 bytes each, or NULL
+/// @param ethList  `*ethNum` pointers to 16 bytes each, or NULL; a NULL among them is refused
+///                 silently before anything is done
 /// @param ethNum   capacity on entry, number of members on return; not needed without a list
 /// @return true when the driver's line could be read, even when no member stands in it; a bond
 ///         without members has no line

@@ -132,6 +132,7 @@ bool Bridge_UnBridge(const char* brName, char** ethList, int ethNum)
 bool Bridge_GetBridgeMembers(const char* brName, char** ethList, int* ethNum)
 {
     if (brName == nullptr || ethList == nullptr || ethNum == nullptr) return false;
+    if (NameList(ethList, *ethNum).HoldsNull()) return false;
 
     char path[kTextSize];
     FormPortsPath(brName, path);

@@ -31,7 +31,8 @@ VORLIX_API bool Bridge_UnBridge(const char* brName, char** ethList, int ethNum);
 
 /// Lists the ports of a bridge, in the directory's order.
 ///
-/// @param ethList  `*ethNum` pointers to 16 bytes each
+/// @param ethList  `*ethNum` pointers to 16 bytes each; a NULL among them is refused before
+///                 anything is done
 /// @param ethNum   capacity on entry, number of ports on return
 /// @return true when the bridge could be read, also when it has no ports
 /// @errors  no such bridge: Error

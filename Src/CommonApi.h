@@ -314,7 +314,7 @@ VORLIX_API bool GetBondActiveSlave(const char* bondName, char* ethName, int len)
 
 /// `Bond_GetBondMembers` of a bond whose device exists.
 ///
-/// @param ethList  `*ethNum` pointers to 16 bytes each
+/// @param ethList  `*ethNum` pointers to 16 bytes each; a NULL among them is refused silently
 /// @param ethNum   capacity on entry, number of members on return; 0 also for a name with a ".",
 ///                 which is refused
 VORLIX_API bool GetBondMembers(const char* bondName, char** ethList, int* ethNum);
@@ -408,7 +408,7 @@ VORLIX_API bool UnBridge(const char* brName);
 
 /// `Bridge_GetBridgeMembers` of a bridge that exists.
 ///
-/// @param ethList  `*ethNum` pointers to 16 bytes each
+/// @param ethList  `*ethNum` pointers to 16 bytes each; a NULL among them is refused silently
 /// @param ethNum   capacity on entry, number of members on return
 VORLIX_API bool GetBridgeMenbers(const char* brName, char** ethList, int* ethNum);
 

@@ -404,7 +404,7 @@ VORLIX_API char* NetWorkGetActiveSlaveEx(const char* bonddev, char* buf, int32_t
 
 /// Lists the members of a bond; logs nothing.
 ///
-/// @param slaves  `*num` pointers to 16 bytes each
+/// @param slaves  `*num` pointers to 16 bytes each; a NULL among them gives -1
 /// @param num     capacity on entry, number of members on return; -1 leaves 0 there when the name
 ///                holds a "."
 VORLIX_API int32_t NetGetBondSlaves(const char* bondDev, char** slaves, int32_t* num);

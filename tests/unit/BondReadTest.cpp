@@ -315,6 +315,9 @@ TEST_F(Bond_GetBondMembersTest, NullIsRefusedInSilence)
     Table table;
     int count = 32;
     EXPECT_FALSE(Bond_GetBondMembers(nullptr, table.pointers, &count));
+    table.pointers[1] = nullptr;
+    EXPECT_FALSE(Bond_GetBondMembers(kBond, table.pointers, &count));
+    EXPECT_EQ(table.names[0][0], '#');
     EXPECT_EQ(count, 32);
     EXPECT_EQ(Touched(), Lines{});
     EXPECT_EQ(Log(), LogLines{});

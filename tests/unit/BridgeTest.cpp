@@ -311,6 +311,9 @@ TEST_F(Bridge_GetBridgeMembersTest, NullIsRefusedInSilence)
     EXPECT_FALSE(Bridge_GetBridgeMembers(nullptr, table.pointers, &count));
     EXPECT_FALSE(Bridge_GetBridgeMembers(kBridge, nullptr, &count));
     EXPECT_FALSE(Bridge_GetBridgeMembers(kBridge, table.pointers, nullptr));
+    table.pointers[1] = nullptr;
+    EXPECT_FALSE(Bridge_GetBridgeMembers(kBridge, table.pointers, &count));
+    EXPECT_EQ(table.names[0][0], '#');
     EXPECT_EQ(count, 32);
     EXPECT_EQ(Touched(), Lines{});
     EXPECT_EQ(Log(), LogLines{});
