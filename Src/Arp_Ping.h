@@ -6,7 +6,7 @@
 /// A probe opens its socket, sends three equal packets at once, listens for a budget of whole
 /// seconds and closes the socket. Nothing is kept between calls. The budget follows the wall clock:
 /// it may end up to a second early or late, and grows when the clock is set back. The calling
-/// thread waits meanwhile. Both need the right to open raw sockets (CAP_NET_RAW).
+/// thread waits meanwhile. Both probes need the right to open raw sockets (CAP_NET_RAW).
 
 #include "Types.h"
 

@@ -28,8 +28,8 @@ VORLIX_API bool Bond_HasMember(const char* bondName, const char* ethName);
 /// @source  the first line of `active_slave`
 VORLIX_API bool Bond_GetActiveSlave(const char* bondName, char* ethName, int len);
 
-/// Writes the transmit hash policy. The driver takes it on a bond that is up as well; the bond's
-/// flags are not changed here.
+/// Writes the transmit hash policy. Older drivers take it only while the bond is down, newer ones
+/// also while it is up; the bond's flags are not changed here.
 ///
 /// @param lacp  number of the policy, written as decimal text; a negative one gives false, silently
 /// @errors  no such bond, refused by the driver: Error

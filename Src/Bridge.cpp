@@ -4,6 +4,7 @@
 #include "Network.h"
 #include "Support/Handles.h"
 #include "Support/Log.h"
+#include "Support/NameList.h"
 #include "Support/Text.h"
 
 #include <dirent.h>

@@ -39,8 +39,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 
 #include <arpa/inet.h>
+#include <linux/ethtool.h>
+#include <netinet/in.h>
 
 using namespace vorlix;
 
@@ -48,8 +51,8 @@ using namespace vorlix;
 
 namespace {
 
-constexpr char kAnyIPv4[] =
-    "0.0.0.0";  // default destination and its mask, all peers, all addresses
+// The default destination and its mask, all peers, all addresses.
+constexpr char kAnyIPv4[] = "0.0.0.0";
 constexpr char kAnyIPv6[] = "0:0:0::0";  // default destination, and a prefix length of 0 to `atoi`
 
 constexpr size_t kIPv6TextSize = 48;
@@ -553,7 +556,7 @@ bool AddMacVlan(LinkNames* names, NetMacVlanAttr* attributes)
 
 }  // namespace
 
-// Each request is told of at Error level, not a refused one alone.
+// Each request is told of at Error level, not only a refused one.
 
 bool NetVirtInterAdd(NetVirtInterInfo* pstInterInfo)
 {
@@ -730,7 +733,7 @@ bool NetGetEthWorkMode(const char* name, NetWorkMode* mode)
         return true;
     }
     *mode = netModeMultiple;
-    (void)GetWorkModeByConfig(name, mode);  // fails for NULL alone
+    (void)GetWorkModeByConfig(name, mode);  // fails only for NULL
     return true;
 }
 
@@ -778,7 +781,7 @@ const char* CutPrefix(const char* addr)
     const char* slash = strchr(addr, '/');
     if (slash == nullptr) return nullptr;
 
-    // `const` by its declaration alone: who passes this form gets the text back cut.
+    // `const` only by its declaration: who passes this form gets the text back cut.
     *const_cast<char*>(slash) = '\0';
     return slash + 1;
 }

@@ -256,7 +256,7 @@ VORLIX_API bool NetSetIPv6byName(const char* name, const char* addr, const char*
 ///
 /// @param addr  address text, alone or as address/prefix. The latter must be writable: it is cut at
 ///              the "/" in place
-/// @return result of the kernel; true for a card that has no address, or link-local ones alone,
+/// @return result of the kernel; true for a card that has no address, or only link-local ones,
 ///         which stay
 /// @errors a prefix length above 128: Error, with nothing removed
 VORLIX_API bool NetDelIPAddressIpv6(const char* name, const char* addr);
@@ -271,7 +271,7 @@ VORLIX_API bool NetDelIPAddressIpv6(const char* name, const char* addr);
 VORLIX_API bool NetGetIPv6byName(const char* name, char* addr, int ipLen, char* perfix,
                                  int perFixLen);
 
-/// The same from the kernel alone.
+/// The same, only from the kernel.
 /// @errors it has none: Warn
 VORLIX_API bool NetGetSysIPv6byName(const char* name, char* addr, int ipLen, char* perfix,
                                     int perFixLen);
@@ -505,7 +505,7 @@ VORLIX_API bool GetMacByIPFromARP(const char* ip, char* mac);
 
 // ==== Traffic shaping ====
 //
-// What is applied is told by the shell runner alone: a limit that `tc` refuses is applied and saved
+// What is applied is told only by the shell runner: a limit that `tc` refuses is applied and saved
 // like any other. The saved limits are not put back at a start. Callers keep apart.
 
 /// Sets limits on a card that exists, in the order of the records, and saves each behind those that

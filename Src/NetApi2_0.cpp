@@ -14,8 +14,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 
 #include <arpa/inet.h>
+#include <pthread.h>
 #include <sys/time.h>
 
 /// The whole body of a forward that names its failure: 0, or the message and -1. A macro, so that
@@ -421,8 +423,9 @@ int32_t ListDevices(const char* operation, NetDevice* devices, int32_t capacity,
     }
     int32_t listed = 0;
     for (int32_t i = 0; i < count; ++i) {
-        if (hidden == nullptr || !Equal(cards[i].name, hidden))
+        if (hidden == nullptr || !Equal(cards[i].name, hidden)) {
             Convert(cards[i], devices[listed++]);
+        }
     }
     return listed;
 }

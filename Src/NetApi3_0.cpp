@@ -4,7 +4,8 @@
 //   Control objects: power, routes and static ARP entries, counted
 //   Bridge objects: one bridge each, counted
 //
-// Each chapter has its own helpers directly above its operations.
+// Each chapter has its own helpers directly above its operations. What several chapters need stands
+// in front of them all.
 
 #include "NetApi3_0.h"
 
@@ -20,12 +21,20 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <type_traits>
 
+#include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace vorlix;
+
+// ==== Shared ====
 
 namespace {
 
@@ -454,8 +463,9 @@ int API3_AddIPv4Route(NetInterface* thiz, const char* address, const char* netma
     bool through = false;
     if (ReadCard(card, &own)) {
         Net home{};
-        if (!ParseNet(own.address, own.mask, &home))
+        if (!ParseNet(own.address, own.mask, &home)) {
             return RefuseAddresses(__func__, address, netmask);
+        }
         through = LeadsThroughGateway(card, home, wanted);
     }
     char net[kIPv4TextSize] = {};
@@ -1226,7 +1236,7 @@ int BrGetBridgeDevices(NetBridge* thiz, QV_PAL_NetBrDevice* device, int* num)
     }
     *num = ports.Count();
     for (const char* port : ports.All()) {
-        if (device == nullptr) return -1;  // needed for a port alone: how many there are is told
+        if (device == nullptr) return -1;  // needed only where there is a port
 
         CopyText(device->name, port);
         ++device;
