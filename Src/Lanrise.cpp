@@ -692,8 +692,15 @@ private:
     void Read();
 
     bool read_ = false;
-    uint32_t numbers_ = UINT32_MAX;  // all of them, where the folder cannot be read
+    uint32_t numbers_ = UINT32_MAX;  // all of them, where the folder cannot be read to its end
 };
+
+/// NULL at the end of the folder, with 0 in `errno`, and when it cannot be read on.
+const dirent* NextEntry(DIR* folder)
+{
+    errno = 0;
+    return readdir(folder);
+}
 
 void BridgeFiles::Read()
 {
@@ -702,13 +709,14 @@ void BridgeFiles::Read()
     const Directory folder(opendir(kConfigFolder));
     if (folder == nullptr) return;
 
-    numbers_ = 0;
-    while (const dirent* entry = readdir(folder.get())) {
+    uint32_t found = 0;
+    while (const dirent* entry = NextEntry(folder.get())) {
         if (!StartsWith(entry->d_name, kStart)) continue;
 
         const uint32_t number = NumberFrom(entry->d_name, sizeof(kStart) - 1);
-        if (number < Claims::kSlots) numbers_ |= 1U << number;
+        if (number < Claims::kSlots) found |= 1U << number;
     }
+    if (errno == 0) numbers_ = found;
 }
 
 bool IsBridgeInOrder(const char* bridge, const MemberSlot& slot)

@@ -4,6 +4,8 @@
 
 #include "Lanrise.h"
 
+#include <cerrno>
+
 using namespace fake;
 
 namespace {
@@ -94,6 +96,15 @@ TEST_F(CheckBridgeConfigTest, TheFileOfABridgeThatNobodyClaimsIsRemoved)
     EXPECT_EQ(TraceOf({"remove"}),
               (std::vector<std::string>{"remove /mnt/mtd/Config/networkbr3",
                                         "remove /mnt/mtd/Config/networkbr31"}));
+}
+
+TEST_F(CheckBridgeConfigTest, AFolderThatCannotBeReadToItsEndHidesNoFile)
+{
+    SaveList("br3", "eth0,eth1");
+    List({"eth0", "eth1"});
+    Fail("readdir", EIO);
+    EXPECT_TRUE(CheckBridgeConfig());
+    EXPECT_FALSE(Exists(CardFile("br3")));
 }
 
 TEST_F(CheckBridgeConfigTest, ABridgeOfOneCardIsRemovedAndTheCardStandsAlone)
