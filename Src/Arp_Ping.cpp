@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Chapters of the helpers: packets - probes. The operations follow the header: the two probes
 // first, then their parts.
 

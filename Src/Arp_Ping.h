@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// Two probes on the wire, built by hand on raw sockets: does anybody else on the segment use our

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Contents:
 //   Check sums
 //   RTC and SRAM: one block behind a driver, two devices

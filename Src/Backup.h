@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// The second copy of eth0's address, mask and gateway, in a few bytes that survive a wipe of the

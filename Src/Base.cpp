@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Chapters, of the helpers and then of the operations alike: names - control sockets - what a card
 // is - listings - presence - link - shell.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// The ground of all kernel access: which interfaces exist and what they are, the two control

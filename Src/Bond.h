@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// The kernel's bonding driver: its attribute files below /sys/class/net/<bond>/bonding/, and the

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// Kernel bridges, driven by the tools `brctl`, `ifconfig` and `rstpctl`, a command `bridge`, and

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Contents:
 //   Routes: routes by text or by record, the default card and its route
 //   Virtual links: IPVLAN and MACVLAN links on a card

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Contents:
 //   The module's state, and what several chapters ask
 //   Program: entries, command forms, the order of a boot

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Contents:
 //   Interface objects: forwarders, routes and switches of the device, the registry, the factory
 //   Module: the list of interfaces, the default one, virtual ones

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Chapters of the helpers: one exchange - what all requests share - links - rules and routes. The
 // operations follow the header: the client, attributes, the requests.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// Services that drive the kernel or a tool by themselves: the kernel's IPv4 neighbour table, and

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /// Ports of single addresses, blocked and freed by a TCP and a UDP rule in the firewall chain

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Chapters of the helpers: tables - records - requests - changes. The operations follow the header.
 
 #include "Route.h"

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 /*
  * The kernel changes of a boot and nothing else: each card up, with address, mask and MTU, its net
  * route taken away and put back, one default route. No file, no log, no question.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 2
 # limit: 300
 # How long a boot takes that builds a bond of two cards, beside a shell script with `ip` and beside

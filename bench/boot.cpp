@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // How long a boot takes beside what else could bring the same cards up.
 //
 // In one set of namespaces and in the same rounds, one behind the other: lanrise with its settings

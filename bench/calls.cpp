@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What single operations cost beside the bare calls that nobody can do without.
 //
 // Pairs run interleaved in random order; the table at the end gives medians and ratios.

@@ -1,11 +1,14 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The floor of a boot: makes the kernel calls that a boot is made of, from the list that bench/boot
 // has taken down, and nothing else. It knows no setting, forms no text and decides nothing, so no
 // program that keeps what the boot promises can be faster.
 //
 // usage: floor LIST
 //
-// The exit status is 1 when a call that had succeeded fails, or the other way round: the list is not
-// one of this device then.
+// The exit status is 1 when a call that had succeeded fails, or the other way round: the list is
+// not one of this device then.
 
 #include "record.h"
 

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Fetches the network managers that `boot` is measured against, without installing them: ifupdown and
 # ifupdown-ng exclude each other on one machine. Kept outside the repository and used again.
 #

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #include "record.h"
 
 #include <cstring>
@@ -115,9 +118,7 @@ bool PutArguments(pid_t process, Call* call, std::string* data)
         return true;
     case SYS_read:
     case SYS_pread64:
-    case SYS_getdents64:
-        call->room = 1;
-        return true;
+    case SYS_getdents64: call->room = 1; return true;
     case SYS_write:
         call->data = 1;
         *data = Bytes(process, call->arguments[1], call->arguments[2]);

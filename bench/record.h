@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The kernel calls of a program, as they were made: taken down by bench/boot, made again by
 // bench/floor.
 #pragma once
@@ -15,13 +18,13 @@ enum Place : int8_t { kNowhere = -1 };
 /// One call, with `size` bytes of data behind it, filled up to a multiple of 8.
 struct Call {
     int32_t number;
-    int32_t result;        // cut to what a descriptor needs
-    int8_t descriptor;     // which argument is one
-    int8_t data;           // which argument points to the data
-    int8_t room;           // which argument points to where the kernel writes
-    int8_t opens;          // 1: the result is a new descriptor
-    int16_t pointer;       // where the data point to their own second part, or -1
-    int16_t firstPart;     // bytes of the first part
+    int32_t result;     // cut to what a descriptor needs
+    int8_t descriptor;  // which argument is one
+    int8_t data;        // which argument points to the data
+    int8_t room;        // which argument points to where the kernel writes
+    int8_t opens;       // 1: the result is a new descriptor
+    int16_t pointer;    // where the data point to their own second part, or -1
+    int16_t firstPart;  // bytes of the first part
     uint32_t size;
     uint64_t arguments[4];  // no call that is kept has more
 };
@@ -34,11 +37,11 @@ constexpr size_t Padded(size_t size)
 
 /// What a run of a program asked of the kernel.
 struct Run {
-    int calls = 0;         // all of them, from its start
-    std::string replay;    // those that its task is made of, as `Call`s and data
-    int kept = 0;          // number of these
-    int children = 0;      // processes started
-    long peakKb = 0;       // most memory it had
+    int calls = 0;       // all of them, from its start
+    std::string replay;  // those that its task is made of, as `Call`s and data
+    int kept = 0;        // number of these
+    int children = 0;    // processes started
+    long peakKb = 0;     // most memory it had
 };
 
 /// Runs a command under trace.

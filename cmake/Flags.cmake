@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Compiler and linker settings, as two interface targets: what every target here is checked with,
 # and what the shipped files are built with on top.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # What a target must be, each told in one line before anything is built.
 include(CheckCXXSourceCompiles)
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Debian's g++-12-aarch64-linux-gnu
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)

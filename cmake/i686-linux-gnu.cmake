@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Debian's g++-i686-linux-gnu: 32-bit x86, whose programs an amd64 kernel runs
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR i686)

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # musl for x86-64, with what Debian has of it (musl-tools, g++): musl's headers and libc, the kernel's
 # headers, and of C++ the headers of g++ alone. There is no C++ library for musl here and none is needed:
 # the program and the libraries are linked by the C compiler. A toolchain that was made for musl, such as

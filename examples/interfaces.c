@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 /*
  * Version 3: an object for each interface, and one for a bridge.
  *

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Both generations in one C++17 program: they share one saved state.
 //
 //     mixed                     lists the routes over IPv4 and changes nothing

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 /*
  * Version 2: what the device's network looks like, by functions that take the card's name.
  * Changes nothing, but that an address of eth0 which the backup memory alone has is saved by the

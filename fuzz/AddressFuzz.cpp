@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Texts of addresses and hardware addresses: whatever parses prints as a text that parses to the
 // same, and a change of the kernel is asked for with no other text.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // A backup memory of any content, as a dying battery leaves it: what is given out passed its check
 // sum, and what is stored over it comes back.
 

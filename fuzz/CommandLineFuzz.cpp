@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The program's arguments, of any texts: a form that is refused changes no setting, and what is
 // accepted leaves well-formed files.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What the drivers of bonds and bridges say of themselves in sysfs, of any content.
 
 #include "Fuzz.h"

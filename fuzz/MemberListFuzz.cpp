@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Saved members of bonds and bridges and saved edge ports: any list is read within its buffers, and
 // what is saved over it comes back.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Answers of the routing netlink of any bytes. An answer of somebody else stalls an exchange for
 // good, as designed, since nobody else can reach its socket; so all messages here carry our marks.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Answers to the probes, of any bytes, in buffers of the sizes that the probes receive into.
 
 #include "Fuzz.h"

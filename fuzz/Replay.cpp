@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Goes through kept inputs: each file named, and each file in each folder named.
 
 #include "Fuzz.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The resolver files of any content: only addresses are given out, and a pair that is saved comes
 // back beside the one of the other family.
 

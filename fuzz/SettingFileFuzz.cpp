@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // A setting file of any content: what a write makes of it, and that it reads back.
 
 #include "Fuzz.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // A card's file of bandwidth limits of any content: limits stay within their records, and one that
 // is added is listed behind what was listed before.
 

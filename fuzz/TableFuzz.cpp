@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The kernel's tables under /proc/net, one of them of any content: readers keep to the rows and the
 // columns of their callers.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The typed settings over a file of any content: what is given out is what it says to be, and what
 // is saved over it comes back.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The tests stand in the place of C calls by name (--wrap). On a 32-bit target with 64-bit file offsets and
 # times the C library's headers give some of these calls another name. The tests keep to the plain one: the
 # linker leads the other to it, and the way on to libc has the other behind it.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Shared by the scripts of this folder and the top-level commands: sourced, never run.
 # shellcheck shell=sh
 

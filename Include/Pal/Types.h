@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 /**
  * Types shared by the library and its applications, and what the library asks of its process.
  *

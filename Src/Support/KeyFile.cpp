@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Contents:
 //   Names: the keys, the files of the cards
 //   Locking: a mutex for the threads, a lock on the file for other processes

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Says in the file itself which release it is: `readelf --notes` answers for a program or a library
 // that was found on a device. It is linked into each of them, not into the archive.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // One JSON document. Its names are an interface: they are kept, and new ones join them.
 
 #include "Print.h"

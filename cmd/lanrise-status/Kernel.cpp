@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What the kernel has: three tables over rtnetlink, and what drivers say.
 
 #include "Read.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The backup memory. Which one the device has is decided as the library does; then it is read
 // without anything that its operations do besides: no SRAM file is made in the driver, no record is
 // repaired, no mark is cleared.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What a boot would repair now: its walks over saved bonds, bridges, work modes and addresses, in
 // their order, over a copy of what the files say. Nothing is told of what is written back as it
 // was.

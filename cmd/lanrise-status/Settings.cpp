@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What the setting files say, by the readers of the library itself, which take no lock and write
 // nothing back here.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The table: one row for an interface whose stores agree, one for each store where they do not.
 
 #include "Print.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // lanrise-status: what the kernel, the setting files and the backup memory say about each
 // interface, side by side. It changes nothing.
 

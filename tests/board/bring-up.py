@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+
 """Does what docs/bring-up.md tells a new user, word for word, on an empty virtual board.
 
 usage: tests/board/bring-up.py ARCHITECTURE BUILD_FOLDER

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 2
 # The show of ./demo --board: two cards claimed by a bond whose own list is stale, the boot, and the
 # active link cut. Their peer is a switch, which learns where the bond is.

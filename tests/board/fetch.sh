@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Fetches what a virtual board is made of: Debian's stock kernel with its modules, and the real tools, for
 # one architecture. Nothing is installed. What was fetched is kept outside the repository, by the version
 # of the kernel, and used again.

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Makes the base image of a board: busybox, the real tools ahead of it, their libraries, the modules of the
 # kernel, and the device's own drivers, built for it. What a case brings is put behind it in an archive of
 # its own.

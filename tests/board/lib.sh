@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # What the cases of the board are written with: sourced in the guest.
 # shellcheck shell=sh
 

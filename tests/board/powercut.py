@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+
 """Cuts a board's power while it saves, again and again, and looks at what the next boot makes of it.
 
 usage: tests/board/powercut.py [--cuts N] [--machines N] [--byte N] ARCH BUILD_FOLDER [WORKLOAD...]

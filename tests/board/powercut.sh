@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 4
 # The guest of powercut.py: all that needs no settings comes first; then it does what the host says, one
 # line at a time. A board that was just started pays much for each program, so there are few of them.

@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+
 """Runs one case on a virtual board.
 
 usage: tests/board/run.py ARCH BUILD_FOLDER CASE.sh

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 /*
  * The layout of every record that crosses the library's border, as numbers: applications, drivers
  * and tools were built against them. Compiled as C11 and as C++17; to compile is to pass.

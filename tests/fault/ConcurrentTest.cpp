@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Several programs on the same files at once: the boot program and applications with the library,
 // left alone, and killed at any moment.
 

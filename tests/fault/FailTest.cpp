@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // One call of the program fails, each in its turn and with each error that fits it. The run must
 // still come to an end that is stated, and the next boot must bring the device back.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Ended at once, at every system call that a run makes: the program, or a tool that it has started.
 // What the next boot makes of it must be what some clean boot makes.
 

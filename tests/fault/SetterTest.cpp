@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Whatever call of a setter fails: what was saved before is lost in no other file than
 // the one that the call was about, and the next boot, which finds nothing wrong any more, reaches a
 // state in which a boot after it changes nothing.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // lanrise-status changes nothing: every system call that it makes is one that only looks, whatever
 // it is asked for, and any of them may fail.
 

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Tries every point of the fault ring, where the ordinary run takes a sample.
 #
 #     tests/fault/sweep.sh [KillTest|FailTest|ConcurrentTest]...

@@ -1,4 +1,7 @@
 #!/bin/bash
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # What bash offers behind `lanrise`, on a device of its own with two cards.
 if [ -z "${VORLIX_NETNS-}" ]; then
     exec "$(dirname "$0")/../netns/enter.sh" "$0" "$@"

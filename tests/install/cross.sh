@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The packages for other machines, built on this one.
 # shellcheck source=tests/install/lib.sh
 . "$(dirname "$0")/lib.sh"

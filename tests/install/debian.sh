@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The Debian packages: what they ask for and what lintian says of them; and in a clean root that holds
 # just that, how they install and replace those of an older release, how the examples run that were
 # built with them, how they start the device, and what they leave behind.

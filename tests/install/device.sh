@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The examples on a device of its own: two cards with a machine behind the first. Runs inside network
 # and mount namespaces of its own (tests/netns/enter.sh), here or in a root of its own.
 #

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The examples build against what was installed, each way that an application may choose, and work on
 # real cards.
 # shellcheck source=tests/install/lib.sh

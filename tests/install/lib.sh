@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Shared by the scripts of this folder: sourced with the build folder as the only argument.
 # shellcheck shell=sh
 # shellcheck disable=SC2034  # what the others use

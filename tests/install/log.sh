@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The log is kept with its levels: what stands beside unit and init script, tried by each shell, and in front
 # of the journal and of BusyBox's syslogd, both real and with nobody else's messages.
 # shellcheck disable=SC2016  # what stands in single quotes is for the shells inside

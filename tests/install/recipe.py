@@ -1,4 +1,7 @@
 #!/usr/bin/env python3
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+
 """Reads Yocto recipes by the rules of bitbake's files, without bitbake: every logical line is a comment, an
 inherit or an assignment of a quoted text, every ${@...} is one Python expression, and every variable that
 is not the recipe's own is one that Yocto or bitbake defines.

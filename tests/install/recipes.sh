@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The recipes for Buildroot and Yocto, as far as they can be tried without them: what they say of the
 # release is true, and Buildroot's options build and install what the package here does.
 # shellcheck source=tests/install/lib.sh

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # What cannot be built says so in one line, before anything is compiled.
 # shellcheck disable=SC2317  # functions that are called by name
 # shellcheck source=tests/install/lib.sh

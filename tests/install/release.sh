@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The source tarball of a release: the same bytes each time, all that the commit holds, and a tree that builds
 # and packs without git.
 # shellcheck source=tests/install/lib.sh

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # A clean Debian root: the essential packages, and what the given packages depend on and recommend,
 # fetched and unpacked but not installed. Kept outside the repository and used again as long as the list stays the same.
 #

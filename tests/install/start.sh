@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # What starts lanrise at boot: the init script on a device of its own, the unit as systemd reads it.
 if [ -z "${VORLIX_NETNS-}" ]; then
     exec "$(dirname "$0")/../netns/enter.sh" "$0" "$@"

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # What a packager chooses: a plain build that knows no preset, without GoogleTest, and either library.
 # shellcheck source=tests/install/lib.sh
 . "$(dirname "$0")/lib.sh"

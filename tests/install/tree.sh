@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Installs into a folder: exactly the files of tree.list, each naming the place where it is to lie.
 # shellcheck source=tests/install/lib.sh
 . "$(dirname "$0")/lib.sh"

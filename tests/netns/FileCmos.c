@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 // A board's CMOS for the tests: 12 bytes for the network at offset 16 of a file, which outlives the
 // program as the chip does.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Version 3 objects on real cards: what a caller does through them, read back with other tools.
 
 #include "Net3.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // A device in use: eight threads of one application on both generations of the interface, all at
 // once on the same cards and the same setting files, and the boot program beside them.
 //

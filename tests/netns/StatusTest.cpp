@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // lanrise-status on the real kernel: what it shows of a device, before and after a boot, and what
 // it does when it cannot look.
 

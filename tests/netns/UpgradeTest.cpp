@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Devices whose files come from older releases and from hand edits, as tests/golden keeps them.
 
 #include "Program.h"

@@ -1,4 +1,7 @@
 #!/bin/bash
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Whether another build of lanrise leaves the same device: state, files and log, line for line. Tried with
 # the devices of tests/golden and with that of ./demo, in all command forms.
 #

@@ -1,4 +1,7 @@
 #!/bin/bash
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The device of ./demo, as lanrise-status shows it: each thing that is wrong before the boot, and none after.
 #
 # usage: tests/netns/demo.sh LANRISE LANRISE_STATUS

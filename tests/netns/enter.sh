@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Runs a command as if on a device of its own: fresh network and mount namespaces with the loopback
 # up, an empty settings folder in memory under /mnt, and a /sys that shows the new interfaces.
 # Nothing done inside reaches the machine, and all of it is gone when the last process inside ends.

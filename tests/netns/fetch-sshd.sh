@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Fetches Debian's SSH server for the test of remote login, with what it needs and the machine lacks.
 # Nothing is installed, so that no daemon is started on the machine; root is not needed. What was
 # fetched is kept outside the repository and used again.

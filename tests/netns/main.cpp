@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The tests run on the real kernel, in network and mount namespaces of their own: the program
 // starts itself again through enter.sh unless it is inside already or only lists its tests.
 

@@ -1,4 +1,7 @@
 #!/bin/bash
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The errors of a healthy boot are those that docs/troubleshooting.md shows, in their order: 16 without
 # backup memory, and one with it.
 #

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The check whether anybody else uses a card's addresses.
 
 #include "Arp_Ping.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Listings of one kind of interface, and the listing with counters.
 
 #include "Base.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Words in lists kept as text, and the existence of the interfaces of a list.
 
 #include "Base.h"

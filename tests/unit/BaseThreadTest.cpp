@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What threads share in discovery: the control sockets and the names once found. Run under the
 // thread sanitizer too.
 

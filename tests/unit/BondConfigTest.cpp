@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The saved settings of a bond: mode, hash policy, primary member.
 
 #include "Config.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Bonds: building one, changing its primary, ending it.
 
 #include "BondManagementWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What a bond tells of itself, and its hash policy.
 
 #include "BondManagementWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // How a bond is changed: the driver's attributes, and the cards that come and go.
 
 #include "Bond.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The limits of what a boot keeps in tables and fields, each at its place of use: one below, at and
 // one above.
 

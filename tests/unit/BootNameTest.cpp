@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What a boot makes of interfaces by their names, and of bonds, bridges and routes that run
 // already.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The order of what a boot does and says, pieces of the timeline whole: a settings file that is
 // read before another one is written, a line of the log before the change that it tells of.
 

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The program as its caller meets it: migration of old files, the common start, the command forms.
 
 #include "LanriseWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The saved settings of bridges, in the file that they share: edge ports, spanning tree, letter and
 // ports.
 

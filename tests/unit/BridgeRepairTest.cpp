@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The boot's repair of saved bridges: the cards' claims against the bridges' lists.
 
 #include "LanriseWorld.h"

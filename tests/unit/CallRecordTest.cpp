@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What operations hand to the system's calls, to the last flag: the whole timeline of each.
 
 #include "Steps.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What a card is for: the default card, its work mode, and the old kind of bond files.
 
 #include "Config.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // A walk over many cards: the same answers as the single questions, from files read once.
 
 #include "Base.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The saved settings of a card: what is true of all of them, its flags and its names.
 
 #include "Config.h"

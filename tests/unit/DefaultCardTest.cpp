@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The default card: how it is found and changed, and its route put back.
 
 #include "DefaultRouteWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What a boot settles for the whole device: the default card and the resolvers.
 
 #include "LanriseWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The default routes of both families, replaced and deleted.
 
 #include "DefaultRouteWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The boot's repair of eth0: the check of the backup memory, what makes a saved triple valid, and
 // which of file and backup wins.
 

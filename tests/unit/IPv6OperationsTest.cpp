@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The IPv6 address and gateway of one card: the kernel first, its setting file second.
 
 #include "CommonApi.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Reading one key, and the saved switch modes.
 
 #include "Support/KeyFile.h"

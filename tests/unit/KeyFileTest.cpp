@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Where setting files lie, how they are guarded, made, removed and listed.
 
 #include "Support/KeyFile.h"

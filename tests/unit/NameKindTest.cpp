@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Kinds of interfaces are told by a word in the name: at its start, in its middle, at its end, with
 // a point, with a colon, beside a second word. A new kind or form is one row.
 

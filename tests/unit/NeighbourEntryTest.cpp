@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Static entries of the kernel's neighbour table: setting, deleting and listing them.
 
 #include "Other.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The two lookups in the kernel's neighbour table: an address by its hardware address, and the
 // other way round.
 

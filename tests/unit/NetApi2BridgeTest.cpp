@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Version 2: the cards of a bridge as a bit mask.
 
 #include "NetApi2_0.h"

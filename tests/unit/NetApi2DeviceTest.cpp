@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Version 2: the device's cards, their counters and their use.
 
 #include "NetApi2_0.h"

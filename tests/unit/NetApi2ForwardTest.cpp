@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Version 2 functions that test sizes, call one operation below and translate its result.
 
 #include "NetApi2_0.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Version 2: every pointer may be NULL and every number absurd, through all layers below.
 
 #include "NetApi2_0.h"

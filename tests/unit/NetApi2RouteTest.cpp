@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Version 2: the route to a card's own network, and the style of routing.
 
 #include "NetApi2_0.h"

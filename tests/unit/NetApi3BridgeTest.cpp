@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Bridge objects: the bridge that comes and goes with them, and its ports.
 
 #include "NetApi3_0.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Control objects: their count, and what they hand on and list.
 
 #include "NetApi3_0.h"

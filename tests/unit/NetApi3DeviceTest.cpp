@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Switches of the whole device behind an interface object: two files for outside readers.
 
 #include "NetApi3_0.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Interface objects above the untouched layers: what each failure on the way down leaves behind.
 
 #include "NetApi3_0.h"

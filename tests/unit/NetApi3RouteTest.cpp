@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Routes of an interface object: what is asked of the operations below, by what the card is.
 
 #include "NetApi3_0.h"

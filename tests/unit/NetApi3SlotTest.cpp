@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The slots of an interface object that hand a call on: what they ask, and what their caller gets.
 
 #include "NetApi3_0.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What changes the IPv6 addresses of an interface, and what is asked before.
 
 #include "Network6.h"

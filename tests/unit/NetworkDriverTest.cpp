@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What the driver of a card is asked: medium, speed, link, link modes; and the counters.
 
 #include "Network.h"

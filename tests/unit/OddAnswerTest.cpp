@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Answers that a kernel may give and rarely does: descriptor 0, a result above 0, half a datagram,
 // a disk that takes a part, a file that grows while it is read, a table that changes between two
 // readings. The whole ring runs with the first two as well (VORLIX_ODD_ANSWERS).

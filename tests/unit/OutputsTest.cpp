@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What a failure of the kernel access leaves of the caller's outputs: all of it.
 
 #include "Base.h"

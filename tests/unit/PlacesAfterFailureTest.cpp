@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Both generations: what stands behind the pointers to results after a failure. Each row names an
 // operation, what makes it fail, and what it leaves there; all that a row does not name must be as
 // it was, byte for byte.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The power supply of the ports: its requests, and the operations that pass them on.
 
 #include "CommonApi.h"

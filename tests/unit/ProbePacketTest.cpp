@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The packets of the probes: how they are written, and how what comes back is judged.
 
 #include "Arp_Ping.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Two refusals at once, in every pair: the one that is stated first is told, and nothing behind it
 // is done, asked or said. An operation's refusals stand in their order; what it does and says when
 // two of them hold must be the same as when only the first does.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Adding and deleting routes, one by one and many at once.
 
 #include "CommonApi.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Cards brought up and routes rebuilt at the end of a boot and of the address form.
 
 #include "LanriseWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Routes by record: listing a table, adding and deleting.
 
 #include "CommonApi.h"

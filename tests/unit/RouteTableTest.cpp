@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Reading the kernel's two route tables, and what is told from them.
 
 #include "Route.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // A second question with another answer, and what the first one left behind.
 
 #include "LanriseWorld.h"

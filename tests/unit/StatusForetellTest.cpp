@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // What lanrise-status says that the next boot repairs, against what the boot then does.
 
 #include "StatusWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The backup memory as lanrise-status reads it: found as the library finds it, and never changed.
 
 #include "StatusWorld.h"

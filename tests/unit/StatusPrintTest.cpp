@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The faces of lanrise-status: what stands where, on which screen, with which letters.
 
 #include "StatusWorld.h"

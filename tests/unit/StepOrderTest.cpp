@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The order of an operation's steps with what it says between them.
 
 #include "InterfaceWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The switch chip's driver: what each request carries, byte by byte, and what comes back.
 
 #include "Switch.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The boot's repair of saved bonds and bridges, over enumerated topologies. What the files say
 // after a boot is foretold by a second opinion. Every file is compared byte by byte, then the unit
 // boots once more. Where all combinations are too many, the rows behind them (lists, modes) wander

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The boot's repair of what is saved about bonds and bridges, and the members that run.
 
 #include "LanriseWorld.h"

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // Whole boots, from the files that a device may find to the network that it makes of them.
 
 #include "LanriseWorld.h"

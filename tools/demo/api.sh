@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # ./demo --api: an application on the device of ./demo. An example is built against the library as it is
 # installed, and reads and changes the network through it. Sourced by ./demo, never run.
 # shellcheck shell=bash

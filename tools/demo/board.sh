@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The virtual board of ./demo --board, as tests/board/demo.sh shows it from inside. Sourced by
 # ./demo, never run.
 # shellcheck shell=bash

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The device of ./demo, inside network and mount namespaces of its own: what is plugged in, and what ten
 # years have made of its settings. Sourced, never run; `config` is the folder of settings.
 # shellcheck shell=bash

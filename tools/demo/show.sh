@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # What ./demo shows on its device. Sourced by ./demo, never run.
 # shellcheck shell=bash
 

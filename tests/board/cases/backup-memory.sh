@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 1
 # The first card's address outlives the loss of its settings, in the memory of an RTC chip and in one behind
 # a file; a damaged or refusing memory; the mark of a reset.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 3
 # Bonds that spread over all cards: two and three of them against a bond of the same mode.
 

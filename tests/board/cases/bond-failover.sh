@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 2
 # Bonds that send over one card at a time: built, the active link cut, torn down.
 # Their peer is a switch, which learns where the bond is.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 2
 # What is changed of a bond that runs or stands: primary, hash policy, MTU, a VLAN on it; and what is refused.
 

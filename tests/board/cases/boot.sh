@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 6
 # The whole boot from settings that contradict each other: bonds and bridges told twice and differently, a
 # card claimed by both, a file of an old release, a stale route. Then a second boot.

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 1
 # Virtual links on a card: IPVLAN in each of its modes with traffic through it, and a MACVLAN.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 1
 # The power supply of the ports: its state, ports fed and cut off, and what it refuses.
 

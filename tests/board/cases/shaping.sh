@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 2
 # Limits on what is sent to single peers, with all their parts in the kernel, and a file that takes its time.
 

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 2
 # lanrise-status on a board with a bond: before the boot, after it, and when a link is cut.
 # shellcheck shell=sh

@@ -1,3 +1,6 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # wires: 1
 # The switch chip behind an interface: its ports, what a driver refuses, and a card that is no switch.
 

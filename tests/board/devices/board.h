@@ -1,4 +1,5 @@
-/* SPDX-License-Identifier: GPL-2.0 */
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: GPL-2.0-only */
 /* The device's own hardware, simulated for the tests of the virtual board. */
 #ifndef _BOARD_H
 #define _BOARD_H

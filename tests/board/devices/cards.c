@@ -1,4 +1,5 @@
-// SPDX-License-Identifier: GPL-2.0
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: GPL-2.0-only
 /*
  * Two cards that are known by the names of their drivers: the interface that a
  * switch chip stands behind, and the internal virtual card. Neither has a wire;

@@ -1,4 +1,5 @@
-// SPDX-License-Identifier: GPL-2.0
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: GPL-2.0-only
 /* What is put in and taken out: each device only when its parameter asks. */
 #include <linux/kernel.h>
 #include <linux/module.h>

@@ -1,4 +1,5 @@
-// SPDX-License-Identifier: GPL-2.0
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: GPL-2.0-only
 /*
  * /dev/pdcRtc and /dev/pdcSramFile: memory that outlives a wipe of the flash.
  * Programs reach it through requests; the tests read and write the nodes as

@@ -1,4 +1,5 @@
-// SPDX-License-Identifier: GPL-2.0
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: GPL-2.0-only
 /*
  * /dev/qv_poe: the power supply of the ports. A port that is fed draws 70 and
  * its number; all numbers of the record are different, so that a field in the

@@ -1,4 +1,5 @@
-// SPDX-License-Identifier: GPL-2.0
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: GPL-2.0-only
 /*
  * A NOR flash and the memory of a battery, both in a file of the host that
  * QEMU shows as BAR 2 of an ivshmem-plain device, so that they outlive the

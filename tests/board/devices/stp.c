@@ -1,4 +1,5 @@
-// SPDX-License-Identifier: GPL-2.0
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: GPL-2.0-only
 /* /proc/stp_ctrl: the last word written to it is read back. */
 #include <linux/module.h>
 #include <linux/proc_fs.h>

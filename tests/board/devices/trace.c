@@ -1,4 +1,5 @@
-// SPDX-License-Identifier: GPL-2.0
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: GPL-2.0-only
 /*
  * /proc/board_trace: the requests in order, one a line; writing anything
  * forgets them. A request that was refused by order has " refused" behind it.

@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 /* Asks the library's CMOS operations who answers for the board, from outside and from inside.
  * Ends with 0 when it is always the one named: "provider" or "stand-in". */
 

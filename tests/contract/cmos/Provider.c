@@ -1,3 +1,6 @@
+/* SPDX-FileCopyrightText: 2026 the Vorlix network layer authors */
+/* SPDX-License-Identifier: MIT */
+
 /* A board's CMOS: 32 bytes, of which the network has 10 to 21. Like a real board, it defines the
  * three operations that the library calls and leaves the alternative entries alone. */
 

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # The examples on a device of their own, as applications that have functions of the library's names.
 #
 # usage: run.sh NM FOLDER_OF_THE_EXAMPLES

@@ -1,4 +1,7 @@
 #!/bin/sh
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+#
 # Writes an application's own functions: one for each name that libvorlix.so exports, but for those that
 # the application's object file asks the library for, and the board's CMOS, which is there to be replaced.
 # Each ends the process.

@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // Answers that a kernel may give and rarely does. The variable VORLIX_ODD_ANSWERS turns one kind on

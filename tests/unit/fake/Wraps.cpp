@@ -1,3 +1,6 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
 // The C calls as the product meets them in a unit test. The linker sends each call of the list in
 // Wraps.txt here; what is not modelled goes on to libc.
 

@@ -1,9 +1,12 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+
 SUMMARY = "Network layer of an embedded recorder or camera"
 DESCRIPTION = "lanrise brings the network up at boot from its saved settings; libvorlix is what the \
 device's application calls."
 SECTION = "net"
 LICENSE = "MIT"
-LIC_FILES_CHKSUM = "file://LICENSE;md5=f3d101a910897707a007a1bff1cc228e"
+LIC_FILES_CHKSUM = "file://LICENSE;md5=d42ed79673f7180342fb0ce78a34d80e"
 
 # The sources are those that this layer lies in.
 inherit externalsrc
