@@ -377,7 +377,7 @@ bool ChangeFlags(const char* operation, const char* name, const char* verb, unsi
 struct Command {
     char text[256];
 
-    Command(const char* format, va_list arguments)
+    __attribute__((format(printf, 2, 0))) Command(const char* format, va_list arguments)
     {
         vsnprintf(text, sizeof(text), format, arguments);
     }

@@ -173,7 +173,8 @@ bool Switch_GetMacByPort(const char* name, int port, char* mac)
     SwitchToolInfo info{};
     info.u8PortIndex = static_cast<uint8_t>(port);
     if (!AskSwitch(kGetMacByPort, name, &info)) {
-        LOG_ERROR("Get mac for port %d failed.", static_cast<int>(port + 1U));
+        const auto countedFromOne = static_cast<unsigned>(port) + 1;  // any number may come in
+        LOG_ERROR("Get mac for port %d failed.", static_cast<int>(countedFromOne));
         return false;
     }
     memcpy(mac, info.u8MacAddr, sizeof(info.u8MacAddr));
