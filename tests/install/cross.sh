@@ -2,7 +2,7 @@
 # SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
 # SPDX-License-Identifier: MIT
 #
-# The packages for other machines, built on this one.
+# The packages for other machines, built on this one: 64-bit and 32-bit ARM.
 # shellcheck source=tests/install/lib.sh
 . "$(dirname "$0")/lib.sh"
 
@@ -34,4 +34,5 @@ builds()
 }
 
 builds arm64 aarch64-linux-gnu AArch64
+builds armhf arm-linux-gnueabihf ARM
 exit "$failed"
