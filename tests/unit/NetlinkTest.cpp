@@ -107,6 +107,7 @@ TEST_F(RtnlOpenTest, TheTimeIsTakenOnceTheAddressIsKnown)
 
 TEST_F(RtnlOpenTest, DescriptorZeroIsNeitherBoundNorAsked)
 {
+    AnswerOddly(Odd::nothing);
     {
         const OwnCalls making;
         close(STDIN_FILENO);  // the next descriptor is this one

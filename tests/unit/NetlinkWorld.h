@@ -5,6 +5,7 @@
 
 // A card and a clock for the tests of rtnetlink, and messages written by hand, byte by byte.
 
+#include "fake/Odd.h"
 #include "fake/Rtnetlink.h"
 #include "fake/World.h"
 

@@ -5,6 +5,7 @@
 
 // A card with an address, and frames as they stand on the wire: for the tests of the probes.
 
+#include "fake/Odd.h"
 #include "fake/World.h"
 
 #include <net/if.h>
@@ -115,9 +116,7 @@ protected:
         fake::Card& card = fake::kernel.Add("eth0");
         card.address = kOurIP;
         card.mac = kOurMac;
-        const fake::OwnCalls looking;
-        socketNumber = dup(STDIN_FILENO);
-        close(socketNumber);
+        socketNumber = fake::NextSocket(AF_INET);
     }
 
     /// What is logged of a wait in vain.

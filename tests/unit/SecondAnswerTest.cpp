@@ -40,6 +40,9 @@ bool __wrap_GetWorkModeByConfig(const char* name, NetWorkMode* mode)
 
 namespace {
 
+/// The internal bridge is looked for once the saved ones are built, before the second listing.
+constexpr char kBehindTheBridges[] = "stat /sys/class/net/nbp0";
+
 class SecondAnswerTest : public World {};
 
 TEST_F(SecondAnswerTest, EachCardsWorkModeIsItsOwn)
@@ -78,7 +81,7 @@ TEST_F(SecondAnswerTest, TheSwitchInterfaceIsKnownInTheSecondListingToo)
     kernel.Add("eth1").driver = "sim Switch drv";
     Put("/mnt/mtd/Config/poeMode.conf", "eth1 = 1\n");
     Put(CardFile("eth0"), "DEFAULT_ETH = eth1\n");
-    OnCall("opendir /mnt/mtd/Config", [] {
+    OnCall(kBehindTheBridges, [] {
         // A bond has come between the two cards: the switch interface is now beyond the first
         // count.
         Card bond;
@@ -105,7 +108,7 @@ protected:
         kernel.Add("eth0");
         kernel.Add("eth1").driver = "sim Switch drv";
         for (const char* card : {"eth0", "eth1"}) Put(CardFile(card), "");
-        OnCall("opendir /mnt/mtd/Config", [meanwhile] {
+        OnCall(kBehindTheBridges, [meanwhile] {
             FailAll("open /proc/net/dev", EIO);
             if (meanwhile) meanwhile();
         });

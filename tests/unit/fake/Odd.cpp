@@ -15,6 +15,7 @@
 #include <string>
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,14 +65,25 @@ void FreeLowDescriptors()
     if (kind == Odd::descriptors || kind == Odd::files) __real_close(0);
 }
 
-int Numbered(int socket)
+int Numbered(int socket, int family)
 {
     constexpr int kLowest = 100;
-    if (socket < 0 || OddAnswers() != Odd::files) return socket;
+    const Odd kind = OddAnswers();
+    // What is made of a routing socket on 0 is stated, and tested by itself.
+    const bool up = kind == Odd::files || (kind == Odd::descriptors && family == AF_NETLINK);
+    if (socket < 0 || !up) return socket;
 
     const int moved = __real_fcntl(socket, F_DUPFD, kLowest);
     __real_close(socket);
     return moved;
+}
+
+int NextSocket(int family)
+{
+    const OwnCalls looking;
+    const int number = Numbered(__real_fcntl(STDOUT_FILENO, F_DUPFD, 0), family);
+    __real_close(number);
+    return number;
 }
 
 bool GoesOn(int fd, off_t offset)

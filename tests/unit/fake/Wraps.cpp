@@ -550,7 +550,7 @@ int __wrap_socket(int family, int type, int protocol)
     const std::string call = "socket " + FamilyText(family);
     if (!Note(call, " " + TypeText(type) + " " + std::to_string(protocol))) return -1;
     // A descriptor with nothing behind it: all requests go to the model.
-    const int fd = Numbered(__real_open("/dev/null", O_RDWR));
+    const int fd = Numbered(__real_open("/dev/null", O_RDWR), family);
     Opened(fd, call + " " + std::to_string(type) + " " + std::to_string(protocol), family);
     return fd;
 }
