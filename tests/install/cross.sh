@@ -20,7 +20,9 @@ builds()
     main=$(find "$cross" -name '*.deb' ! -name '*-dbgsym_*' | sort)
     # shellcheck disable=SC2086  # a list of files
     relations_of $main >"$cross/relations"
-    succeeds "$1: relations of the packages" diff -u "$here/debian.list" "$cross/relations"
+    # The reference is the same for all, and made for none but the machine's own.
+    awk 'BEGIN { RS = ""; ORS = "\n\n" } !/^Package: libvorlix-doc/' "$here/debian.list" >"$cross/debian.list"
+    succeeds "$1: relations of the packages" diff -u "$cross/debian.list" "$cross/relations"
     for package in $main; do
         is "$1: architecture of $(basename "$package")" "$(dpkg-deb -f "$package" Architecture)" "$1"
         dpkg-deb -x "$package" "$cross/root"

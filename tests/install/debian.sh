@@ -55,11 +55,13 @@ units() { (cd "$root/etc/systemd/system" && find . -name lanrise.service); }
 # stands NAME VERSION: the packages of that version, and the start that they enable
 stands()
 {
+    reference=
+    [ "$2" != "$version" ] || reference=",libvorlix-doc $2 install ok installed"
     # shellcheck disable=SC2016  # dpkg's variables
     is "$1: state of the packages" \
         "$(inside dpkg-query -W -f '${Package} ${Version} ${Status}\n' 'l*' |
             grep ' installed$' | grep -v dbgsym | sort | paste -sd ,)" \
-        "lanrise $2 install ok installed,libvorlix-dev $2 install ok installed,$library $2 install ok installed"
+        "lanrise $2 install ok installed,libvorlix-dev $2 install ok installed$reference,$library $2 install ok installed"
     is "$1: files that differ from the packages" "$(inside dpkg --verify)" ''
     is "$1: links of the init script" "$(cd "$root/etc" && echo rc*.d/*lanrise)" rcS.d/S01lanrise
     is "$1: settings" "$(ls "$root/mnt/mtd/Config")" ''
@@ -78,6 +80,8 @@ try_packages()
     for page in 3/vorlix.3 5/lanrise.5 8/lanrise.8 8/lanrise-status.8; do
         succeeds "page $page" gzip -t "$root/usr/share/man/man$page.gz"
     done
+    holds 'first page of the reference' "$root/usr/share/doc/libvorlix-doc/html/index.html" 'Rules of results'
+    [ -e "$root/usr/share/doc/libvorlix-doc/html/search/search.js" ] || is 'search of the reference' gone there
     [ -x "$root/etc/init.d/lanrise" ] || is 'mode of the init script' 'not executable' executable
 
     for example in interfaces status mixed; do
@@ -98,7 +102,7 @@ try_packages()
     nothing_left 'the removal'
 }
 
-purge() { succeeds 'removal' inside dpkg --purge lanrise lanrise-dbgsym libvorlix-dev "$library" "$library-dbgsym"; }
+purge() { succeeds 'removal' inside dpkg --purge lanrise lanrise-dbgsym libvorlix-dev libvorlix-doc "$library" "$library-dbgsym"; }
 
 nothing_left()
 {
@@ -161,7 +165,7 @@ older_package()
     succeeds "$1 of the older release" dpkg-deb --root-owner-group -b "$there" "$older"
 }
 
-for tool in dpkg-buildpackage dh; do
+for tool in dpkg-buildpackage dh doxygen; do
     command -v $tool >/dev/null || skip "$tool is not installed"
 done
 rm -rf "$debian"
@@ -193,7 +197,7 @@ is 'symbols that have no release' \
     "$(($(grep -c '^[A-Za-z]' "$top/packaging/exports.list") + 1))"
 is 'files of the packages' \
     "$(cd "$debian/sysroot" && find usr/share/doc -name copyright -o -name changelog.gz -o -name 'README.Debian*' -o -name ifenslave | sort | paste -sd ' ')" \
-    "usr/share/doc/lanrise/README.Debian usr/share/doc/lanrise/changelog.gz usr/share/doc/lanrise/copyright usr/share/doc/lanrise/examples/ifenslave usr/share/doc/libvorlix-dev/changelog.gz usr/share/doc/libvorlix-dev/copyright usr/share/doc/$library/changelog.gz usr/share/doc/$library/copyright"
+    "usr/share/doc/lanrise/README.Debian usr/share/doc/lanrise/changelog.gz usr/share/doc/lanrise/copyright usr/share/doc/lanrise/examples/ifenslave usr/share/doc/libvorlix-dev/changelog.gz usr/share/doc/libvorlix-dev/copyright usr/share/doc/libvorlix-doc/changelog.gz usr/share/doc/libvorlix-doc/copyright usr/share/doc/$library/changelog.gz usr/share/doc/$library/copyright"
 
 [ "$(id -u)" = 0 ] || skip 'a root to install into needs root; the packages themselves were looked at'
 # shellcheck disable=SC2086
