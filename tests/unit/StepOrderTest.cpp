@@ -6,6 +6,7 @@
 #include "InterfaceWorld.h"
 #include "Steps.h"
 
+#include "Bridge.h"
 #include "CommonApi.h"
 #include "Network.h"
 #include "Network6.h"
@@ -81,6 +82,18 @@ TEST_F(StepOrderTest, AnInterfaceOfIndexZeroIsOne)
     EXPECT_TRUE(Net6_SetIPv6byName("eth0", "2001:db8::2", "64"));
     EXPECT_EQ(TimelineOf({"ioctl SIOCSIFADDR"}),
               Texts{"ioctl SIOCSIFADDR 2001:db8::2/64 index 0 on AF_INET6"});
+}
+
+TEST_F(StepOrderTest, TheCommandsOfALongBridgeNameAreCutAt255Characters)
+{
+    const std::string bridge = "br" + std::string(238, '0');
+    Members cards({"eth0"});
+    (void)Bridge_Bridge(bridge.c_str(), cards.Get(), 1);
+    const std::string whole = "ifconfig " + bridge + " hw ether " + kernel.At("eth0").mac;
+    ASSERT_GT(whole.size(), 255U);
+    ASSERT_GE(Commands().size(), 3U);
+    EXPECT_EQ(Commands()[2], whole.substr(0, 255));
+    EXPECT_EQ(LogOf("Bridge_Bridge")[2].text, whole.substr(0, 255) + "\n");
 }
 
 }  // namespace
