@@ -447,8 +447,8 @@ VORLIX_API bool BridgeUpdateBrIDByConfig(const char* brName);
 
 // ==== Interface list and MTU ====
 
-/// Sets the MTU of a card or bond in the kernel and then saves it. Cards go down and up for it, so
-/// the default card and its route are set again afterwards.
+/// Sets the MTU of a card or bond in the kernel and then saves it. A card whose driver refuses it
+/// goes down and up for a second try, so the default card and its route are set again afterwards.
 ///
 /// A name that holds "bond" goes to `SetMtubyBondName`, and what was asked for is saved: above 7200
 /// that is not what the bond has, and for a bond that does not run, or a name such as "bond0.5",

@@ -681,6 +681,8 @@ void ClaimBridge(const char* card, Claims* claims)
     if (number < Claims::kSlots) claims->Add(number, card);
 }
 
+constexpr char kBridgeFileStart[] = "networkbr";
+
 /// Which bridges may have a setting file: one pass over the folder at the first question, in the
 /// place of a question for each of 32 names.
 class BridgeFiles {
@@ -707,16 +709,15 @@ const dirent* NextEntry(DIR* folder)
 
 void BridgeFiles::Read()
 {
-    constexpr char kStart[] = "networkbr";
     read_ = true;
     const Directory folder(opendir(kConfigFolder));
     if (folder == nullptr) return;
 
     uint32_t found = 0;
     while (const dirent* entry = NextEntry(folder.get())) {
-        if (!StartsWith(entry->d_name, kStart)) continue;
+        if (!StartsWith(entry->d_name, kBridgeFileStart)) continue;
 
-        const uint32_t number = NumberFrom(entry->d_name, sizeof(kStart) - 1);
+        const uint32_t number = NumberFrom(entry->d_name, sizeof(kBridgeFileStart) - 1);
         if (number < Claims::kSlots) found |= 1U << number;
     }
     if (errno == 0) numbers_ = found;
@@ -942,8 +943,9 @@ void ParseEth0(const TripleText& text, Triple* triple)
 Triple RestoreEth0()
 {
     TripleText text;
-    if (!RestoreIP(kFirstCard, text.address))
+    if (!RestoreIP(kFirstCard, text.address)) {
         LOG_WARN_AS("CheckEth0Config", "Restore eth0's IP failed");
+    }
     if (!RestoreMask(kFirstCard, text.mask)) {
         LOG_WARN_AS("CheckEth0Config", "Restore eht0's mask failed");
     }
@@ -1157,7 +1159,6 @@ constexpr int kRoutesLookedAt = 32;
 
 // ---- bonds and bridges
 
-constexpr char kBridgeFileStart[] = "networkbr";
 constexpr unsigned kBondPause = 2;  // seconds that a bond gets to settle
 
 bool TakesHashPolicy(NICBondMode mode)

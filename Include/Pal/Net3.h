@@ -538,7 +538,7 @@ struct NetInterface {
      */
     /* 480 */ int (*miiDiagEx)(NetInterface* thiz);
 
-    /** `getHostIpv6`, from the kernel alone. */
+    /** `getHostIpv6`, from the kernel only. */
     /* 488 */ int (*getSystemHostIpv6)(NetInterface* thiz, char* host, int hostLen, char* netmask,
                                        int maskLen);
 

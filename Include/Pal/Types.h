@@ -299,8 +299,8 @@ typedef struct NetIpVlanAttr {
 typedef struct NetMacVlanAttr {
     /* 0 */ NetMacVlanMode eMode;
     /* 4 */ NetMacVlanFlag eFlag;
-    /* 8 */ NetMacVlanAddrMode eAddrMode; /**< read in source mode alone */
-    /* 12 */ char macAddr[7];             /**< six raw bytes, not text; read in source mode alone */
+    /* 8 */ NetMacVlanAddrMode eAddrMode; /**< read in source mode only */
+    /* 12 */ char macAddr[7];             /**< six raw bytes, not text; read in source mode only */
     /* 19 */ char rsd;
     /* 20 */ int rsd1[91];
 } NetMacVlanAttr;

@@ -213,6 +213,8 @@ public:
     {
         if (stream_ != nullptr) (void)setvbuf(stream_.get(), buffer_, _IOFBF, sizeof(buffer_));
     }
+    BufferedStream(const BufferedStream&) = delete;
+    BufferedStream& operator=(const BufferedStream&) = delete;
 
     FILE* Get() const { return stream_.get(); }
 
