@@ -579,15 +579,15 @@ void ClaimBond(const char* card, Claims* claims)
     Leave(kInBond, card);  // its work mode is mended by CheckWorkmodeConfig
 }
 
-bool IsBondInOrder(const char* bond, const MemberSlot& slot)
+/// @return false, and told of, when the bond's list is not what the cards claim
+bool CheckBondList(const char* bond, const MemberSlot& slot)
 {
     NameTable<kMaxInterfaces, kNameSize> members;
-    int count = kMaxInterfaces;
-    if (!GetBondMemberByConfig(bond, members.Pointers(), &count)) {
+    if (!members.Read(GetBondMemberByConfig, bond)) {
         LOG_WARN_AS("CheckBondConfig", "can not get bond member from config.");
         return false;
     }
-    if (count == slot.num && HoldsAll(slot, members.First(count))) return true;
+    if (members.Count() == slot.num && HoldsAll(slot, members.All())) return true;
 
     LOG_WARN_AS("CheckBondConfig", "config from bondmember is different from eth config");
     return false;
@@ -625,7 +625,7 @@ void SettleBond(const char* bond, MemberSlot* slot)
                     bond);
         (void)SetBondModeByConfig(bond, nicBondActiveBackup);
     }
-    if (IsBondInOrder(bond, *slot)) return;
+    if (CheckBondList(bond, *slot)) return;
 
     PutFirstCardInFront(slot);
     SaveMembers(bond, *slot, SetBondMemberByConfig);
@@ -726,9 +726,8 @@ void BridgeFiles::Read()
 bool IsBridgeInOrder(const char* bridge, const MemberSlot& slot)
 {
     NameTable<kMaxInterfaces, kBridgeMemberSize> members;
-    int count = kMaxInterfaces;
-    return GetBridgeMemberByConfig(bridge, members.Pointers(), &count) && count == slot.num &&
-           HoldsAll(slot, members.First(count));
+    return members.Read(GetBridgeMemberByConfig, bridge) && members.Count() == slot.num &&
+           HoldsAll(slot, members.All());
 }
 
 /// @return true when the list was in order as it stood
@@ -1176,12 +1175,12 @@ void BuildBond(const char* bond)
         (void)Bond_SetHashPolicy(bond, policy);
     }
     NameTable<kMaxInterfaces, kNameSize> members;
-    int count = kMaxInterfaces;
-    if (!GetBondMemberByConfig(bond, members.Pointers(), &count)) {
+    if (!members.Read(GetBondMemberByConfig, bond)) {
         LOG_ERROR_AS("DoBondStuff", "GetBondMemberByConfig failed.[%s]", bond);
         return;
     }
-    if (count > 1 && !Bond(bond, const_cast<const char**>(members.Pointers()), count, mode)) {
+    const auto cards = const_cast<const char**>(members.Pointers());
+    if (members.Count() > 1 && !Bond(bond, cards, members.Count(), mode)) {
         LOG_WARN_AS("DoBondStuff", "bond failed!");
     }
     (void)sleep(kBondPause);  // built or not
@@ -1193,10 +1192,11 @@ void BuildBridge(const char* file)
     if (!Contains(file, kBridgeFileStart) || sscanf(file, "network%15s", bridge) != 1) return;
 
     NameTable<kMaxInterfaces, kBridgeMemberSize> members;
-    int count = kMaxInterfaces;
-    if (!GetBridgeMemberByConfig(bridge, members.Pointers(), &count) || count < 2) return;
+    if (!members.Read(GetBridgeMemberByConfig, bridge) || members.Count() < 2) return;
 
-    if (!Bridge(bridge, members.Pointers(), count)) LOG_WARN_AS("DoBridgeStuff", "Bridge failed");
+    if (!Bridge(bridge, members.Pointers(), members.Count())) {
+        LOG_WARN_AS("DoBridgeStuff", "Bridge failed");
+    }
 }
 
 // ---- routes taken away
