@@ -13,6 +13,7 @@
 #include <arpa/inet.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
