@@ -27,9 +27,14 @@ alignas(8) char list[kMostBytes];
 char room[1 << 16];
 int descriptors[kMostDescriptors] = {0, 1, 2};
 
-/// Makes one call; `data` is what belongs to it.
-long Make(const record::Call& call, char* data)
+/// Makes the call that stands there.
+/// @return false when it went another way than the one that was taken down
+bool MakeNext(char* place)
 {
+    record::Call call;
+    memcpy(&call, place, sizeof(call));
+    char* data = place + sizeof(call);
+
     uint64_t arguments[4];
     memcpy(arguments, call.arguments, sizeof(arguments));
     if (call.descriptor >= 0) {
@@ -42,7 +47,10 @@ long Make(const record::Call& call, char* data)
         const char* second = data + call.firstPart;
         memcpy(data + call.pointer, &second, sizeof(second));
     }
-    return syscall(call.number, arguments[0], arguments[1], arguments[2], arguments[3]);
+    const long result =
+        syscall(call.number, arguments[0], arguments[1], arguments[2], arguments[3]);
+    if (call.opens != 0 && result >= 0) descriptors[call.result] = static_cast<int>(result);
+    return (result < 0) == (call.result < 0);
 }
 
 }  // namespace
@@ -54,14 +62,13 @@ int main(int argc, char** argv)
     if (size <= 0) return 2;
     close(file);
 
-    for (char* place = list; place < list + size;) {
-        record::Call call;
-        memcpy(&call, place, sizeof(call));
-        char* data = place + sizeof(call);
-        const long result = Make(call, data);
-        if ((result < 0) != (call.result < 0)) return 1;
-        if (call.opens != 0 && result >= 0) descriptors[call.result] = static_cast<int>(result);
-        place = data + record::Padded(call.size);
+    record::Head head{};
+    memcpy(&head, list, sizeof(head));
+    const char* places = list + sizeof(head);
+    for (uint32_t i = 0; i < head.calls; ++i) {
+        uint32_t place = 0;
+        memcpy(&place, places + i * sizeof(place), sizeof(place));
+        if (!MakeNext(list + place)) return 1;
     }
     return 0;
 }

@@ -5,7 +5,7 @@
 
 #include <cstring>
 #include <fstream>
-#include <optional>
+#include <map>
 
 #include <fcntl.h>
 #include <linux/ethtool.h>
@@ -136,6 +136,66 @@ bool AsksForEnd(const Call& call)
            call.result == 0;
 }
 
+/// How many arguments a call has that is kept. What lies in the other registers says nothing.
+int ArgumentsOf(const Call& call)
+{
+    switch (call.number) {
+    case SYS_gettid: return 0;
+    case SYS_close:
+    case SYS_fsync: return 1;
+    case SYS_pread64:
+    case SYS_newfstatat: return 4;
+    case SYS_openat: return (call.arguments[2] & O_CREAT) != 0 ? 4 : 3;
+    default: return 3;
+    }
+}
+
+/// Leaves nothing in a call that is different each time it is made, but makes no difference.
+void Settle(Call* call, std::string* data)
+{
+    for (int i = 0; i < 4; ++i) {
+        const bool isSet = i == call->data || i == call->room;
+        if (isSet || i >= ArgumentsOf(*call)) call->arguments[i] = 0;
+    }
+    if (call->result >= 0 && call->opens == 0) call->result = 0;
+    if (call->result < 0) call->result = -1;
+    if (call->pointer >= 0) data->replace(static_cast<size_t>(call->pointer), 8, 8, '\0');
+}
+
+/// The calls that a list is made of.
+class List {
+public:
+    void Add(const Call& call, const std::string& data)
+    {
+        std::string bytes(reinterpret_cast<const char*>(&call), sizeof(call));
+        bytes += data;
+        bytes.resize(sizeof(call) + Padded(data.size()));
+        const auto [known, isNew] = known_.emplace(bytes, static_cast<uint32_t>(calls_.size()));
+        if (isNew) calls_ += bytes;
+        places_.push_back(known->second);
+    }
+
+    int Length() const { return static_cast<int>(places_.size()); }
+
+    std::string Text() const
+    {
+        const Head head = {static_cast<uint32_t>(places_.size()), 0};
+        const size_t before = sizeof(head) + Padded(places_.size() * sizeof(uint32_t));
+        std::string text(reinterpret_cast<const char*>(&head), sizeof(head));
+        for (const uint32_t place : places_) {
+            const auto counted = static_cast<uint32_t>(before) + place;
+            text.append(reinterpret_cast<const char*>(&counted), sizeof(counted));
+        }
+        text.resize(before);
+        return text + calls_;
+    }
+
+private:
+    std::map<std::string, uint32_t> known_;  // where in `calls_` each of them stands
+    std::vector<uint32_t> places_;
+    std::string calls_;
+};
+
 class Taker {
 public:
     explicit Taker(pid_t process) : process_(process) {}
@@ -160,11 +220,16 @@ public:
         if (!keeps_ || !started_ || AsksForEnd(call_)) return;
         if (BelongsToLibc()) return;
 
-        ++run_.kept;
         call_.size = static_cast<uint32_t>(data_.size());
-        run_.replay.append(reinterpret_cast<const char*>(&call_), sizeof(call_));
-        data_.resize(Padded(data_.size()));
-        run_.replay += data_;
+        Settle(&call_, &data_);
+        list_.Add(call_, data_);
+    }
+
+    Run Taken()
+    {
+        run_.kept = list_.Length();
+        run_.replay = list_.Text();
+        return run_;
     }
 
     Run run_;
@@ -182,6 +247,7 @@ private:
     }
 
     pid_t process_;
+    List list_;
     Call call_{};
     std::string data_;
     bool keeps_ = false;
@@ -254,7 +320,7 @@ Run Take(const std::vector<std::string>& command)
         const bool isOwn = stopped == child;
         ptrace(isOwn ? PTRACE_SYSCALL : PTRACE_CONT, stopped, nullptr, nullptr);
     }
-    return taker.run_;
+    return taker.Taken();
 }
 
 }  // namespace record

@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 // The kernel calls of a program, as they were made: taken down by bench/boot, made again by
-// bench/floor.
+// bench/floor. A boot makes few different calls many times, so each is kept once, and the list of
+// them is short: who makes them again pays for the calls, not for reading what they are.
 #pragma once
 
 #include <cstddef>
@@ -15,10 +16,18 @@ namespace record {
 /// Places of a call whose value is not the same in another process.
 enum Place : int8_t { kNowhere = -1 };
 
-/// One call, with `size` bytes of data behind it, filled up to a multiple of 8.
+/// The list begins with this. Behind it stand the places of the calls in the order in which they
+/// are made, each a `uint32_t` that counts bytes from the list's begin, and then the calls.
+struct Head {
+    uint32_t calls;   // how many are made
+    uint32_t unused;  // what follows is aligned
+};
+
+/// One call, with `size` bytes of data behind it, filled up to a multiple of 8. What another
+/// process has elsewhere is 0.
 struct Call {
     int32_t number;
-    int32_t result;     // cut to what a descriptor needs
+    int32_t result;     // of one that opens, the descriptor; else 0, or -1 for a failure
     int8_t descriptor;  // which argument is one
     int8_t data;        // which argument points to the data
     int8_t room;        // which argument points to where the kernel writes
@@ -38,7 +47,7 @@ constexpr size_t Padded(size_t size)
 /// What a run of a program asked of the kernel.
 struct Run {
     int calls = 0;       // all of them, from its start
-    std::string replay;  // those that its task is made of, as `Call`s and data
+    std::string replay;  // those that its task is made of, as a list
     int kept = 0;        // number of these
     int children = 0;    // processes started
     long peakKb = 0;     // most memory it had
