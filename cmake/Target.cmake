@@ -1,16 +1,17 @@
 # SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
 # SPDX-License-Identifier: MIT
 #
-# What a target must be, each told in one line before anything is built.
+# What a target must be, each told in one line before anything is built. A text that begins with a blank is one that
+# CMake does not break into several.
 include(CheckCXXSourceCompiles)
 
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux")
-  message(FATAL_ERROR "vorlix is made for Linux; this build is for ${CMAKE_SYSTEM_NAME}")
+  message(FATAL_ERROR " vorlix is made for Linux; this build is for ${CMAKE_SYSTEM_NAME}")
 endif()
 
 set(compiler "${CMAKE_CXX_COMPILER} (${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION})")
 if(NOT "cxx_std_17" IN_LIST CMAKE_CXX_COMPILE_FEATURES)
-  message(FATAL_ERROR "vorlix is written in C++17, which ${compiler} does not know")
+  message(FATAL_ERROR " vorlix is written in C++17, which ${compiler} does not know")
 endif()
 
 # Nothing is linked here: a toolchain may have no run-time library of C++, and none is asked for.
@@ -23,7 +24,7 @@ check_cxx_source_compiles("
   int main() { return 0; }" VORLIX_LITTLE_ENDIAN)
 if(NOT VORLIX_LITTLE_ENDIAN)
   message(FATAL_ERROR
-    "vorlix is made for little-endian targets; ${compiler} builds for a big-endian one")
+    " vorlix is made for little-endian targets; ${compiler} builds for a big-endian one")
 endif()
 check_cxx_source_compiles("
   #include <array>
@@ -32,7 +33,7 @@ check_cxx_source_compiles("
   #include <optional>
   int main() { return std::optional<int>(0).value_or(0); }" VORLIX_CXX17_HEADERS)
 if(NOT VORLIX_CXX17_HEADERS)
-  message(FATAL_ERROR "vorlix needs the headers of a C++17 library (not the library), which ${compiler} lacks")
+  message(FATAL_ERROR " vorlix needs the headers of a C++17 library (not the library), which ${compiler} lacks")
 endif()
 set(CMAKE_TRY_COMPILE_TARGET_TYPE ${linked})
 
