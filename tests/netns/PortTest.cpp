@@ -5,6 +5,7 @@
 
 #include "Device.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 

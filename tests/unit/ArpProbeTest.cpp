@@ -8,6 +8,7 @@
 
 #include "ProbeWorld.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 

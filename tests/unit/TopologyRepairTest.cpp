@@ -7,6 +7,8 @@
 
 #include "Lanrise.h"
 
+#include <algorithm>
+
 using namespace fake;
 
 namespace {
