@@ -7,13 +7,14 @@ inherit or an assignment of a quoted text, every ${@...} is one Python expressio
 is not the recipe's own is one that Yocto or bitbake defines.
 
 usage: recipe.py FILE...
+       recipe.py --hosts FILE HOST...    which of the hosts COMPATIBLE_HOST lets pass
 """
 import re
 import sys
 
 # Names of bitbake and of the layer core that a recipe may rely on.
 KNOWN = {'LAYERDIR', 'PN', 'sbindir', 'libexecdir', 'sysconfdir', 'datadir', 'systemd_system_unitdir'}
-ASSIGNMENT = re.compile(r'([A-Za-z_][\w-]*)((?::[\w${}-]+)*) *(\?\?=|\?=|:=|\+=|=\+|\.=|=\.|=) *"([^"]*)"$')
+ASSIGNMENT = re.compile(r'([A-Za-z_][\w-]*(?:\[\w+\])?)((?::[\w${}-]+)*) *(\?\?=|\?=|:=|\+=|=\+|\.=|=\.|=) *"([^"]*)"$')
 
 
 def complaints(path):
@@ -36,6 +37,14 @@ def complaints(path):
                 yield f'{path}: unknown variable {name}'
 
 
+def compatible(path, hosts):
+    wanted = re.search(r'^COMPATIBLE_HOST = "(.*)"$', open(path, encoding='utf-8').read(), re.M)[1]
+    return [host for host in hosts if re.match(wanted, host)]
+
+
+if sys.argv[1] == '--hosts':
+    print(' '.join(compatible(sys.argv[2], sys.argv[3:])))
+    sys.exit()
 found = [complaint for path in sys.argv[1:] for complaint in complaints(path)]
 print('\n'.join(found))
 sys.exit(bool(found))

@@ -18,6 +18,9 @@ succeeds 'the tarball' "$there/clone/tools/release" "$there/one.tar.gz"
 sleep 1
 succeeds 'the tarball again' "$there/clone/tools/release" "$there/two.tar.gz"
 succeeds 'the same bytes' cmp "$there/one.tar.gz" "$there/two.tar.gz"
+is 'what Buildroot wants of the tarball' "$(grep '^sha256' "$there/vorlix.hash")" \
+    "sha256  $(sha256sum <"$there/two.tar.gz" | cut -d ' ' -f 1)  vorlix-$release.tar.gz
+sha256  $(sha256sum <"$there/clone/LICENSE" | cut -d ' ' -f 1)  LICENSE"
 
 tar -C "$there" -xzf "$there/one.tar.gz"
 (cd "$there/vorlix-$release" && find . ! -type d | sed 's%^\./%%' | sort) >"$there/unpacked"

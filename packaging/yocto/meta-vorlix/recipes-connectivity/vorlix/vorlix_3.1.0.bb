@@ -8,9 +8,17 @@ SECTION = "net"
 LICENSE = "MIT"
 LIC_FILES_CHKSUM = "file://LICENSE;md5=d42ed79673f7180342fb0ce78a34d80e"
 
-# The sources are those that this layer lies in.
+# The sources are those that this layer lies in, or the tarball of a release: its address, and the sum that
+# tools/release prints for it.
+VORLIX_RELEASE ?= ""
+VORLIX_RELEASE_SHA256 ?= ""
+SRC_URI = "${VORLIX_RELEASE}"
+SRC_URI[sha256sum] = "${VORLIX_RELEASE_SHA256}"
 inherit externalsrc
-EXTERNALSRC = "${@os.path.normpath(os.path.join(d.getVar('THISDIR'), '../../../../..'))}"
+EXTERNALSRC = "${@'' if d.getVar('VORLIX_RELEASE') else os.path.normpath(os.path.join(d.getVar('THISDIR'), '../../../../..'))}"
+
+# Little-endian ones, of 32 or 64 bits, with any libc.
+COMPATIBLE_HOST = "(?!(aarch64_be|armeb|m68k|microblaze|mips|mips64|mipsisa32r6|mipsisa64r6|powerpc|powerpc64|s390x|sparc|sparc64)-).*-linux.*"
 
 inherit cmake pkgconfig systemd update-rc.d
 
