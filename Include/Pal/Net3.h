@@ -33,9 +33,10 @@
  * `setBandWidth`, `unsetBandWidth` and `ipPortCtrl`, for names that begin with "br", and for what
  * stands behind a ":" in any name. The test whether a card exists looks at neither.
  *
- * Clean C11 and C++17: nothing of the kernel is included. Sizes and offsets are those of a 64-bit
- * target. On a 32-bit one pointers take 4 bytes, and every slot and record that holds pointers
- * shrinks with them: same fields, same order, same number of slots. Big-endian targets are refused.
+ * Clean C11 and C++17: nothing of the kernel is included. Where a 32-bit target differs, its sizes
+ * and offsets stand behind those of a 64-bit one: pointers take 4 bytes there, and every slot and
+ * record that holds pointers shrinks with them. Fields, their order and the number of slots are the
+ * same. Big-endian targets are refused.
  */
 #ifndef PAL_NET3_H
 #define PAL_NET3_H
@@ -46,12 +47,12 @@
 extern "C" {
 #endif
 
-/* ---- records of interface objects; the comment in front of a field is its offset in bytes ---- */
+/* ---- records of interface objects; offsets in front of the fields as in Types.h ---- */
 
-/** Which interface an object is for; size 136, alignment 8. */
+/** Which interface an object is for; size 136, alignment 8 (32 bits: size 128, alignment 4). */
 typedef struct NetInterfaceDesc {
     /* 0 */ const char* name; /**< of an interface that exists, at most 15 characters; copied */
-    /* 8 */ int reserved[31];
+    /* 8, 4 */ int reserved[31];
 } NetInterfaceDesc;
 
 /** The wish for remote login by Telnet; size 64, alignment 1. */
@@ -121,7 +122,7 @@ typedef struct QV_PAL_NetIPv6Info {
 /* ---- interface objects ---- */
 
 /**
- * One network interface; size 1024, alignment 8.
+ * One network interface; size 1024, alignment 8 (32 bits: size 512, alignment 4).
  *
  * An object lives until the process ends, and all callers of one name share it. It does not follow
  * the interface: when the card is gone its operations fail, and they work again when a card of that
@@ -136,20 +137,20 @@ struct NetInterface {
      *
      * @return 1, or -1 for NULL
      */
-    /* 8 */ int (*addRef)(NetInterface* thiz);
+    /* 8, 4 */ int (*addRef)(NetInterface* thiz);
 
     /**
      * Formal: frees nothing, and the object stays usable.
      *
      * @return 1, or -1 for NULL
      */
-    /* 16 */ int (*release)(NetInterface* thiz);
+    /* 16, 8 */ int (*release)(NetInterface* thiz);
 
     /** Brings the interface up. Source: SIOCSIFFLAGS. */
-    /* 24 */ int (*up)(NetInterface* thiz);
+    /* 24, 12 */ int (*up)(NetInterface* thiz);
 
     /** Takes the interface down. Source: SIOCSIFFLAGS. */
-    /* 32 */ int (*down)(NetInterface* thiz);
+    /* 32, 16 */ int (*down)(NetInterface* thiz);
 
     /**
      * Sets address and mask: in the kernel, in the setting file and, for eth0, in the backup
@@ -159,7 +160,7 @@ struct NetInterface {
      * -1 when the kernel refuses, with nothing saved; where it refuses the mask alone, the card has
      * the new address. What becomes of file and backup memory is not told.
      */
-    /* 40 */ int (*setHostIP)(NetInterface* thiz, const char* hostIP, const char* netmask);
+    /* 40, 20 */ int (*setHostIP)(NetInterface* thiz, const char* hostIP, const char* netmask);
 
     /**
      * Saves the gateway in the setting file and, for eth0, in the backup memory. "0.0.0.0" leaves
@@ -168,7 +169,7 @@ struct NetInterface {
      *
      * -1 when the file could not be written; the backup memory is written all the same.
      */
-    /* 48 */ int (*setGateway)(NetInterface* thiz, const char* gateway);
+    /* 48, 24 */ int (*setGateway)(NetInterface* thiz, const char* gateway);
 
     /**
      * Tells the configured address and mask: from the setting file, else from the kernel, else from
@@ -176,21 +177,21 @@ struct NetInterface {
      * least, else -1. -1 may leave there what one of the sources gave: an address without its mask,
      * or saved texts that are none.
      */
-    /* 56 */ int (*getHostIP)(NetInterface* thiz, char* hostIP, const int hlen, char* netmask,
-                              const int nlen);
+    /* 56, 28 */ int (*getHostIP)(NetInterface* thiz, char* hostIP, const int hlen, char* netmask,
+                                  const int nlen);
 
     /**
      * Tells the saved gateway, or else the one in the backup memory, which is then saved. `iGLen`
      * is the bytes of `gateway`, 16 at least, else -1. -1 may leave there a saved text that is no
      * address.
      */
-    /* 64 */ int (*getGateway)(NetInterface* thiz, char* gateway, const int iGLen);
+    /* 64, 32 */ int (*getGateway)(NetInterface* thiz, char* gateway, const int iGLen);
 
     /**
      * Reads the counters. Source: /proc/net/dev, and the driver for the speed, which is 0 when it
      * tells none and else as `getLinkSpeed` says.
      */
-    /* 72 */ int (*getDataStat)(NetInterface* thiz, NetDataStat* state);
+    /* 72, 36 */ int (*getDataStat)(NetInterface* thiz, NetDataStat* state);
 
     /**
      * Tells whether the network was reset since the last question, and clears the mark. Of the
@@ -198,42 +199,43 @@ struct NetInterface {
      *
      * @return 1 when it was, 0 when not, -1 for a NULL object
      */
-    /* 80 */ int (*configBeenReset)(NetInterface* thiz);
+    /* 80, 40 */ int (*configBeenReset)(NetInterface* thiz);
 
     /** Reads the hardware address. `iEthMacLen` is the bytes of `mac`, 18 at least, else -1. */
-    /* 88 */ int (*getMAC)(NetInterface* thiz, char* mac, const int iEthMacLen);
+    /* 88, 44 */ int (*getMAC)(NetInterface* thiz, char* mac, const int iEthMacLen);
 
     /**
      * Sets the hardware address, which is saved nowhere. The interface goes down and up for it, and
      * the default route is set again.
      */
-    /* 96 */ int (*setMAC)(NetInterface* thiz, const char* mac);
+    /* 96, 48 */ int (*setMAC)(NetInterface* thiz, const char* mac);
 
     /**
      * Tells the device's two IPv4 DNS servers; the interface plays no part. `plen` and `slen` are
      * the bytes of the two, 16 at least, else -1. -1 may have filled `primary`.
      */
-    /* 104 */ int (*getDNSAddress)(NetInterface* thiz, char* primary, const int plen,
-                                   char* secondary, const int slen);
+    /* 104, 52 */ int (*getDNSAddress)(NetInterface* thiz, char* primary, const int plen,
+                                       char* secondary, const int slen);
 
     /** Sets the device's two IPv4 DNS servers; the interface plays no part. */
-    /* 112 */ int (*setDNSAddress)(NetInterface* thiz, const char* primary, const char* secondary);
+    /* 112, 56 */ int (*setDNSAddress)(NetInterface* thiz, const char* primary,
+                                       const char* secondary);
 
     /** Empty. */
-    /* 120 */ int (*getWLanConfig)(NetInterface* thiz, WLanConfig* config);
+    /* 120, 60 */ int (*getWLanConfig)(NetInterface* thiz, WLanConfig* config);
 
     /** Empty. */
-    /* 128 */ int (*setWLanConfig)(NetInterface* thiz, const WLanConfig* config);
+    /* 128, 64 */ int (*setWLanConfig)(NetInterface* thiz, const WLanConfig* config);
 
     /** Empty. */
-    /* 136 */ int (*scanWLanAccessPoint)(NetInterface* thiz, WLanAccessPoint* list, int* num);
+    /* 136, 68 */ int (*scanWLanAccessPoint)(NetInterface* thiz, WLanAccessPoint* list, int* num);
 
     /**
      * Tells whether there is a link; a member of a bond or bridge is judged by its master.
      *
      * @return 0 with a link, -1 without one and for a NULL object
      */
-    /* 144 */ int (*miiDiag)(NetInterface* thiz);
+    /* 144, 72 */ int (*miiDiag)(NetInterface* thiz);
 
     /**
      * Asks by ARP whether another station uses this card's configured address, and listens for
@@ -242,13 +244,13 @@ struct NetInterface {
      * @return 0 for none; otherwise a sum of 1 (one with its hardware address) and 2 (one with its
      *         IPv4 address); -1 at once when the question could not be asked
      */
-    /* 152 */ int (*arpCheck)(NetInterface* thiz);
+    /* 152, 76 */ int (*arpCheck)(NetInterface* thiz);
 
     /**
      * Tells the MTU in bytes: the kernel's, else the saved one. -1 may leave in `size` a saved
      * number that is no MTU.
      */
-    /* 160 */ int (*getMTU)(NetInterface* thiz, int* size);
+    /* 160, 80 */ int (*getMTU)(NetInterface* thiz, int* size);
 
     /**
      * Sets the MTU in bytes, in the kernel and then in the setting file; below 0 sets and saves
@@ -261,7 +263,7 @@ struct NetInterface {
      *
      * -1 when the kernel refuses, with nothing saved.
      */
-    /* 168 */ int (*setMTU)(NetInterface* thiz, int size);
+    /* 168, 84 */ int (*setMTU)(NetInterface* thiz, int size);
 
     /**
      * Lists the members of this bond. Fills `name` and `bond`, the saved mode or else 1, and zeroes
@@ -271,7 +273,7 @@ struct NetInterface {
      * @param num   capacity on entry, 0 and more; number of members on return, or unchanged, with a
      *              Warn, when there are more and the first of them are listed
      */
-    /* 176 */ int (*getBondMembers)(NetInterface* thiz, NetInterfaceInfo* list, int* num);
+    /* 176, 88 */ int (*getBondMembers)(NetInterface* thiz, NetInterfaceInfo* list, int* num);
 
     /**
      * Builds this bond from cards and saves it. A running active-backup bond takes the first card
@@ -283,11 +285,11 @@ struct NetInterface {
      * @param listname  `number` names; the first is read even when there are none. A NULL among
      *                  them gives -1 before anything is done
      */
-    /* 184 */ int (*bond)(NetInterface* thiz, const char** listname, const int number,
-                          NICBondMode mode);
+    /* 184, 92 */ int (*bond)(NetInterface* thiz, const char** listname, const int number,
+                              NICBondMode mode);
 
     /** Ends this bond, saves that, and gives each member its own settings back. */
-    /* 192 */ int (*unbond)(NetInterface* thiz);
+    /* 192, 96 */ int (*unbond)(NetInterface* thiz);
 
     /**
      * Adds an IPv4 route over this card and decides whether it leads through the card's gateway.
@@ -302,7 +304,7 @@ struct NetInterface {
      *                 the card of the only default route, to its saved gateway
      * @param netmask  not looked at for "default", yet not NULL
      */
-    /* 200 */ int (*addRoute)(NetInterface* thiz, const char* address, const char* netmask);
+    /* 200, 100 */ int (*addRoute)(NetInterface* thiz, const char* address, const char* netmask);
 
     /**
      * Deletes an IPv4 route of this card. Each call is logged at Info.
@@ -311,7 +313,7 @@ struct NetInterface {
      *                 card's default routes; NULL, with `netmask` NULL, all its other routes
      * @param netmask  not looked at for "default"
      */
-    /* 208 */ int (*delRoute)(NetInterface* thiz, const char* address, const char* netmask);
+    /* 208, 104 */ int (*delRoute)(NetInterface* thiz, const char* address, const char* netmask);
 
     /**
      * Replaces the IPv6 address, in the kernel and then in its setting file. An address that the
@@ -322,7 +324,8 @@ struct NetInterface {
      * @param prefixLen  decimal text, 0 to 128. One without a number in it counts as 0; one that
      *                   does not begin with a digit is set and not saved
      */
-    /* 216 */ int (*setHostIpv6)(NetInterface* thiz, const char* hostip, const char* prefixLen);
+    /* 216, 108 */ int (*setHostIpv6)(NetInterface* thiz, const char* hostip,
+                                      const char* prefixLen);
 
     /**
      * Tells the IPv6 address and its prefix length, the kernel's or else the saved one. `hostLen`
@@ -330,41 +333,41 @@ struct NetInterface {
      * that does not fit is told as an empty text, with success. -1 may leave there saved texts that
      * are none, or one without the other.
      */
-    /* 224 */ int (*getHostIpv6)(NetInterface* thiz, char* host, int hostLen, char* netmask,
-                                 int maskLen);
+    /* 224, 112 */ int (*getHostIpv6)(NetInterface* thiz, char* host, int hostLen, char* netmask,
+                                      int maskLen);
 
     /** Saves the IPv6 gateway. No route changes. */
-    /* 232 */ int (*setGatewayIpv6)(NetInterface* thiz, const char* gateway);
+    /* 232, 116 */ int (*setGatewayIpv6)(NetInterface* thiz, const char* gateway);
 
     /**
      * Tells the saved IPv6 gateway. `len` is the bytes of `gateway`; 46 hold every answer. -1 may
      * leave there a saved text that is no address.
      */
-    /* 240 */ int (*getGatewayIpv6)(NetInterface* thiz, char* gateway, int len);
+    /* 240, 120 */ int (*getGatewayIpv6)(NetInterface* thiz, char* gateway, int len);
 
     /** Sets the device's two IPv6 DNS servers; the interface plays no part. */
-    /* 248 */ int (*setDNSAddressIpv6)(NetInterface* thiz, const char* primary,
-                                       const char* secondary);
+    /* 248, 124 */ int (*setDNSAddressIpv6)(NetInterface* thiz, const char* primary,
+                                            const char* secondary);
 
     /**
      * Tells the device's two IPv6 DNS servers; the interface plays no part. The smaller of `plen`
      * and `slen` counts as the bytes of both; 46 hold every address. -1 may have filled `primary`.
      */
-    /* 256 */ int (*getDNSAddressIpv6)(NetInterface* thiz, char* primary, const int plen,
-                                       char* secondary, const int slen);
+    /* 256, 128 */ int (*getDNSAddressIpv6)(NetInterface* thiz, char* primary, const int plen,
+                                            char* secondary, const int slen);
 
     /**
      * Tells the link-local address: the kernel's, as address/prefix, or else the one made from the
      * hardware address, with no prefix. `len` is the bytes of `linklocal`.
      */
-    /* 264 */ int (*getLinkLocalAddressIpv6)(NetInterface* thiz, char* linklocal, int len);
+    /* 264, 132 */ int (*getLinkLocalAddressIpv6)(NetInterface* thiz, char* linklocal, int len);
 
     /**
      * Asks an IPv4 station for an echo over this card, and waits up to `timeout` seconds. A card
      * without a configured address asks over whichever card leads there, with an Error. `IpType` is
      * 0; any other is refused with an Error. Needs the rights for a raw socket.
      */
-    /* 272 */ int (*ping)(NetInterface* thiz, const char* dstHost, int timeout, int IpType);
+    /* 272, 136 */ int (*ping)(NetInterface* thiz, const char* dstHost, int timeout, int IpType);
 
     /**
      * Tells the switch port behind which a station is. `ethMacLen` is 18 at least, else -1. Source:
@@ -373,17 +376,18 @@ struct NetInterface {
      * @return the port, counted from 0; -1 when the switch does not know the station, and with an
      *         Error on failure
      */
-    /* 280 */ int (*getSwitchPort)(NetInterface* thiz, const char* ethMac, const int ethMacLen);
+    /* 280, 140 */ int (*getSwitchPort)(NetInterface* thiz, const char* ethMac,
+                                        const int ethMacLen);
 
     /** Tells which switch ports have a link: bit n is port n. Source: the switch driver. */
-    /* 288 */ int (*getSwitchLinkMask)(NetInterface* thiz, int* linkMask);
+    /* 288, 144 */ int (*getSwitchLinkMask)(NetInterface* thiz, int* linkMask);
 
     /**
      * Writes "on" (`enable` 1) or "off" to /proc/stp_ctrl, which stays open from the first call
      * on. Of the whole device: neither the interface nor a bridge plays a part, nor does `mode`.
      * NULL for either: Error. Two first calls at the same time may each open the file.
      */
-    /* 296 */ int (*setSTP)(NetInterface* thiz, STPInfo* stpInfo);
+    /* 296, 148 */ int (*setSTP)(NetInterface* thiz, STPInfo* stpInfo);
 
     /**
      * Adds an IPv6 route over this card. One that is there already is a success. A new one goes to
@@ -392,7 +396,8 @@ struct NetInterface {
      * @param pAddress  destination. A text with "default" in it makes this the card of the only
      *                  IPv6 default route, to its saved gateway
      */
-    /* 304 */ int (*addRouteIpv6)(NetInterface* thiz, const char* pAddress, const int preFixLen);
+    /* 304, 152 */ int (*addRouteIpv6)(NetInterface* thiz, const char* pAddress,
+                                       const int preFixLen);
 
     /**
      * Deletes an IPv6 route of this card, in the main table.
@@ -406,16 +411,17 @@ struct NetInterface {
      * @param pAddress   destination; a text with "default" in it means the card's default routes
      * @param preFixLen  -1, with `pAddress` NULL, means all its other routes
      */
-    /* 312 */ int (*delRouteIpv6)(NetInterface* thiz, const char* pAddress, const int preFixLen);
+    /* 312, 156 */ int (*delRouteIpv6)(NetInterface* thiz, const char* pAddress,
+                                       const int preFixLen);
 
     /**
      * Tells the link's speed in Mbit/s, in 16 bits. 65535 when the driver knows none; what is above
      * that is cut, so that 100 Gbit/s read 34464. -1 for a wireless card. Source: the driver.
      */
-    /* 320 */ int (*getLinkSpeed)(NetInterface* thiz, int* speed);
+    /* 320, 160 */ int (*getLinkSpeed)(NetInterface* thiz, int* speed);
 
     /** Tells the number of ports of the switch. Source: the switch driver. */
-    /* 328 */ int (*getSwitchPortNum)(NetInterface* thiz, int* portNum);
+    /* 328, 164 */ int (*getSwitchPortNum)(NetInterface* thiz, int* portNum);
 
     /**
      * Lists the ports of the switch, with their link and the station behind each. Switches each
@@ -425,17 +431,17 @@ struct NetInterface {
      * @param len         capacity on entry, with a Warn when it is too small; number of records on
      *                    return
      */
-    /* 336 */ int (*getSwitchPortStatus)(NetInterface* thiz, struct SwitchPortStatus* portStatus,
-                                         int* len);
+    /* 336, 168 */ int (*getSwitchPortStatus)(NetInterface* thiz,
+                                              struct SwitchPortStatus* portStatus, int* len);
 
     /**
      * Tells the saved mode of this bond, which must run. -1 leaves -1 in `mode` when what is saved
      * is no number.
      */
-    /* 344 */ int (*getBondMode)(NetInterface* thiz, NICBondMode* mode);
+    /* 344, 172 */ int (*getBondMode)(NetInterface* thiz, NICBondMode* mode);
 
     /** Tells what the card is for; one without a saved mode is saved as standing alone. */
-    /* 352 */ int (*getEthWorkMode)(NetInterface* thiz, NetWorkMode* mode);
+    /* 352, 176 */ int (*getEthWorkMode)(NetInterface* thiz, NetWorkMode* mode);
 
     /**
      * Limits what is sent to `num` stations, and saves each limit that was applied. A limit that is
@@ -448,7 +454,7 @@ struct NetInterface {
      * behind them. A removal uses up a number for each limit that it sets anew. Nothing is put back
      * after a restart.
      */
-    /* 360 */ int (*setBandWidth)(NetInterface* thiz, const NetTc* pTc, int num);
+    /* 360, 180 */ int (*setBandWidth)(NetInterface* thiz, const NetTc* pTc, int num);
 
     /**
      * Lists the saved limits.
@@ -457,71 +463,72 @@ struct NetInterface {
      * @param num  capacity on entry, number of records on return
      * @return that number, 0 included, or -1
      */
-    /* 368 */ int (*getBandWidth)(NetInterface* thiz, NetTc* pTc, int* num);
+    /* 368, 184 */ int (*getBandWidth)(NetInterface* thiz, NetTc* pTc, int* num);
 
     /**
      * Lifts the limit of a station and sets the others anew, of which 32 survive; "0.0.0.0" lifts
      * all. Meanwhile the other stations are without a limit. 0 for every card that exists.
      */
-    /* 376 */ int (*unsetBandWidth)(NetInterface* thiz, const char* ipAddr);
+    /* 376, 188 */ int (*unsetBandWidth)(NetInterface* thiz, const char* ipAddr);
 
     /**
      * Closes (`ctrl` 0) or opens (1) a TCP and UDP port of an address; any other `ctrl` is refused
      * with an Error. "0.0.0.0" closes it for all addresses of the device, and opens all ports. The
      * interface plays no part. Source: the chain PORTCHAIN of `iptables` and `ip6tables`.
      */
-    /* 384 */ int (*ipPortCtrl)(NetInterface* thiz, const char* ipAddr, int portNumber, int ctrl);
+    /* 384, 192 */ int (*ipPortCtrl)(NetInterface* thiz, const char* ipAddr, int portNumber,
+                                     int ctrl);
 
     /**
      * Leaves the wish in /tmp/telnet, for whoever starts and stops the service: "on" or "off" with
      * its terminating zero, over the start of what is there. Of the whole device. NULL for either,
      * a file that cannot be opened or is not a regular one, a failed write: Error.
      */
-    /* 392 */ int (*setTelnet)(NetInterface* thiz, TelnetInfo* telnetInfo);
+    /* 392, 196 */ int (*setTelnet)(NetInterface* thiz, TelnetInfo* telnetInfo);
 
     /**
      * Tells the hardware address of a neighbour of the device. `len` is the bytes of `mac`, 18 at
      * least, else -1. -1 leaves `mac` zeroed when the table has no such neighbour. Source: the
      * kernel's ARP table.
      */
-    /* 400 */ int (*ipToMac)(NetInterface* thiz, const char* ipAddr, char* mac, const int len);
+    /* 400, 200 */ int (*ipToMac)(NetInterface* thiz, const char* ipAddr, char* mac, const int len);
 
     /** The same function as in `getHostIP`: the configured address, not what the kernel has. */
-    /* 408 */ int (*getRealHostIP)(NetInterface* thiz, char* hostIP, const int hlen, char* netmask,
-                                   const int nlen);
+    /* 408, 204 */ int (*getRealHostIP)(NetInterface* thiz, char* hostIP, const int hlen,
+                                        char* netmask, const int nlen);
 
     /** Chooses between the fibre and the copper port of a card. Source: the card's driver. */
-    /* 416 */ int (*setMediumPrefer)(NetInterface* thiz, NetMediumPrefer medium);
+    /* 416, 208 */ int (*setMediumPrefer)(NetInterface* thiz, NetMediumPrefer medium);
 
     /** Empty. */
-    /* 424 */ int (*setNetModeAndSpeed)(NetInterface* thiz, int modeAndSpeed);
+    /* 424, 212 */ int (*setNetModeAndSpeed)(NetInterface* thiz, int modeAndSpeed);
 
     /**
      * Takes an IPv6 address away, and the saved one with it. With "/<prefix>" behind it the text
      * must be writable: it is cut at the "/", also when -1 follows. A card that has no address, or
      * link-local ones alone, gives 0 and keeps what it has; what is saved goes.
      */
-    /* 432 */ int (*delIPaddressIpv6)(NetInterface* thiz, const char* hostIP);
+    /* 432, 216 */ int (*delIPaddressIpv6)(NetInterface* thiz, const char* hostIP);
 
     /** Empty. */
-    /* 440 */ int (*getIPv6NeighborTableInfo)(NetInterface* thiz,
-                                              const QV_PAL_NetIPv6InfoFilter filter,
-                                              QV_PAL_NetIPv6Info* list, int* num);
+    /* 440, 220 */ int (*getIPv6NeighborTableInfo)(NetInterface* thiz,
+                                                   const QV_PAL_NetIPv6InfoFilter filter,
+                                                   QV_PAL_NetIPv6Info* list, int* num);
 
     /**
      * Starts or stops remote login by SSH, of the whole device; `port` and `openDuration` play no
      * part. Whether the service obeyed is not seen. NULL for either: Error.
      */
-    /* 448 */ int (*setSSH)(NetInterface* thiz, SSHInfo* sshInfo);
+    /* 448, 224 */ int (*setSSH)(NetInterface* thiz, SSHInfo* sshInfo);
 
     /** Empty. */
-    /* 456 */ int (*getNetLinkCaps)(NetInterface* thiz, unsigned int* caps);
+    /* 456, 228 */ int (*getNetLinkCaps)(NetInterface* thiz, unsigned int* caps);
 
     /**
      * Sets the transmit hash policy of this bond, which goes down and up for it, and saves it. What
      * the driver takes is saved: 5 too, which `getBondParams` then does not tell.
      */
-    /* 464 */ int (*setBondParams)(NetInterface* thiz, const QV_PAL_NetBondParams params);
+    /* 464, 232 */ int (*setBondParams)(NetInterface* thiz, const QV_PAL_NetBondParams params);
 
     /**
      * Tells the saved hash policy, 0 to 4. A saved value that is none of them is a failure that
@@ -529,26 +536,26 @@ struct NetInterface {
      *
      * @return 1 for success, 0 for failure, unlike its neighbours; -1 for NULL
      */
-    /* 472 */ int (*getBondParams)(NetInterface* thiz, QV_PAL_NetBondParams* params);
+    /* 472, 236 */ int (*getBondParams)(NetInterface* thiz, QV_PAL_NetBondParams* params);
 
     /**
      * Tells whether this card itself has a link, whatever it is a member of.
      *
      * @return 0 with a link, -1 without one and for a NULL object
      */
-    /* 480 */ int (*miiDiagEx)(NetInterface* thiz);
+    /* 480, 240 */ int (*miiDiagEx)(NetInterface* thiz);
 
     /** `getHostIpv6`, from the kernel only. */
-    /* 488 */ int (*getSystemHostIpv6)(NetInterface* thiz, char* host, int hostLen, char* netmask,
-                                       int maskLen);
+    /* 488, 244 */ int (*getSystemHostIpv6)(NetInterface* thiz, char* host, int hostLen,
+                                            char* netmask, int maskLen);
 
     /** Empty. */
-    /* 496 */ int (*getNetPortState)(NetInterface* thiz, int* state);
+    /* 496, 248 */ int (*getNetPortState)(NetInterface* thiz, int* state);
 
     /** Empty. */
-    /* 504 */ int (*getPhyExceptionInfo)(NetInterface* thiz, int* info);
+    /* 504, 252 */ int (*getPhyExceptionInfo)(NetInterface* thiz, int* info);
 
-    /* 512 */ void* reserved[64]; /**< NULL */
+    /* 512, 256 */ void* reserved[64]; /**< NULL */
 };
 
 /* ---- records of control objects ---- */
@@ -604,7 +611,7 @@ typedef struct QV_PAL_NetControlDesc {
 
 /**
  * What belongs to no interface: power over Ethernet, all routes, static ARP entries; size 1024,
- * alignment 8.
+ * alignment 8 (32 bits: size 512, alignment 4).
  *
  * Each object is counted and freed by its last `release`; behind that its pointer is dead.
  */
@@ -617,23 +624,23 @@ struct QV_PAL_NetControl {
      *
      * @return the new count, or -1 for NULL
      */
-    /* 8 */ int (*addRef)(QV_PAL_NetControl* thiz);
+    /* 8, 4 */ int (*addRef)(QV_PAL_NetControl* thiz);
 
     /**
      * Takes a reference off, and at 0 frees the object.
      *
      * @return the new count, or -1 for NULL
      */
-    /* 16 */ int (*release)(QV_PAL_NetControl* thiz);
+    /* 16, 8 */ int (*release)(QV_PAL_NetControl* thiz);
 
     /** Reads the state of power over Ethernet. Source: /dev/qv_poe. */
-    /* 24 */ int (*getPoEPowerInfo)(QV_PAL_NetControl* thiz, QV_PAL_PoeInfo* pPoe_info);
+    /* 24, 12 */ int (*getPoEPowerInfo)(QV_PAL_NetControl* thiz, QV_PAL_PoeInfo* pPoe_info);
 
     /** Switches the power of ports on: bit n is port n. Works with a NULL object too. */
-    /* 32 */ int (*setPoEPowerOn)(QV_PAL_NetControl* thiz, uint32_t portMask);
+    /* 32, 16 */ int (*setPoEPowerOn)(QV_PAL_NetControl* thiz, uint32_t portMask);
 
     /** Switches the power of ports off: bit n is port n. Works with a NULL object too. */
-    /* 40 */ int (*setPoEPowerOff)(QV_PAL_NetControl* thiz, uint32_t portMask);
+    /* 40, 20 */ int (*setPoEPowerOff)(QV_PAL_NetControl* thiz, uint32_t portMask);
 
     /**
      * Lists one family's routes: over IPv4 those of the main table, over IPv6 those of all tables,
@@ -642,20 +649,20 @@ struct QV_PAL_NetControl {
      * @param routes  `*num` records; `type` of the first tells the family
      * @param num     capacity on entry, number of routes on return
      */
-    /* 48 */ int (*getAllRouteInfo)(QV_PAL_NetControl* thiz, QV_PAL_RouteTableInfo* routes,
-                                    int* num);
+    /* 48, 24 */ int (*getAllRouteInfo)(QV_PAL_NetControl* thiz, QV_PAL_RouteTableInfo* routes,
+                                        int* num);
 
     /** Adds a route over a card that exists. The record is only read. */
-    /* 56 */ int (*addRoute)(QV_PAL_NetControl* thiz, QV_PAL_RouteTableInfo* cmd);
+    /* 56, 28 */ int (*addRoute)(QV_PAL_NetControl* thiz, QV_PAL_RouteTableInfo* cmd);
 
     /** Deletes a route. The record is only read. */
-    /* 64 */ int (*delRoute)(QV_PAL_NetControl* thiz, QV_PAL_RouteTableInfo* cmd);
+    /* 64, 32 */ int (*delRoute)(QV_PAL_NetControl* thiz, QV_PAL_RouteTableInfo* cmd);
 
     /** Adds a static ARP entry, which lasts until a restart. The record is only read. */
-    /* 72 */ int (*addArpStaticEntry)(QV_PAL_NetControl* thiz, QV_PAL_ARPEntry* arpInfo);
+    /* 72, 36 */ int (*addArpStaticEntry)(QV_PAL_NetControl* thiz, QV_PAL_ARPEntry* arpInfo);
 
     /** Deletes a static ARP entry; `mac` plays no part. The record is only read. */
-    /* 80 */ int (*delArpStaticEntry)(QV_PAL_NetControl* thiz, QV_PAL_ARPEntry* arpInfo);
+    /* 80, 40 */ int (*delArpStaticEntry)(QV_PAL_NetControl* thiz, QV_PAL_ARPEntry* arpInfo);
 
     /**
      * Lists the static ARP entries. No memory, no table: Error.
@@ -663,30 +670,30 @@ struct QV_PAL_NetControl {
      * @param arpInfo  `*num` records
      * @param num      capacity on entry, 1 at least; number of entries on return, which may be 0
      */
-    /* 88 */ int (*getAllArpStaticEntry)(QV_PAL_NetControl* thiz, QV_PAL_ARPEntry* arpInfo,
-                                         int* num);
+    /* 88, 44 */ int (*getAllArpStaticEntry)(QV_PAL_NetControl* thiz, QV_PAL_ARPEntry* arpInfo,
+                                             int* num);
 
     /** The same for those of one address, one on each interface that has it. */
-    /* 96 */ int (*getArpStaticInfoByIp)(QV_PAL_NetControl* thiz, const char* ip,
-                                         QV_PAL_ARPEntry* arpInfo, int* num);
+    /* 96, 48 */ int (*getArpStaticInfoByIp)(QV_PAL_NetControl* thiz, const char* ip,
+                                             QV_PAL_ARPEntry* arpInfo, int* num);
 
     /** Sets the power that all ports share, in the driver's unit. Works with a NULL object too. */
-    /* 104 */ int (*setPoETotalPower)(QV_PAL_NetControl* thiz, uint32_t power);
+    /* 104, 52 */ int (*setPoETotalPower)(QV_PAL_NetControl* thiz, uint32_t power);
 
     /** Empty. */
-    /* 112 */ int (*setPhyWolMode)(QV_PAL_NetControl* thiz, int mode);
+    /* 112, 56 */ int (*setPhyWolMode)(QV_PAL_NetControl* thiz, int mode);
 
-    /* 120 */ void* reserved[113]; /**< NULL */
+    /* 120, 60 */ void* reserved[113]; /**< NULL */
 };
 
 /* ---- records of bridge objects ---- */
 
-/** The bridge that an object is for; size 136, alignment 8. */
+/** The bridge that an object is for; size 136, alignment 8 (32 bits: size 128, alignment 4). */
 typedef struct NetBrDesc {
-    /* 0 */ const char* name;    /**< "br" and a digit, and whatever follows; copied */
-    /* 8 */ const char** subDev; /**< `num` names, the first read even when 0; not kept */
-    /* 16 */ int num;
-    /* 20 */ int reserved[29];
+    /* 0 */ const char* name;       /**< "br" and a digit, and whatever follows; copied */
+    /* 8, 4 */ const char** subDev; /**< `num` names, the first read even when 0; not kept */
+    /* 16, 8 */ int num;
+    /* 20, 12 */ int reserved[29];
 } NetBrDesc;
 
 /** A port of a bridge; size 128, alignment 1. */
@@ -697,7 +704,7 @@ typedef struct QV_PAL_NetBrDevice {
 /* ---- bridge objects ---- */
 
 /**
- * A bridge; size 256, alignment 8.
+ * A bridge; size 256, alignment 8 (32 bits: size 128, alignment 4).
  *
  * Each object is counted, and its last `release` ends the bridge and frees the object. Two objects
  * of one bridge count apart: the last release of either ends the bridge under the other, whose
@@ -713,7 +720,7 @@ struct NetBridge {
      *
      * @return 0, not the count; -1 for NULL
      */
-    /* 8 */ int (*addRef)(NetBridge* thiz);
+    /* 8, 4 */ int (*addRef)(NetBridge* thiz);
 
     /**
      * Takes a reference off. At 0 the bridge is ended, in the system and in the settings, its cards
@@ -721,32 +728,32 @@ struct NetBridge {
      *
      * @return the new count, whatever became of the bridge; -1 for NULL
      */
-    /* 16 */ int (*release)(NetBridge* thiz);
+    /* 16, 8 */ int (*release)(NetBridge* thiz);
 
     /**
      * Tells the bridge's cards as a bit mask, 0 for a bridge without any: bit n stands for eth<n>,
      * where n is one digit. A port that is no eth card: Warn, and it sets no bit.
      */
-    /* 24 */ int (*getBridgeDevicesInfo)(NetBridge* thiz, unsigned int* slave);
+    /* 24, 12 */ int (*getBridgeDevicesInfo)(NetBridge* thiz, unsigned int* slave);
 
     /**
      * Tells whether a card is saved as an edge port of the bridge.
      *
      * @return 0 when it is, -1 when not
      */
-    /* 32 */ int (*isEdgePort)(NetBridge* thiz, const char* dev);
+    /* 32, 16 */ int (*isEdgePort)(NetBridge* thiz, const char* dev);
 
     /**
      * Makes a port an edge port (`ctrl` 0), which leads to no other bridge, or takes that off it
      * (1), and saves that; any other `ctrl` is refused with an Error.
      */
-    /* 40 */ int (*edgePortCtrl)(NetBridge* thiz, const char* dev, int ctrl);
+    /* 40, 20 */ int (*edgePortCtrl)(NetBridge* thiz, const char* dev, int ctrl);
 
     /** Tells the saved mode of spanning tree. `enable` is always 0. */
-    /* 48 */ int (*getInfo)(NetBridge* thiz, STPInfo* info);
+    /* 48, 24 */ int (*getInfo)(NetBridge* thiz, STPInfo* info);
 
     /** Turns spanning tree on or off, and saves its mode. */
-    /* 56 */ int (*bridgeCtrl)(NetBridge* thiz, const STPInfo* info);
+    /* 56, 28 */ int (*bridgeCtrl)(NetBridge* thiz, const STPInfo* info);
 
     /**
      * Lists the ports.
@@ -755,9 +762,9 @@ struct NetBridge {
      * @param num     capacity on entry, 1 and more, of which 32 count; number of ports on return.
      *                -1 leaves 32 there when it was more
      */
-    /* 64 */ int (*getBridgeDevices)(NetBridge* thiz, QV_PAL_NetBrDevice* device, int* num);
+    /* 64, 32 */ int (*getBridgeDevices)(NetBridge* thiz, QV_PAL_NetBrDevice* device, int* num);
 
-    /* 72 */ void* reserved[23]; /**< NULL */
+    /* 72, 36 */ void* reserved[23]; /**< NULL */
 };
 
 /* ---- factories and what belongs to the module ---- */

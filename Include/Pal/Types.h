@@ -231,9 +231,12 @@ typedef VORLIX_ENUM(IPV6_ADDR_SCOPE_TYPE_E) {
 } IPV6_ADDR_SCOPE_TYPE_E;
 
 /* clang-format on */
-/* ---- records; the comment in front of a field is its offset in bytes ---- */
+/* ---- records; in front of a field stands its offset in bytes, that of 32 bits second ---- */
 
-/** Counters of one interface, from its line in /proc/net/dev; size 128, alignment 8. */
+/**
+ * Counters of one interface, from its line in /proc/net/dev; size 128, alignment 8 (32-bit x86:
+ * alignment 4).
+ */
 typedef struct NetDataStat {
     /* 0 */ uint64_t transmittedBytes;
     /* 8 */ uint64_t receivedBytes;
@@ -253,7 +256,7 @@ typedef struct NetDataStat {
     /* 76 */ char reserved[52];
 } NetDataStat;
 
-/** One interface with its counters; size 144, alignment 8. */
+/** One interface with its counters; size 144, alignment 8 (32-bit x86: alignment 4). */
 typedef struct InterfaceInfo {
     /* 0 */ char name[16];
     /* 16 */ NetDataStat netDatastat;
@@ -435,20 +438,22 @@ typedef struct tagNetDevice {
     /* 28 */ uint32_t resv[3];
 } NetDevice;
 
-/** Bytes of one interface since the kernel made it; size 16, alignment 8. */
+/**
+ * Bytes of one interface since the kernel made it; size 16, alignment 8 (32-bit x86: alignment 4).
+ */
 typedef struct NetStats {
     /* 0 */ uint64_t rx_bytes;
     /* 8 */ uint64_t tx_bytes;
 } NetStats;
 
-/** A ping and its answer; size 104, alignment 8. */
+/** A ping and its answer; size 104, alignment 8 (32 bits: size 96, alignment 4). */
 typedef struct tagPING {
     /* 0 */ char acFrom[40];  /**< name of the source card */
     /* 40 */ char acTo[40];   /**< dotted address of the destination */
     /* 80 */ int32_t s32Len;  /**< not read */
     /* 84 */ int32_t s32Time; /**< answer: elapsed time in microseconds */
     /* 88 */ int32_t s32Ttl;  /**< not read */
-    /* 96 */ void* pvoid;     /**< not read */
+    /* 96, 92 */ void* pvoid; /**< not read */
 } PING_S;
 
 /** One port of the switch as version 2 shows it; size 32, alignment 4. */
