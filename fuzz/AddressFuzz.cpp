@@ -11,9 +11,12 @@
 #include "Other.h"
 #include "Support/Text.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 #include <arpa/inet.h>
+#include <linux/sockios.h>
 
 namespace {
 
@@ -44,7 +47,10 @@ void RoundTrips(const char* text)
 
 bool Asked()
 {
-    return !fake::TraceOf({"ioctl SIOCSIFADDR", "ioctl SIOCSIFHWADDR", "ioctl SIOCSARP"}).empty();
+    constexpr unsigned long kChanges[] = {SIOCSIFADDR, SIOCSIFHWADDR, SIOCSARP};
+    const std::vector<unsigned long>& asked = fuzz::Requests();
+    return std::find_first_of(asked.begin(), asked.end(), std::begin(kChanges),
+                              std::end(kChanges)) != asked.end();
 }
 
 void ChangesNothingByOtherTexts(const char* text)
@@ -53,23 +59,23 @@ void ChangesNothingByOtherTexts(const char* text)
     in_addr loose{};
     unsigned char mac[vorlix::kMacSize] = {};
 
-    fake::ClearTrace();
+    fuzz::ForgetRequests();
     (void)Net_SetIPbyName("eth0", text, "255.255.255.0");
     HOLDS(!Asked() || inet_aton(text, &loose) != 0);
 
-    fake::ClearTrace();
+    fuzz::ForgetRequests();
     (void)Net_SetMacbyName("eth0", text);
     HOLDS(!Asked() || vorlix::ParseMac(text, mac));
 
     NetARPEntry entry{};
     vorlix::CopyText(entry.ip, text);
     vorlix::CopyText(entry.mac, "02:00:00:00:00:07");
-    fake::ClearTrace();
+    fuzz::ForgetRequests();
     (void)arpSetStaticEntry(&entry);
     HOLDS(!Asked() || vorlix::ParseIPv4(entry.ip, &value));
     vorlix::CopyText(entry.ip, "10.0.0.1");
     vorlix::CopyText(entry.mac, text);
-    fake::ClearTrace();
+    fuzz::ForgetRequests();
     (void)arpSetStaticEntry(&entry);
     HOLDS(!Asked() || vorlix::ParseMac(entry.mac, mac));
 }

@@ -41,9 +41,9 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string address = fuzz::Address(input);
     const std::string bytes = input.Rest();
     fuzz::FreshWorld();
-    fake::Remove("/dev/pdcRtc");
-    fake::Remove("/dev/pdcSramFile");
-    fake::Put(rtc ? "/dev/pdcRtc" : "/dev/pdcSramFile", "");
+    fuzz::Remove("/dev/pdcRtc");
+    fuzz::Remove("/dev/pdcSramFile");
+    fuzz::Put(rtc ? "/dev/pdcRtc" : "/dev/pdcSramFile", "");
     fake::BackupMemory& memory = rtc ? fake::kernel.rtc : fake::kernel.sram;
     memcpy(memory.bytes, bytes.data(), std::min(bytes.size(), sizeof(memory.bytes)));
     CheckDeviceType();
@@ -64,6 +64,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         char text[16];
         HOLDS(value.restore("eth0", text) && text == address);
     }
-    HOLDS(fake::HeldMutexes() == 0);
+    HOLDS(fuzz::HeldMutexes() == 0);
     return 0;
 }

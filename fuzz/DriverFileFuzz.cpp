@@ -46,12 +46,12 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fake::kernel.Add("bond0");
     fake::kernel.Add("br0");
     for (const char* attribute : kAttributes) {
-        fake::Put(std::string("/sys/class/net/bond0/bonding/") + attribute, content);
+        fuzz::Put(std::string("/sys/class/net/bond0/bonding/") + attribute, content);
     }
-    fake::Remove("/sys/class/net/br0");
-    fake::Put("/sys/class/net/br0/carrier", content);
-    fake::Put("/sys/class/net/br0/brif/" + port, "");
-    fake::Put("/sys/class/net/br0/brif/eth1", "");
+    fuzz::Remove("/sys/class/net/br0");
+    fuzz::Put("/sys/class/net/br0/carrier", content);
+    fuzz::Put("/sys/class/net/br0/brif/" + port, "");
+    fuzz::Put("/sys/class/net/br0/brif/eth1", "");
 
     ReadMembers(Bond_GetBondMembers, "bond0");
     ReadMembers(Bridge_GetBridgeMembers, "br0");
@@ -63,6 +63,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     (void)Bridge_IsBridgeExist("br0");
     STPInfo stp{};
     (void)BridgeGetStpInfo("br0", &stp);
-    HOLDS(fake::HeldMutexes() == 0);
+    HOLDS(fuzz::HeldMutexes() == 0);
     return 0;
 }

@@ -3,44 +3,12 @@
 
 #include "Fuzz.h"
 
-#include "fake/Rtnetlink.h"
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace fuzz {
-
-namespace {
-
-namespace fs = std::filesystem;
-
-std::string folder;
-
-void RemoveFolder()
-{
-    std::error_code ignored;
-    fs::remove_all(folder, ignored);
-}
-
-void Begin()
-{
-    char name[] = "/dev/shm/vorlix-fuzz-XXXXXX";
-    if (mkdtemp(name) == nullptr) abort();
-    folder = name;
-    atexit(RemoveFolder);
-    fake::UseScratch(folder);
-    const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-    dup2(nowhere, STDOUT_FILENO);
-    close(nowhere);
-}
-
-}  // namespace
 
 uint8_t Input::Byte()
 {
@@ -81,23 +49,9 @@ std::string Address(Input& input)
     return text;
 }
 
-void FreshWorld()
-{
-    const fake::OwnCalls preparing;
-    if (folder.empty()) Begin();
-    fs::remove_all(fake::Mapped("/mnt/mtd"));
-    fake::ResetCalls();
-    fake::ResetKernel();
-    fake::ResetTools();
-    fake::ResetRtnetlink();
-    fake::MakeFolder("/mnt/mtd/Config");
-    for (const char* name : {"eth0", "eth1"}) fake::kernel.Add(name);
-}
-
 void Broken(const char* property, const char* file, int line)
 {
     fprintf(stderr, "%s:%d: does not hold: %s\n", file, line, property);
-    RemoveFolder();
     abort();
 }
 

@@ -9,7 +9,7 @@
 // A target defines `LLVMFuzzerTestOneInput`. It is linked with libFuzzer to search, and with
 // Replay.cpp to go through the kept inputs among the other tests.
 
-#include "fake/World.h"
+#include "world/World.h"
 
 #include <cstdint>
 #include <string>
@@ -43,10 +43,6 @@ private:
 
 /// A dotted address that is never 0.0.0.0.
 std::string Address(Input& input);
-
-/// A scratch folder, an empty trace and cards eth0 and eth1, as at the start of a process; the
-/// setting files of the run before are gone. The log goes nowhere.
-void FreshWorld();
 
 /// Ends the run with the property's text.
 [[noreturn]] void Broken(const char* property, const char* file, int line);

@@ -7,12 +7,8 @@
 #include "Fuzz.h"
 
 #include "Netlink.h"
-#include "fake/Rtnetlink.h"
 
 #include <cstring>
-#include <ctime>
-
-#include <unistd.h>
 
 namespace {
 
@@ -47,7 +43,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fuzz::Input input(data, size);
     fuzz::FreshWorld();
-    fake::SetClock(1000);
+    fuzz::SetClock(1000);
     while (true) {
         fake::Datagram answer;
         if ((input.Byte() & 1) != 0) answer.flags = MSG_TRUNC;
@@ -69,7 +65,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int result = rtnl_talk(&handle, &request.header, 0, 0, nullptr, nullptr, nullptr);
     HOLDS(result == 0 || result == -1);
     HOLDS(fake::rtnetlink.requests.size() == 1);
-    close(handle.fd);
-    HOLDS(fake::OpenHandles().empty());
+    fuzz::Close(handle.fd);
+    HOLDS(fuzz::OpenHandles() == 0);
     return 0;
 }

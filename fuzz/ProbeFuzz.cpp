@@ -9,8 +9,6 @@
 
 #include <cstring>
 
-#include <unistd.h>
-
 namespace {
 
 constexpr char kOurIP[] = "10.1.2.3";
@@ -43,7 +41,7 @@ void CheckEcho(const std::string& bytes)
     const auto size = static_cast<int>(std::min(bytes.size(), size_t{64}));
     const fuzz::Buffer echo(static_cast<size_t>(size) + 1);
     memcpy(echo.Get(), bytes.data(), static_cast<size_t>(size));
-    const auto us = static_cast<uint16_t>(getpid());
+    const auto us = static_cast<uint16_t>(fuzz::kProcess);
     uint16_t id = 0;
     if (size >= 6) memcpy(&id, echo.Get() + 4, sizeof(id));
     const bool ours = size >= 28 && echo.Get()[0] == 0 && id == us;
@@ -72,7 +70,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     CheckFrame(bytes);
     CheckSumOf(bytes);
     if (ourEcho && bytes.size() >= 6) {
-        const auto us = static_cast<uint16_t>(getpid());
+        const auto us = static_cast<uint16_t>(fuzz::kProcess);
         memcpy(bytes.data() + 4, &us, sizeof(us));
     }
     CheckEcho(bytes);

@@ -77,27 +77,27 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string value = input.Text(60, kValueCharacters);
     const std::string content = input.Rest();
     fuzz::FreshWorld();
-    fake::Put(kFile, content);
+    fuzz::Put(kFile, content);
 
     // Any reader of any key keeps to its buffer.
     const fuzz::Buffer small(16);
     const bool found = GetValueByKey(kFile, key.c_str(), small.Get(), 16);
     HOLDS(found ? small.IsText() : small.IsUntouched());
-    HOLDS(fake::Get(kFile) == content);
+    HOLDS(fuzz::Get(kFile) == content);
 
     bool refused = false;
     const std::string foretold = Foretold(content, key, value, &refused);
     HOLDS(SetValueByKey(kFile, key.c_str(), value.c_str()) == !refused);
-    HOLDS(fake::Get(kFile) == foretold);
+    HOLDS(fuzz::Get(kFile) == foretold);
 
     if (!refused) {
         const fuzz::Buffer back(256);
         HOLDS(GetValueByKey(kFile, key.c_str(), back.Get(), 256) == !Stripped(value).empty());
         HOLDS(Stripped(value).empty() || back.Get() == Stripped(value));
         HOLDS(SetValueByKey(kFile, key.c_str(), value.c_str()));
-        HOLDS(fake::Get(kFile) == foretold);
+        HOLDS(fuzz::Get(kFile) == foretold);
     }
-    HOLDS(fake::OpenHandles().empty());
-    HOLDS(fake::HeldMutexes() == 0);
+    HOLDS(fuzz::OpenHandles() == 0);
+    HOLDS(fuzz::HeldMutexes() == 0);
     return 0;
 }

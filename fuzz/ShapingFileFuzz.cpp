@@ -47,7 +47,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     added.ipType = input.Byte();
     const std::string content = input.Rest();
     fuzz::FreshWorld();
-    fake::Put("/mnt/mtd/Config/nettc_eth0", content);
+    fuzz::Put("/mnt/mtd/Config/nettc_eth0", content);
 
     (void)List(1);
     const Listing before = List(kRoom);
@@ -62,6 +62,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         HOLDS(memcmp(after.limits.get(), before.limits.get(),
                      sizeof(NetTc) * static_cast<size_t>(before.count)) == 0);
     }
-    HOLDS(fake::OpenHandles().empty());
+    HOLDS(fuzz::OpenHandles() == 0);
     return 0;
 }

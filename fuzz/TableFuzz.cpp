@@ -18,20 +18,6 @@
 
 namespace {
 
-struct Table {
-    const char* path;
-    const char* usual;
-};
-
-constexpr Table kTables[] = {
-    {"/proc/net/dev",
-     "Inter-|   Receive\n face |bytes\n  eth0: 1 2 3 4 5 6 7 8 9 10 11 12 13 14\n"},
-    {"/proc/net/route", "Iface\tDestination\neth0\t0000000A\t00000000\t0001\t0\t0\t0\t000000FF\n"},
-    {"/proc/net/ipv6_route", ""},
-    {"/proc/net/if_inet6", "fe80000000000000020000fffe000001 02 40 20 80     eth0\n"},
-    {"/proc/net/arp", "IP address\n10.0.0.1 0x1 0x6 02:00:00:00:00:07 * eth0\n"},
-    {"/proc/net/wireless", ""},
-};
 constexpr int kRooms[] = {0, 1, 3, 32};
 
 using Lister = bool (*)(char (*)[16], int*);
@@ -67,9 +53,7 @@ void ListRoutes(int room)
     auto routes = Rows<IPv4Route>(room);
     int count = room;
     if (Route_GetIPv4Route(routes.get(), &count)) HOLDS(count >= 0 && count <= room);
-    auto routes6 = Rows<IPv6Route>(room);
-    count = room;
-    if (Route_GetIPv6Route(routes6.get(), &count)) HOLDS(count >= 0 && count <= room);
+    (void)Route_IsExistInSys("10.0.0.0", "0.0.0.0", "255.0.0.0", "eth0");
     for (const uint8_t type : {0, 1}) {
         auto all = Rows<NetRouteTableInfo>(room + 1);
         all[0].type = type;
@@ -94,14 +78,33 @@ void ListNeighbours(int room)
     }
 }
 
-void AskForOne()
+void ListRoutes6(int room)
 {
+    auto routes = Rows<IPv6Route>(room);
+    int count = room;
+    if (Route_GetIPv6Route(routes.get(), &count)) HOLDS(count >= 0 && count <= room);
+}
+
+void AskForCard(int room)
+{
+    ListNames(room);
+    NetDataStat state{};
+    (void)Net_GetDataStat("eth0", &state);
+    const char* name = "eth0";
+    (void)CheckEthExist(&name, 1);
+}
+
+void AskForNeighbour(int room)
+{
+    ListNeighbours(room);
     const fuzz::Buffer ip(16);
     HOLDS(!Other_GetIPByMac("02:00:00:00:00:07", ip.Get()) || ip.IsText());
     const fuzz::Buffer mac(18);
     HOLDS(!Other_GetMacByIP("10.0.0.1", mac.Get()) || mac.IsText());
-    NetDataStat state{};
-    (void)Net_GetDataStat("eth0", &state);
+}
+
+void AskForAddress6(int /*room*/)
+{
     const fuzz::Buffer ip6(46);
     const fuzz::Buffer prefix(8);
     if (Net6_GetIPv6byName("eth0", ip6.Get(), 46, prefix.Get(), 8)) {
@@ -109,12 +112,36 @@ void AskForOne()
     }
     (void)Net6_GetInterfaceIndex("eth0");
     (void)Net6_GetLinkLocalAddressIpv6("eth0", ip6.Get(), 46);
+}
+
+void AskForWifi(int room)
+{
     bool connected = false;
     (void)NetCardIsWifi("eth2", &connected);
-    const char* name = "eth0";
-    (void)CheckEthExist(&name, 1);
-    (void)Route_IsExistInSys("10.0.0.0", "0.0.0.0", "255.0.0.0", "eth0");
+    auto list = Rows<NetInterfaceInfo>(room);
+    int count = room;
+    if (NetGetAllInterface(list.get(), &count)) HOLDS(count >= 0 && count <= room);
 }
+
+// ---- tables
+
+struct Table {
+    const char* path;
+    const char* usual;
+    void (*readers)(int room);
+};
+
+constexpr Table kTables[] = {
+    {"/proc/net/dev", "Inter-|   Receive\n face |bytes\n  eth0: 1 2 3 4 5 6 7 8 9 10 11 12 13 14\n",
+     AskForCard},
+    {"/proc/net/route", "Iface\tDestination\neth0\t0000000A\t00000000\t0001\t0\t0\t0\t000000FF\n",
+     ListRoutes},
+    {"/proc/net/ipv6_route", "", ListRoutes6},
+    {"/proc/net/if_inet6", "fe80000000000000020000fffe000001 02 40 20 80     eth0\n",
+     AskForAddress6},
+    {"/proc/net/arp", "IP address\n10.0.0.1 0x1 0x6 02:00:00:00:00:07 * eth0\n", AskForNeighbour},
+    {"/proc/net/wireless", "", AskForWifi},
+};
 
 }  // namespace
 
@@ -126,11 +153,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string content = input.Rest();
     fuzz::FreshWorld();
     for (const Table& table : kTables) {
-        fake::Put(table.path, &table == chosen ? content : table.usual);
+        fuzz::Put(table.path, &table == chosen ? content : table.usual);
     }
-    ListNames(room);
-    ListRoutes(room);
-    ListNeighbours(room);
-    AskForOne();
+    chosen->readers(room);
     return 0;
 }
