@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -75,6 +76,9 @@ int RunEachInAChild(const Names& wanted)
 
 int main(int argc, char** argv)
 {
+    // A shell lets what it runs in the background ignore both.
+    signal(SIGINT, SIG_DFL);
+    signal(SIGQUIT, SIG_DFL);
     testing::InitGoogleTest(&argc, argv);
     const char* list = getenv("VORLIX_FORK_EACH");
     return list == nullptr ? RUN_ALL_TESTS() : RunEachInAChild(ReadNames(list));
