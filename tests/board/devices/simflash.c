@@ -25,12 +25,16 @@
 #define IVSHMEM_DEVICE 0x1110
 #define IVSHMEM_BAR    2
 
-#define SECTOR_SIZE (16 * 1024)
-#define ERASE_SLICE 1024
+#define BATTERY_SIZE (16 * 1024)
+#define ERASE_SLICE  1024
 
 static bool with_flash;
 module_param(with_flash, bool, 0444);
 MODULE_PARM_DESC(with_flash, "put in the flash");
+
+static unsigned int flash_sector = 16 * 1024;
+module_param(flash_sector, uint, 0444);
+MODULE_PARM_DESC(flash_sector, "bytes that are erased together, whole KiB");
 
 static unsigned int cut_after;
 module_param(cut_after, uint, 0644);
@@ -45,7 +49,8 @@ module_param(flash_erasures, uint, 0644);
 MODULE_PARM_DESC(flash_erasures, "sectors erased so far");
 
 static struct pci_dev *shared;
-static u8 *cells; /* all but the last sector, which is the battery's */
+static u8 *cells; /* the flash, and at the end what the battery keeps */
+static u8 *battery;
 
 static void count_byte(void)
 {
@@ -85,7 +90,7 @@ static int flash_erase(struct mtd_info *mtd, struct erase_info *area)
 		memset(cells + area->addr + done, 0xFF, ERASE_SLICE);
 		count_byte();
 	}
-	flash_erasures += div_u64(area->len, SECTOR_SIZE);
+	flash_erasures += div_u64(area->len, flash_sector);
 	return 0;
 }
 
@@ -93,7 +98,6 @@ static struct mtd_info flash = {
 	.name = "simflash",
 	.type = MTD_NORFLASH,
 	.flags = MTD_CAP_NORFLASH,
-	.erasesize = SECTOR_SIZE,
 	.writesize = 1,
 	.writebufsize = 1,
 	.owner = THIS_MODULE,
@@ -104,7 +108,7 @@ static struct mtd_info flash = {
 
 u8 *board_battery(size_t size)
 {
-	return cells && size <= SECTOR_SIZE ? cells + flash.size : NULL;
+	return cells && size <= BATTERY_SIZE ? battery : NULL;
 }
 
 void board_flash_exit(void)
@@ -120,9 +124,12 @@ void board_flash_exit(void)
 int board_flash_init(void)
 {
 	int error = -ENODEV;
+	u64 room;
 
 	if (!with_flash)
 		return 0;
+	if (!flash_sector || flash_sector % ERASE_SLICE)
+		return -EINVAL;
 	shared = pci_get_device(IVSHMEM_VENDOR, IVSHMEM_DEVICE, NULL);
 	if (!shared)
 		return error;
@@ -134,7 +141,10 @@ int board_flash_init(void)
 			 pci_resource_len(shared, IVSHMEM_BAR), MEMREMAP_WB);
 	if (!cells)
 		goto put;
-	flash.size = pci_resource_len(shared, IVSHMEM_BAR) - SECTOR_SIZE;
+	room = pci_resource_len(shared, IVSHMEM_BAR) - BATTERY_SIZE;
+	battery = cells + room;
+	flash.erasesize = flash_sector;
+	flash.size = div_u64(room, flash_sector) * flash_sector;
 	error = mtd_device_register(&flash, NULL, 0);
 	if (!error)
 		return 0;
