@@ -15,7 +15,7 @@ arch=$1
 host=$(dpkg --print-architecture)
 cache=${XDG_CACHE_HOME:-$HOME/.cache}/vorlix-board
 state=$cache/apt-$arch
-tools="busybox-static dash net-tools bridge-utils iproute2 iputils-ping iptables ifupdown ifenslave libc6"
+tools="busybox-static dash net-tools bridge-utils iproute2 iputils-ping iptables ifupdown ifenslave mtd-utils libc6"
 
 # apt_of ARCHITECTURE COMMAND...: with lists of its own
 apt_of()
