@@ -51,7 +51,6 @@ constexpr int32_t kSwitchInterface = 1;
 constexpr int32_t kCardAndSwitch = 2;
 
 constexpr int kJoinedSize = 255;
-constexpr int kJoinedFull = kJoinedSize - 1;
 constexpr int kCounterTokens = 17;
 constexpr int kTokenSize = 32;
 constexpr int kCommandNotFound = 127;
@@ -313,10 +312,9 @@ void StoreCounters(NetDataStat* stat, const char* line)
 void JoinNames(Names names, int count, char (&joined)[kJoinedSize])
 {
     joined[0] = '\0';
-    int length = 0;
-    for (int i = 0; i < count && length < kJoinedFull; ++i) {
-        length +=
-            FormatText(joined + length, static_cast<size_t>(kJoinedSize - length), "%s,", names[i]);
+    size_t length = 0;
+    for (int i = 0; i < count; ++i) {
+        length += JoinTexts(joined + length, sizeof(joined) - length, {names[i], ","});
     }
 }
 

@@ -66,14 +66,10 @@ bool FormPath(const char* base, const char* name, char* file, int len)
 {
     if (name == nullptr || file == nullptr || len <= 0) return false;
 
-    const auto size = static_cast<size_t>(len);
-    if (Equal(name, kFirstCard)) {
-        FormatText(file, size, "%s", base);
-    } else if (Equal(name, kSecondCard)) {
-        FormatText(file, size, "%s1", base);
-    } else {
-        FormatText(file, size, "%s%s", base, name);
-    }
+    const char* suffix = name;
+    if (Equal(name, kFirstCard)) suffix = "";
+    if (Equal(name, kSecondCard)) suffix = "1";
+    JoinTexts(file, static_cast<size_t>(len), {base, suffix});
     return true;
 }
 
@@ -246,13 +242,12 @@ void CloseLine(char (&line)[kLineSize])
 ///         a bad read has hidden
 bool KeepKnownLines(const char* filename, FILE* scan, KeptLines* kept)
 {
-    char line[kLineSize];
     for (int i = 0; i < kLinesLookedAt && kept->count < kLinesKept; ++i) {
+        auto& line = kept->text[kept->count];
         if (fgets(line, sizeof(line), scan) == nullptr) break;
         if (!HoldsKnownKey(line)) continue;
 
         CloseLine(line);
-        CopyText(kept->text[kept->count], line);
         ++kept->count;
     }
     if (ferror(scan) == 0) return true;
@@ -278,7 +273,7 @@ bool PutLine(const char* key, const char* value, KeptLines* kept)
                      key, value, place, kLinesKept);
         return false;
     }
-    FormatText(kept->text[place], sizeof(kept->text[place]), "%s = %s\n", key, value);
+    JoinTexts(kept->text[place], sizeof(kept->text[place]), {key, " = ", value, "\n"});
     if (place == kept->count) ++kept->count;
     return true;
 }
@@ -344,7 +339,7 @@ void LookOnly()
 
 void FormListedPath(const char* file, char (&path)[kPathSize])
 {
-    FormatText(path, sizeof(path), "%s/%s", kConfigFolder, file);
+    JoinTexts(path, sizeof(path), {kConfigFolder, "/", file});
 }
 
 const char* CardOfFile(const char* file)

@@ -13,6 +13,14 @@
 
 namespace vorlix {
 
+bool Contains(const char* text, const char* part)
+{
+    for (; *text != '\0'; ++text) {
+        if (StartsWith(text, part)) return true;
+    }
+    return *part == '\0';
+}
+
 void CopyText(char* dest, size_t size, const char* src)
 {
     if (size == 0) return;
@@ -28,6 +36,16 @@ int FormatText(char* dest, size_t size, const char* format, ...)
     va_start(arguments, format);
     const int length = vsnprintf(dest, size, format, arguments);
     va_end(arguments);
+    return length;
+}
+
+size_t JoinTexts(char* dest, size_t size, std::initializer_list<const char*> texts)
+{
+    size_t length = 0;
+    for (const char* text : texts) {
+        for (; *text != '\0' && length < size - 1; ++text) dest[length++] = *text;
+    }
+    dest[length] = '\0';
     return length;
 }
 

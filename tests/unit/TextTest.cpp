@@ -137,6 +137,22 @@ TEST(FormatText, CutsAndTellsTheWholeLength)
     EXPECT_EQ(buffer.Written(6), "bond1" + Zeros(1));
 }
 
+TEST(JoinTexts, WritesTextsBehindEachOther)
+{
+    Buffer buffer;
+    EXPECT_EQ(JoinTexts(buffer.bytes, 16, {"MTU", " = ", "", "1500"}), 10U);
+    EXPECT_EQ(buffer.Written(11), "MTU = 1500" + Zeros(1));
+}
+
+TEST(JoinTexts, CutsWithinAnyOfThem)
+{
+    Buffer buffer;
+    EXPECT_EQ(JoinTexts(buffer.bytes, 6, {"bond", "0123", "x"}), 5U);
+    EXPECT_EQ(buffer.Written(6), "bond0" + Zeros(1));
+    EXPECT_EQ(JoinTexts(buffer.bytes, 1, {"bond"}), 0U);
+    EXPECT_STREQ(buffer.bytes, "");
+}
+
 // ---- tests on names
 
 TEST(Contains, FindsAPartAnywhere)
