@@ -10,12 +10,14 @@
 // measured time; after each run the end state is looked at, so that nobody is fast by doing less.
 // A manager that stays is measured until that state is there, and ended then.
 //
-// The floor, bench/floor, makes the kernel calls that the boot's stated work is made of, from a
-// list taken down here of a boot of the same cards.
+// The floor, bench/floor, makes the kernel calls that the boot's stated work is made of, and starts
+// its shells, from a list taken down here of a boot of the same cards.
 //
 // usage: tests/netns/enter.sh build/release/bench/boot LANRISE [ROUNDS [PEERS [TABLE]]]
+//        tests/netns/enter.sh build/release/bench/boot LANRISE [ROUNDS] growth
 //
-// TABLE is a file for the medians of cards, one line a contender, for bench/plot.
+// TABLE is a file for the medians of cards, one line a contender, for bench/plot. The second form
+// tells how calls and processor time grow with the cards.
 
 #include "record.h"
 
@@ -463,20 +465,27 @@ void PrepareConnman(const std::string& peers)
     if (system(bus.c_str()) != 0) Give("no message bus");
 }
 
-/// Takes down what a boot of the cards is made of.
-void WriteFloor(int count, const std::string& lanrise)
+/// Takes down what a boot of the device is made of.
+record::Run WriteFloor(const std::function<void()>& takeDown, const std::string& lanrise)
 {
-    TakeDown(count);
+    takeDown();
     const record::Run run = record::Take({lanrise});
     Write("/mnt/calls", run.replay);
-    printf("the floor makes %d calls of lanrise's %d\n", run.kept, run.calls);
+    Write("/mnt/shells", run.shells);
+    return run;
+}
+
+Contender Floor()
+{
+    return {"floor", {Beside("floor"), "/mnt/calls"}, {}};
 }
 
 void MeasureCards(int count, int rounds, const std::string& lanrise, const std::string& peers)
 {
     WriteSettings(count);
     (void)Run({lanrise});  // settled: no boot after this one writes what the one before did not
-    WriteFloor(count, lanrise);
+    const record::Run run = WriteFloor([=] { TakeDown(count); }, lanrise);
+    printf("the floor makes %d calls of lanrise's %d\n", run.kept, run.calls);
     Write("/mnt/ip.sh", IpScript(count));
     Write("/mnt/net-tools.sh", NetToolsScript(count));
     Device device = {std::to_string(count) + (count == 1 ? " card" : " cards"),
@@ -490,7 +499,7 @@ void MeasureCards(int count, int rounds, const std::string& lanrise, const std::
                       {"ip -batch", {"sh", "/mnt/ip.sh"}, {}},
                       {"net-tools", {"sh", "/mnt/net-tools.sh"}, {}},
                       {"bare requests", {Beside("bare"), std::to_string(count)}, {}},
-                      {"floor", {Beside("floor"), "/mnt/calls"}, {}}}};
+                      Floor()}};
     for (const Contender& manager : Managers(count, peers)) device.contenders.push_back(manager);
     // Without udev networkd waits for no card when it may not write to /sys.
     if (!peers.empty()) (void)!system("mount -o remount,ro,bind /sys");
@@ -539,8 +548,11 @@ void TakeBridgeDown()
     TakeDown(2);
 }
 
+constexpr char kShellsAlone[] = "its shells alone";
+
 void CheckBridge(const std::string& who)
 {
+    if (who == kShellsAlone) return;  // address and routes are lanrise's own work
     if (system("test -e /sys/class/net/br0/brif/eth0 -a -e /sys/class/net/br0/brif/eth1") != 0) {
         Give(who + " left the bridge without its cards");
     }
@@ -553,16 +565,156 @@ void CheckBridge(const std::string& who)
 void MeasureBridge(int rounds, const std::string& lanrise)
 {
     WriteBridgeSettings();
+    (void)Run({lanrise});
+    const record::Run run = WriteFloor(TakeBridgeDown, lanrise);
+    printf("the floor makes %d calls of lanrise's %d, and its shells\n", run.kept, run.calls);
     Write("/mnt/bridge.sh", kBridgeScript);
     Write("/mnt/interfaces", kInterfaces);
     std::vector<Contender> contenders = {{"lanrise", {lanrise}, {}},
-                                         {"script with ip", {"sh", "/mnt/bridge.sh"}, {}}};
+                                         {"script with ip", {"sh", "/mnt/bridge.sh"}, {}},
+                                         Floor(),
+                                         {kShellsAlone, {Beside("floor"), "/mnt/shells"}, {}}};
     if (system("command -v ifup >/dev/null") == 0) {
         contenders.push_back({"ifup -a", {"ifup", "-a", "-i", "/mnt/interfaces"}, {}});
     } else {
         printf("ifup is not here: Debian's ifupdown has it\n");
     }
     Measure({"a bridge of two cards", TakeBridgeDown, CheckBridge, nullptr, contenders}, rounds);
+    TakeBridgeDown();
+}
+
+// ---- growth
+
+/// What a boot of `cards` costs.
+struct Cost {
+    int cards;
+    int calls;
+    double cpu;  // milliseconds
+    double overFloor;
+};
+
+/// Least squares of a + b n + c n^2, each point weighed by its size: what counts is how far a point
+/// is off for its own size.
+struct Fit {
+    double a, b, c;
+};
+
+double Determinant(const double (&m)[3][3])
+{
+    return m[0][0] * (m[1][1] * m[2][2] - m[1][2] * m[2][1]) -
+           m[0][1] * (m[1][0] * m[2][2] - m[1][2] * m[2][0]) +
+           m[0][2] * (m[1][0] * m[2][1] - m[1][1] * m[2][0]);
+}
+
+Fit FitOf(const std::vector<Cost>& costs, const std::function<double(const Cost&)>& of)
+{
+    double sums[3][3] = {};
+    double right[3] = {};
+    for (const Cost& cost : costs) {
+        const double n = cost.cards;
+        const double powers[] = {1, n, n * n};
+        const double weight = 1 / (of(cost) * of(cost));
+        for (int row = 0; row < 3; ++row) {
+            right[row] += weight * powers[row] * of(cost);
+            for (int column = 0; column < 3; ++column) {
+                sums[row][column] += weight * powers[row] * powers[column];
+            }
+        }
+    }
+    double solved[3];
+    for (int term = 0; term < 3; ++term) {  // Cramer's rule
+        double replaced[3][3];
+        memcpy(replaced, sums, sizeof(sums));
+        for (int row = 0; row < 3; ++row) replaced[row][term] = right[row];
+        solved[term] = Determinant(replaced) / Determinant(sums);
+    }
+    return {solved[0], solved[1], solved[2]};
+}
+
+void PrintGrowth(const std::string& title, const std::vector<Cost>& costs)
+{
+    printf("%s\n  %8s %8s %9s %9s\n", title.c_str(), "cards", "calls", "cpu ms", "/ floor");
+    for (const Cost& cost : costs) {
+        printf("  %8d %8d %9.2f %9.3f\n", cost.cards, cost.calls, cost.cpu, cost.overFloor);
+    }
+    const Fit calls = FitOf(costs, [](const Cost& cost) { return cost.calls; });
+    const Fit cpu = FitOf(costs, [](const Cost& cost) { return cost.cpu; });
+    printf("  calls  %.0f + %.1f n + %.2f n^2\n", calls.a, calls.b, calls.c);
+    printf("  cpu    %.2f + %.3f n + %.4f n^2 ms\n\n", cpu.a, cpu.b, cpu.c);
+}
+
+Cost CostOf(int count, int rounds, const std::function<void()>& takeDown,
+            const std::string& lanrise)
+{
+    const Contender floor = Floor();
+    std::vector<double> cpu;
+    std::vector<double> ratios;
+    takeDown();
+    (void)Run({lanrise});  // settled
+    const record::Run run = WriteFloor(takeDown, lanrise);
+    for (int round = -1; round < rounds; ++round) {
+        takeDown();
+        const double ours = Run({lanrise}).cpu;
+        takeDown();
+        const double least = Run(floor.command).cpu;
+        if (round < 0) continue;
+        cpu.push_back(ours);
+        ratios.push_back(ours / least);
+    }
+    return {count, run.calls, Median(cpu), Median(ratios)};
+}
+
+/// All cards in bridges of two.
+void WritePairSettings(int count)
+{
+    WriteSettings(0);
+    for (int card = 0; card < count; ++card) {
+        const std::string bridge = "br" + std::to_string(card / 2);
+        const std::string suffix = card == 0 ? "" : card == 1 ? "1" : CardName(card);
+        Write("/mnt/mtd/Config/network" + suffix,
+              "HOSTIP = " + Net(100 + card, "2") +
+                  "\nSUBMASK = 255.255.255.0\nGATEWAYIP = " + Net(100 + card, "1") +
+                  "\nMTU = 1500\nBONDED = 0\nBRIDGEEDED = 1\nBRIDGENAME = " + bridge +
+                  "\nWORKMODE = 3\n" + (card == 0 ? "DEFAULT_ETH = br0\n" : ""));
+        if (card % 2 != 0) continue;
+        Write("/mnt/mtd/Config/network" + bridge,
+              "BRIDGEMEMBERS = " + CardName(card) + "," + CardName(card + 1) +
+                  "\nHOSTIP = " + Net(card, "2") +
+                  "\nSUBMASK = 255.255.255.0\nGATEWAYIP = " + Net(card, "1") + "\nMTU = 1500\n");
+    }
+}
+
+void TakePairsDown(int count)
+{
+    std::string batch;
+    for (int bridge = 0; bridge < count / 2; ++bridge) {
+        batch += "link del br" + std::to_string(bridge) + "\n";
+    }
+    Write("/mnt/bridges", batch);
+    (void)!system("ip -force -batch /mnt/bridges 2>/dev/null");
+    TakeDown(count);
+}
+
+/// Thirty-two interfaces are what a device may have, bridges among them.
+void MeasureGrowth(int rounds, const std::string& lanrise)
+{
+    std::vector<Cost> alone;
+    std::vector<Cost> paired;
+    int made = 0;
+    for (const int count : {1, 2, 4, 8, 16, 32}) {
+        MakeCards(made, count);
+        made = count;
+        WriteSettings(count);
+        alone.push_back(CostOf(
+            count, rounds, [=] { TakeDown(count); }, lanrise));
+        if (count < 2 || count > 16) continue;
+        WritePairSettings(count);
+        paired.push_back(CostOf(
+            count, rounds, [=] { TakePairsDown(count); }, lanrise));
+        TakePairsDown(count);
+    }
+    PrintGrowth("cards alone", alone);
+    PrintGrowth("all cards in bridges of two, their shells included", paired);
 }
 
 /// The size on a device: packages strip what the build leaves whole.
@@ -584,19 +736,27 @@ int main(int argc, char** argv)
     const std::string lanrise = argv[1];
     const int rounds = argc > 2 ? atoi(argv[2]) : 31;
     const std::string peers = argc > 3 ? argv[3] : "";
+    const bool isGrowth = peers == "growth";
     if (argc > 4) medians = fopen(argv[4], "w");
     // Cards here may only be those of a namespace made for this run.
     if (if_nametoindex("eth0") != 0) Give("run me through tests/netns/enter.sh");
 
     control = socket(AF_INET, SOCK_DGRAM, 0);
+    if (isGrowth) {
+        MeasureGrowth(rounds, lanrise);
+        return 0;
+    }
     if (Has(peers + "/usr/sbin/connmand")) PrepareConnman(peers);
     int made = 0;
-    for (const int count : {1, 8, 31}) {
+    for (const int count : {1, 2, 8, 31}) {
         MakeCards(made, count);
         made = count;
-        MeasureCards(count, rounds, lanrise, peers);
+        if (count == 2) {
+            MeasureBridge(rounds, lanrise);
+        } else {
+            MeasureCards(count, rounds, lanrise, peers);
+        }
     }
-    MeasureBridge(rounds, lanrise);
     PrintSize(lanrise);
     if (medians != nullptr) fclose(medians);
     (void)!system("[ ! -s /mnt/bus.pid ] || kill $(cat /mnt/bus.pid)");

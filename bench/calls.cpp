@@ -3,7 +3,10 @@
 
 // What single operations cost beside the bare calls that nobody can do without.
 //
-// Pairs run interleaved in random order; the table at the end gives medians and ratios.
+// Pairs run interleaved in random order; the table at the end gives medians and ratios, of
+// processor time where nobody else works for the operation, which repeats also on a busy machine.
+// The floor of an operation are its own kernel calls, taken down while a process of its own makes
+// it once and made again here with nothing around them.
 //
 // usage: tests/netns/enter.sh build/release/bench/calls
 
@@ -14,9 +17,12 @@
 #include "Other.h"
 #include "Route.h"
 #include "Support/KeyFile.h"
+#include "record.h"
+#include "replay.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -35,6 +41,7 @@
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -97,6 +104,46 @@ void ReadTableBare(benchmark::State& state)
         benchmark::DoNotOptimize(text[0]);
         close(table);
     }
+}
+
+// ---- the floor
+
+bool MakeOnce(const std::string& operation)
+{
+    char value[16];
+    const char* name = "eth7";
+    NetInterfaceInfo list[32];
+    int count = 32;
+    if (operation == "key") return GetValueByKey(kSettings, "GATEWAYIP", value, sizeof(value));
+    if (operation == "present") return CheckEthExist(&name, 1);
+    return operation == "list" && getNetInterfaceList(list, &count) == 0;
+}
+
+/// What the process does that is traced: once for the sockets that stay open, once for the list.
+int MakeTraced(const std::string& operation)
+{
+    if (!MakeOnce(operation)) return 1;
+    (void)access(record::kFromHere, F_OK);
+    const bool isMade = MakeOnce(operation);
+    _exit(isMade ? 0 : 1);
+}
+
+std::string floorList;
+
+void TakeFloor(const std::string& operation)
+{
+    floorList = record::Take({"/proc/self/exe", "--once", operation}).replay;
+}
+
+void Floor(benchmark::State& state)
+{
+    const int control = socket(AF_INET, SOCK_DGRAM, 0);
+    auto replay = std::make_unique<record::Replay>(floorList.data(), control);
+    for (auto step : state) {
+        (void)step;
+        if (!replay->Run()) state.SkipWithError("another way than before");
+    }
+    close(control);
 }
 
 // ---- a neighbour
@@ -201,28 +248,51 @@ void RuleByTool(benchmark::State& state)
 
 // ---- a command
 
-void RunCommand(benchmark::State& state)
+bool SpawnBare()
 {
-    for (auto step : state) {
-        (void)step;
-        if (!VorlixRunCmd("true")) state.SkipWithError("no shell");
+    const char* arguments[] = {"sh", "-c", "true", nullptr};
+    pid_t child = -1;
+    if (posix_spawnp(&child, "sh", nullptr, nullptr, const_cast<char**>(arguments), environ) != 0) {
+        return false;
     }
+    int status = 0;
+    return waitpid(child, &status, 0) == child;
 }
 
-void SpawnBare(benchmark::State& state)
+bool RunCommand()
 {
-    for (auto step : state) {
-        (void)step;
-        const char* arguments[] = {"sh", "-c", "true", nullptr};
-        pid_t child = -1;
-        if (posix_spawnp(&child, "sh", nullptr, nullptr, const_cast<char**>(arguments), environ) !=
-            0) {
-            state.SkipWithError("no shell");
-            break;
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
+    return VorlixRunCmd("true");
+}
+
+double Microseconds(const timeval& time)
+{
+    return static_cast<double>(time.tv_sec) * 1e6 + static_cast<double>(time.tv_usec);
+}
+
+/// Processor time of this process and of all that it has waited for.
+double ProcessorTime()
+{
+    double total = 0;
+    for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+        rusage used{};
+        getrusage(who, &used);
+        total += Microseconds(used.ru_utime) + Microseconds(used.ru_stime);
     }
+    return total;
+}
+
+struct Taken {
+    double wall;  // microseconds
+    double cpu;
+};
+
+Taken TimeOf(bool (*command)())
+{
+    const double used = ProcessorTime();
+    const auto begin = std::chrono::steady_clock::now();
+    if (!command()) exit(1);
+    const std::chrono::duration<double, std::micro> wall = std::chrono::steady_clock::now() - begin;
+    return {wall.count(), ProcessorTime() - used};
 }
 
 // ---- interface objects
@@ -348,15 +418,17 @@ public:
                         run.error_message.c_str());
                 exit(1);
             }
-            if (run.aggregate_name == "median") {
-                nanoseconds_[run.run_name.function_name] = run.GetAdjustedRealTime();
-            }
+            if (run.aggregate_name != "median") continue;
+            cpu_[run.run_name.function_name] = run.GetAdjustedCPUTime();
+            wall_[run.run_name.function_name] = run.GetAdjustedRealTime();
         }
     }
-    double Of(const std::string& name) const { return nanoseconds_.at(name); }
+    double Of(const std::string& name) const { return cpu_.at(name); }
+    double WallOf(const std::string& name) const { return wall_.at(name); }
 
 private:
-    std::map<std::string, double> nanoseconds_;
+    std::map<std::string, double> cpu_;  // nanoseconds
+    std::map<std::string, double> wall_;
 };
 
 struct Named {
@@ -376,6 +448,12 @@ Medians RunAll(const std::vector<Named>& bodies)
     Medians medians;
     benchmark::RunSpecifiedBenchmarks(&medians);
     return medians;
+}
+
+void PrintRatio(const char* what, double ours, double peer, const char* peerName)
+{
+    printf("%-44s %9.2f us %9.2f us  %-22s %5.2f\n", what, ours / 1000, peer / 1000, peerName,
+           ours / peer);
 }
 
 void PrintRatio(const char* what, double ours, double peer, const char* peerName, double aim)
@@ -420,18 +498,26 @@ void GrowRoutes(int from, int to)
     Shell("ip -batch /mnt/routes");
 }
 
+constexpr char kFloor[] = "its calls alone";
+constexpr double kAboveFloor = 1.1;
+
 void MeasureKey()
 {
-    const Medians medians = RunAll({{"key", ReadKey}, {"bare", ReadKeyBare}});
-    PrintRatio("one key of a setting file", medians.Of("key"), medians.Of("bare"), "fopen, fgets",
-               1.6);
+    TakeFloor("key");
+    const Medians medians = RunAll({{"key", ReadKey}, {"floor", Floor}, {"bare", ReadKeyBare}});
+    const char* what = "one key of a setting file";
+    PrintRatio(what, medians.Of("key"), medians.Of("floor"), kFloor, kAboveFloor);
+    PrintRatio(what, medians.Of("key"), medians.Of("bare"), "fopen, fgets");
 }
 
 void MeasureCards(int count)
 {
-    const Medians medians = RunAll({{"present", CardPresent}, {"bare", ReadTableBare<kCardTable>}});
+    TakeFloor("present");
+    const Medians medians =
+        RunAll({{"present", CardPresent}, {"floor", Floor}, {"bare", ReadTableBare<kCardTable>}});
     const std::string what = "card present, " + std::to_string(count) + " cards";
-    PrintRatio(what.c_str(), medians.Of("present"), medians.Of("bare"), "read /proc/net/dev", 1.5);
+    PrintRatio(what.c_str(), medians.Of("present"), medians.Of("floor"), kFloor, kAboveFloor);
+    PrintRatio(what.c_str(), medians.Of("present"), medians.Of("bare"), "read /proc/net/dev");
 }
 
 void GrowNeighbours(int from, int to)
@@ -473,8 +559,8 @@ void MeasureObjects()
 {
     // Before any object is found: a child inherits those of its parent.
     const Medians made = RunAll({{"create", CreateObjects, true}, {"present", CardPresent}});
-    PrintRatio("interface object created", made.Of("create"), made.Of("present"), "card present",
-               1.1);
+    PrintRatio("interface object created", made.WallOf("create"), made.WallOf("present"),
+               "card present", 1.1);
     const Medians found = RunAll({{"find", FindObject},
                                   {"present", CardPresent},
                                   {"slot", ReadMtu},
@@ -487,30 +573,31 @@ void MeasureObjects()
 
 void MeasureList(int count)
 {
-    const Medians medians =
-        RunAll({{"list", ListInterfaces}, {"addresses", ListAddressesBare}, {"tool", ListByTool}});
+    TakeFloor("list");
+    const Medians medians = RunAll({{"list", ListInterfaces},
+                                    {"floor", Floor},
+                                    {"addresses", ListAddressesBare},
+                                    {"tool", ListByTool}});
     const std::string what = "list of interfaces, " + std::to_string(count) + " cards";
-    PrintRatio(what.c_str(), medians.Of("list"), medians.Of("addresses"), "getifaddrs", 2);
-    PrintRatio(what.c_str(), medians.Of("list"), medians.Of("tool"), "ip -s link", 0.5);
+    PrintRatio(what.c_str(), medians.Of("list"), medians.Of("floor"), kFloor, kAboveFloor);
+    PrintRatio(what.c_str(), medians.Of("list"), medians.Of("addresses"), "getifaddrs");
+    PrintRatio(what.c_str(), medians.WallOf("list"), medians.WallOf("tool"), "ip -s link");
 }
 
 void MeasureRoutes()
 {
     Shell("ip link set eth0 up");
-    double first = 0;
     int made = 0;
     for (const int count : {10, 1000, 100000}) {
         GrowRoutes(made, count);
         made = count;
-        const double ours = RunAll({{"routes", SixteenRoutes}}).Of("routes");
-        if (first == 0) first = ours;
-        const std::string what = "sixteen rows of " + std::to_string(count) + " routes";
-        PrintRatio(what.c_str(), ours, first, "the same of 10 routes", 1.1);
-
-        const Medians medians = RunAll({{"lookup", PrefixLookup}, {"bare", ReadRowsBare}});
-        const std::string lookup = "one prefix in " + std::to_string(count) + " routes";
-        PrintRatio(lookup.c_str(), medians.Of("lookup"), medians.Of("bare"), "read of sixteen rows",
-                   1.2);
+        const Medians medians =
+            RunAll({{"routes", SixteenRoutes}, {"lookup", PrefixLookup}, {"bare", ReadRowsBare}});
+        const std::string behind = std::to_string(count) + " routes";
+        PrintRatio(("sixteen rows of " + behind).c_str(), medians.Of("routes"), medians.Of("bare"),
+                   "read of sixteen rows", 1.2);
+        PrintRatio(("one prefix in " + behind).c_str(), medians.Of("lookup"), medians.Of("bare"),
+                   "read of sixteen rows", 1.2);
     }
 }
 
@@ -526,25 +613,48 @@ void MeasureRules()
     dup2(output, STDOUT_FILENO);
     close(nowhere);
     close(output);
-    PrintRatio("a rule added and deleted", medians.Of("rule"), medians.Of("tool"),
+    PrintRatio("a rule added and deleted", medians.WallOf("rule"), medians.WallOf("tool"),
                "ip rule add, del", 0.1);
 }
 
+double Median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// A shell takes a millisecond, and what else the machine does swings by more than the difference:
+/// both run one behind the other, each first in turn, and the medians are those of the pairs'
+/// ratios.
 void MeasureCommands(size_t megabytes)
 {
+    constexpr int kPairs = 401;
     const size_t size = megabytes << 20;
     void* ballast = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     memset(ballast, 1, size);
-    const Medians medians = RunAll({{"command", RunCommand}, {"bare", SpawnBare}});
-    const std::string what = "shell command, parent of " + std::to_string(megabytes) + " MB";
-    PrintRatio(what.c_str(), medians.Of("command"), medians.Of("bare"), "posix_spawn", 1.05);
+    std::vector<double> ours, peer, wall, cpu;
+    for (int pair = 0; pair < kPairs; ++pair) {
+        const bool isFirst = pair % 2 == 0;
+        const Taken first = TimeOf(isFirst ? RunCommand : SpawnBare);
+        const Taken second = TimeOf(isFirst ? SpawnBare : RunCommand);
+        const Taken& mine = isFirst ? first : second;
+        const Taken& bare = isFirst ? second : first;
+        ours.push_back(mine.cpu);
+        peer.push_back(bare.cpu);
+        wall.push_back(mine.wall / bare.wall);
+        cpu.push_back(mine.cpu / bare.cpu);
+    }
+    printf("%-44s %9.2f us %9.2f us  %-22s %5.3f  (aim 1.02; wall %.3f)\n",
+           ("shell command, parent of " + std::to_string(megabytes) + " MB").c_str(), Median(ours),
+           Median(peer), "posix_spawn, CPU", Median(cpu), Median(wall));
     munmap(ballast, size);
 }
 
 }  // namespace
 
-int main()
+int main(int argc, char** argv)
 {
+    if (argc == 3 && strcmp(argv[1], "--once") == 0) return MakeTraced(argv[2]);
     const char* flags[] = {"calls", "--benchmark_enable_random_interleaving=true", nullptr};
     int count = 2;
     benchmark::Initialize(&count, const_cast<char**>(flags));

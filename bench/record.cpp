@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <map>
+#include <set>
 
 #include <fcntl.h>
 #include <linux/ethtool.h>
@@ -27,6 +28,7 @@ namespace record {
 namespace {
 
 constexpr size_t kLongestPath = 256;
+constexpr size_t kSignalRecord = 32;  // the kernel's, not libc's
 
 std::string Bytes(pid_t process, uint64_t address, size_t size)
 {
@@ -73,6 +75,18 @@ bool PutRequest(pid_t process, Call* call, std::string* data)
     call->firstPart = static_cast<int16_t>(size);
     *data += Bytes(process, second, isRoute ? IFNAMSIZ : sizeof(ethtool_drvinfo));
     return true;
+}
+
+/// A call with a record that is read and one of the same kind that is written, where they are
+/// given.
+void PutExchange(pid_t process, size_t size, Call* call, std::string* data)
+{
+    call->descriptor = kNowhere;
+    if (call->arguments[1] != 0) {
+        call->data = 1;
+        *data = Bytes(process, call->arguments[1], size);
+    }
+    if (call->arguments[2] != 0) call->room = 2;
 }
 
 /// Fills in what a call needs to be made again.
@@ -124,6 +138,8 @@ bool PutArguments(pid_t process, Call* call, std::string* data)
         *data = Bytes(process, call->arguments[1], call->arguments[2]);
         return true;
     case SYS_ioctl: return PutRequest(process, call, data);
+    case SYS_rt_sigaction: PutExchange(process, kSignalRecord, call, data); return true;
+    case SYS_rt_sigprocmask: PutExchange(process, sizeof(uint64_t), call, data); return true;
     default: return false;
     }
 }
@@ -144,6 +160,8 @@ int ArgumentsOf(const Call& call)
     case SYS_close:
     case SYS_fsync: return 1;
     case SYS_pread64:
+    case SYS_rt_sigaction:
+    case SYS_rt_sigprocmask:
     case SYS_newfstatat: return 4;
     case SYS_openat: return (call.arguments[2] & O_CREAT) != 0 ? 4 : 3;
     default: return 3;
@@ -210,23 +228,40 @@ public:
         for (int i = 0; i < 4; ++i) call_.arguments[i] = info.entry.args[i];
         data_.clear();
         keeps_ = PutArguments(process_, &call_, &data_);
-        // What is before the first setting file is the dynamic linker's; the floor has its own.
-        started_ = started_ || (keeps_ && data_.find("/mnt/mtd/Config") == 0);
+        // What is before is the dynamic linker's, which knows no signal and no setting.
+        started_ =
+            started_ ||
+            (keeps_ && (call_.number == SYS_rt_sigaction || data_.find("/mnt/mtd/Config") == 0));
     }
 
     void Left(const CallInfo& info)
     {
         call_.result = static_cast<int32_t>(info.exit.rval);
+        if (keeps_ && data_ == std::string(kFromHere, sizeof(kFromHere))) {
+            list_ = {};
+            started_ = true;
+            return;
+        }
         if (!keeps_ || !started_ || AsksForEnd(call_)) return;
-        if (BelongsToLibc()) return;
 
         call_.size = static_cast<uint32_t>(data_.size());
         Settle(&call_, &data_);
         list_.Add(call_, data_);
     }
 
+    void Shelled(const std::string& command)
+    {
+        Call call{};
+        call.number = kShell;
+        call.size = static_cast<uint32_t>(command.size() + 1);
+        const std::string data(command.c_str(), command.size() + 1);
+        list_.Add(call, data);
+        shells_.Add(call, data);
+    }
+
     Run Taken()
     {
+        run_.shells = shells_.Text();
         run_.kept = list_.Length();
         run_.replay = list_.Text();
         return run_;
@@ -235,24 +270,13 @@ public:
     Run run_;
 
 private:
-    /// The time zone's file, asked for by the first line with a time.
-    bool BelongsToLibc()
-    {
-        if (call_.opens != 0 && data_.find("/etc/localtime") == 0) zone_ = call_.result;
-        if (zone_ < 0) return false;
-        if (call_.opens != 0) return true;
-        if (call_.descriptor != 0 || static_cast<int>(call_.arguments[0]) != zone_) return false;
-        if (call_.number == SYS_close) zone_ = -1;
-        return true;
-    }
-
     pid_t process_;
     List list_;
+    List shells_;
     Call call_{};
     std::string data_;
     bool keeps_ = false;
     bool started_ = false;
-    int zone_ = -1;
 };
 
 long PeakOf(pid_t process)
@@ -282,6 +306,15 @@ pid_t StartTraced(const std::vector<std::string>& command)
     _exit(127);
 }
 
+/// The command of a shell, from its arguments "sh", "-c" and the command.
+std::string CommandOf(pid_t shell)
+{
+    std::ifstream arguments("/proc/" + std::to_string(shell) + "/cmdline");
+    std::string word;
+    for (int i = 0; i < 3; ++i) std::getline(arguments, word, '\0');
+    return word;
+}
+
 /// What a stop of the program is: the entry of a call, its end, or something else.
 void LookAt(pid_t process, Taker* taker)
 {
@@ -302,8 +335,9 @@ Run Take(const std::vector<std::string>& command)
     waitpid(child, &status, 0);
     ptrace(PTRACE_SETOPTIONS, child, nullptr,
            PTRACE_O_TRACESYSGOOD | PTRACE_O_TRACEEXIT | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK |
-               PTRACE_O_TRACECLONE);
+               PTRACE_O_TRACECLONE | PTRACE_O_TRACEEXEC);
     Taker taker(child);
+    std::set<pid_t> shells;  // started by the program itself, and not yet become one
     for (pid_t stopped = child; stopped > 0; stopped = waitpid(-1, &status, __WALL)) {
         if (WIFEXITED(status) || WIFSIGNALED(status)) {
             if (stopped == child) break;
@@ -315,6 +349,12 @@ Run Take(const std::vector<std::string>& command)
         if (event == PTRACE_EVENT_FORK || event == PTRACE_EVENT_VFORK ||
             event == PTRACE_EVENT_CLONE) {
             ++taker.run_.children;
+            unsigned long started = 0;
+            ptrace(PTRACE_GETEVENTMSG, stopped, nullptr, &started);
+            if (stopped == child) shells.insert(static_cast<pid_t>(started));
+        }
+        if (event == PTRACE_EVENT_EXEC && shells.erase(stopped) != 0) {
+            taker.Shelled(CommandOf(stopped));
         }
         // Only the program's own calls are counted, not those of the shells that it starts.
         const bool isOwn = stopped == child;

@@ -16,6 +16,12 @@ namespace record {
 /// Places of a call whose value is not the same in another process.
 enum Place : int8_t { kNowhere = -1 };
 
+/// A call that is none: a shell that runs the command in the data, and is waited for.
+constexpr int32_t kShell = -1;
+
+/// A program that asks whether this is there begins its list again: what was before is not meant.
+constexpr char kFromHere[] = "/from-here";
+
 /// The list begins with this. Behind it stand the places of the calls in the order in which they
 /// are made, each a `uint32_t` that counts bytes from the list's begin, and then the calls.
 struct Head {
@@ -49,6 +55,7 @@ struct Run {
     int calls = 0;       // all of them, from its start
     std::string replay;  // those that its task is made of, as a list
     int kept = 0;        // number of these
+    std::string shells;  // the shells among them alone
     int children = 0;    // processes started
     long peakKb = 0;     // most memory it had
 };
