@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "Findings.h"
+#include "Support/KeyFile.h"
 #include "Support/Text.h"
 
 #include <arpa/inet.h>
@@ -207,6 +208,16 @@ void RemarkIgnored(const Device& device, Findings* findings)
     }
 }
 
+void RemarkMisnamed(const Device& device, Findings* findings)
+{
+    for (int i = 0; i < device.misnamedCount; ++i) {
+        const char* card = device.misnamed[i];
+        char path[kPathSize] = {};
+        (void)GetFileByName(card, path, sizeof(path));
+        findings->Add(card, "its settings stand in %s, not in network%s", path, card);
+    }
+}
+
 void RemarkUncounted(const Device& device, Findings* findings)
 {
     for (int i = 0; i < device.count; ++i) {
@@ -252,6 +263,7 @@ void Remark(const Device& device, Findings* findings)
         findings->Add("", "the SRAM is not looked at: its driver gives it only to one who makes a "
                           "file in it, and the file behind it is not good");
     }
+    RemarkMisnamed(device, findings);
     RemarkUncounted(device, findings);
     RemarkIgnored(device, findings);
     if (IsWholeRead(device) && !device.resolvers.isSystems) {

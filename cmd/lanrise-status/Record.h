@@ -141,6 +141,8 @@ struct Device {
     int left = 0;  // that had no room
     int ignoredCount = 0;
     Name ignored[kMaxIgnored] = {};
+    int misnamedCount = 0;
+    Name misnamed[kMaxIgnored] = {};  // cards with a file of a name that is not their file's
 
     bool hasFolder = false;
     bool isFolderForbidden = false;

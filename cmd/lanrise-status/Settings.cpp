@@ -149,6 +149,21 @@ void ReadFilesOf(Interface* entry)
 
 // ---- files without an interface
 
+/// "networketh1" is a name that a hand may choose, and the settings of eth1 stand in "network1".
+bool IsOthers(const char* file, const char* card)
+{
+    char path[kPathSize] = {};
+    (void)GetFileByName(card, path, sizeof(path));
+    const char* name = strrchr(path, '/');
+    return name != nullptr && !Equal(name + 1, file);
+}
+
+void EnterMisnamed(Device* device, const char* card)
+{
+    if (device->misnamedCount == kMaxIgnored) return;
+    CopyText(device->misnamed[device->misnamedCount++], card);
+}
+
 void EnterSaved(Device* device)
 {
     char files[kMaxInterfaces][64];
@@ -158,8 +173,9 @@ void EnterSaved(Device* device)
     for (int i = 0; i < count; ++i) {
         if (!StartsWith(files[i], kFileStart)) continue;
         const char* card = CardOfFile(files[i]);
-        if (Equal(card, kOldNameOfEth2)) card = "eth2";
-        if (strlen(card) < kNameSize) (void)Enter(device, card);
+        if (strlen(card) >= kNameSize) continue;
+        if (IsOthers(files[i], card)) EnterMisnamed(device, card);
+        (void)Enter(device, Equal(card, kOldNameOfEth2) ? "eth2" : card);
     }
 }
 

@@ -274,6 +274,37 @@ TEST_F(StatusTest, DamagedFiles)
               "None None");
 }
 
+TEST_F(StatusTest, AFileOfANameThatIsNotTheCards)
+{
+    Put(kFolder + "networketh1", "HOSTIP = 10.9.0.1\n");
+    EXPECT_EQ(Json("d[\"remarks\"][0]"),
+              "{'interface': 'eth1', 'text': 'its settings stand in /mnt/mtd/Config/network1, not "
+              "in networketh1'}");
+    EXPECT_EQ(Json("i[\"eth1\"][\"address\"][\"file\"]"), "10.0.1.10/24");
+}
+
+TEST_F(StatusTest, EveryNameOfTheDocumentStandsOnThePage)
+{
+    Save("br0", 5, {"BRIDGEMEMBERS = eth2,eth3"});
+    Save("bond0", 6, {"BONDMEMBERS = eth2,eth3"});
+    Lanrise();
+    const std::string names =
+        Must(kStatus + " --json | python3 -c 'import json,sys\n"
+                       "def walk(d):\n"
+                       "  for k,v in d.items() if isinstance(d,dict) else enumerate(d):\n"
+                       "    if isinstance(k,str): print(k)\n"
+                       "    if isinstance(v,(dict,list)): walk(v)\n"
+                       "walk(json.load(sys.stdin))' | sort -u");
+    const std::string page =
+        Must("sed -n '/^.SH JSON/,/^.SH FILES/p' " VORLIX_STATUS_PAGE " | tr -c 'a-z0-9_\n' ' '");
+    std::istringstream lines(names);
+    int count = 0;
+    for (std::string name; std::getline(lines, name); ++count) {
+        EXPECT_EQ(Try("printf '%s\n' '" + page + "' | grep -qw " + name).status, 0) << name;
+    }
+    EXPECT_GT(count, 40);
+}
+
 TEST_F(StatusTest, NamesOf15CharactersWithColonsAndBytesAbove127)
 {
     AddCard("eth_of_15_chars");
@@ -321,11 +352,11 @@ TEST_F(StatusTest, CardsThatComeAndGoMeanwhile)
                 " ip link del eth9");
         }
     });
-    for (int i = 0; i < 40; ++i) {
-        EXPECT_EQ(Status("--json >/mnt/json && python3 -m json.tool /mnt/json >/dev/null").status,
-                  0);
-    }
+    for (int i = 0; i < 40; ++i) EXPECT_EQ(Status("--json >>/mnt/json").status, 0);
     mover.Kill();
+    EXPECT_EQ(Must("python3 -c 'import json,sys; print(sum(len(json.loads(x)) > 10 for x in "
+                   "open(\"/mnt/json\")))'"),
+              "40\n");
 }
 
 TEST_F(StatusTest, NeverTellsOfHalfASetting)
