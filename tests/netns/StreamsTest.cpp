@@ -58,7 +58,7 @@ protected:
         AddCard("eth0");
         Must("ip link set eth0 up; ip addr add 10.0.0.2/24 dev eth0");
         Must("ip -n peer addr add 10.0.0.1/24 dev eth0");
-        alarm(30);  // a request that never ends ends the test
+        alarm(600);  // a request that never ends ends the test
     }
 
     /// What an operation gives when the streams are closed. It leaves nothing on their numbers.
