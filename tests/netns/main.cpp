@@ -30,6 +30,14 @@ void Enter(char** argv)
     execv(enter, arguments.data());
 }
 
+/// GoogleTest keeps to itself why a test is skipped.
+class TellWhySkipped : public testing::EmptyTestEventListener {
+    void OnTestPartResult(const testing::TestPartResult& result) override
+    {
+        if (result.skipped()) printf("skipped: %s\n", result.message());
+    }
+};
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -42,5 +50,6 @@ int main(int argc, char** argv)
         perror(VORLIX_ENTER);
         return EXIT_FAILURE;
     }
+    testing::UnitTest::GetInstance()->listeners().Append(new TellWhySkipped);
     return RUN_ALL_TESTS();
 }
