@@ -30,11 +30,15 @@ void Enter(char** argv)
     execv(enter, arguments.data());
 }
 
-/// GoogleTest keeps to itself why a test is skipped.
+/// GoogleTest keeps to itself why a test is skipped. Said at its end, when standard output is back.
 class TellWhySkipped : public testing::EmptyTestEventListener {
-    void OnTestPartResult(const testing::TestPartResult& result) override
+    void OnTestEnd(const testing::TestInfo& test) override
     {
-        if (result.skipped()) printf("skipped: %s\n", result.message());
+        const testing::TestResult& result = *test.result();
+        for (int i = 0; i < result.total_part_count(); ++i) {
+            const testing::TestPartResult& part = result.GetTestPartResult(i);
+            if (part.skipped()) printf("skipped: %s\n", part.message());
+        }
     }
 };
 
