@@ -264,7 +264,8 @@ void Flood()
         ASSERT_EQ(connect(sender, reinterpret_cast<sockaddr*>(&to), sizeof(to)), 0);
     }
     const char datagram[1400] = {};
-    while (getppid() != 1) {
+    const pid_t test = getppid();
+    while (getppid() == test) {
         // The peer has no such service and says so: the error of one send belongs to another.
         for (const int sender : senders) (void)send(sender, datagram, sizeof(datagram), 0);
     }
