@@ -31,39 +31,114 @@ bool IsAddress(const fuzz::Buffer& text)
     return text.IsText() && inet_pton(AF_INET, text.Get(), &address) == 1;
 }
 
-}  // namespace
+// ---- devices
 
-int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+enum Device { rtc, sram, cmos, devices };
+
+constexpr size_t kMemorySize = 256;
+
+// The recorder's memory behind its provider, which is defined below.
+uint8_t cmosBytes[kMemorySize];
+uint8_t cmosStart = 0;
+uint8_t cmosEnd = 0;
+bool hasCmos = false;
+
+bool IsInCmos(int32_t offset, int32_t length)
 {
-    fuzz::Input input(data, size);
-    const bool rtc = (input.Byte() & 1) != 0;
-    const bool reset = (input.Byte() & 1) != 0;
-    const std::string address = fuzz::Address(input);
-    const std::string bytes = input.Rest();
-    fuzz::FreshWorld();
+    return offset >= 0 && length >= 0 &&
+           static_cast<size_t>(offset) + static_cast<size_t>(length) <= kMemorySize;
+}
+
+void Fit(Device device, const std::string& bytes)
+{
     fuzz::Remove("/dev/pdcRtc");
     fuzz::Remove("/dev/pdcSramFile");
-    fuzz::Put(rtc ? "/dev/pdcRtc" : "/dev/pdcSramFile", "");
-    fake::BackupMemory& memory = rtc ? fake::kernel.rtc : fake::kernel.sram;
-    memcpy(memory.bytes, bytes.data(), std::min(bytes.size(), sizeof(memory.bytes)));
-    CheckDeviceType();
+    if (device == rtc) fuzz::Put("/dev/pdcRtc", "");
+    if (device == sram) fuzz::Put("/dev/pdcSramFile", "");
+    hasCmos = device == cmos;
+    uint8_t* memory = device == rtc    ? fake::kernel.rtc.bytes
+                      : device == sram ? fake::kernel.sram.bytes
+                                       : cmosBytes;
+    memset(memory, 0, kMemorySize);
+    memcpy(memory, bytes.data(), std::min(bytes.size(), kMemorySize));
+}
 
+// ---- properties
+
+void GivesOutAddresses()
+{
     for (const Value& value : kValues) {
         const fuzz::Buffer text(16);
         HOLDS(value.restore("eth0", text.Get()) ? IsAddress(text) : text.IsUntouched());
     }
-    const bool intact = CheckCrc();
+    unsigned char record[12];
     (void)GetSramMark();
     (void)GetRTCMark();
+    (void)ReadFromRTC(record, RTC_SRAM_ETHIP, sizeof(record));
+    (void)ReadFromSram(record, RTC_SRAM_ETHIP, sizeof(record));
+}
 
-    if (reset) HOLDS(RestBackup());
+void KeepsWhatIsStored(const std::string& address, bool mayStore)
+{
     for (const Value& value : kValues) {
-        const bool stored = value.store("eth0", address.c_str());
-        HOLDS(stored == (intact || reset));
+        const char* text = value.store == BackupMask ? "255.255.240.0" : address.c_str();
+        const bool stored = value.store("eth0", text);
+        HOLDS(stored == mayStore);
         if (!stored) continue;
-        char text[16];
-        HOLDS(value.restore("eth0", text) && text == address);
+        char back[16];
+        HOLDS(value.restore("eth0", back) && strcmp(back, text) == 0);
     }
+}
+
+}  // namespace
+
+// ---- the provider
+
+extern "C" {
+
+int32_t CMOSGetCaps(CmosCaps* caps)
+{
+    if (!hasCmos) return -1;
+    *caps = {};
+    caps->CmosSize = kMemorySize;
+    caps->UseTable[CMOS_USE_NETWORK_START] = cmosStart;
+    caps->UseTable[CMOS_USE_NETWORK_END] = cmosEnd;
+    return 0;
+}
+
+int32_t CMOSRead(int32_t offset, void* buffer, int32_t length)
+{
+    if (!IsInCmos(offset, length)) return -1;
+    memcpy(buffer, cmosBytes + offset, static_cast<size_t>(length));
+    return 0;
+}
+
+int32_t CMOSWrite(int32_t offset, void* buffer, int32_t length)
+{
+    if (!IsInCmos(offset, length)) return -1;
+    memcpy(cmosBytes + offset, buffer, static_cast<size_t>(length));
+    return 0;
+}
+
+}  // extern "C"
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    fuzz::Input input(data, size);
+    const auto device = static_cast<Device>(input.Below(devices));
+    const bool reset = (input.Byte() & 1) != 0;
+    const std::string address = fuzz::Address(input);
+    cmosStart = input.Byte();
+    cmosEnd = input.Byte();
+    fuzz::FreshWorld();
+    Fit(device, input.Rest());
+    CheckDeviceType();
+
+    GivesOutAddresses();
+    const bool intact = CheckCrc();
+    const bool wasReset = reset && RestBackup();
+    HOLDS(wasReset == reset || device == cmos);
+    if (device != cmos) KeepsWhatIsStored(address, intact || reset);
     HOLDS(fuzz::HeldMutexes() == 0);
     return 0;
 }

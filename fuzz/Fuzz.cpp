@@ -68,6 +68,13 @@ std::vector<std::string> Lines(const std::string& content, size_t size)
     return lines;
 }
 
+bool Same(const std::string& now, const std::string& before)
+{
+    if (now == before) return true;
+    fprintf(stderr, "---- before\n%s---- now\n%s----\n", before.c_str(), now.c_str());
+    return false;
+}
+
 Buffer::Buffer(size_t size) : size_(size), bytes_(new char[size])
 {
     memset(bytes_, 0x5a, size_);

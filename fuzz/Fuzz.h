@@ -51,6 +51,9 @@ std::string Address(Input& input);
 /// string is.
 std::vector<std::string> Lines(const std::string& content, size_t size = 256);
 
+/// Whether two texts are the same; shows both when they are not.
+bool Same(const std::string& now, const std::string& before);
+
 /// A buffer of exactly `size` bytes on the heap, where a byte too far is seen, filled with 0x5a.
 class Buffer {
 public:

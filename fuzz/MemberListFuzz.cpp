@@ -128,5 +128,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         ChangeEdgePorts(members[0]);
     }
     HOLDS(fuzz::OpenHandles() == 0);
+    HOLDS(fuzz::HeapBlocks() == 0);
     return 0;
 }

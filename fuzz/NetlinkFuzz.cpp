@@ -67,5 +67,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     HOLDS(fake::rtnetlink.requests.size() == 1);
     fuzz::Close(handle.fd);
     HOLDS(fuzz::OpenHandles() == 0);
+    HOLDS(fuzz::HeapBlocks() == 0);
     return 0;
 }

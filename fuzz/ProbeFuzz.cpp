@@ -7,6 +7,7 @@
 
 #include "Arp_Ping.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -48,6 +49,58 @@ void CheckEcho(const std::string& bytes)
     HOLDS(ParseICMPPacket(echo.Get(), size) == ours);
 }
 
+/// All that comes in while a probe listens: a shorter frame leaves the rest of the one before.
+void HearFrames(const std::vector<std::string>& packets)
+{
+    char frame[60] = {};
+    HOLDS(CreatArpPacket(frame, sizeof(frame), kOurIP, kOurMac, "10.1.2.3", "ff:ff:ff:ff:ff:ff"));
+    int expected = 0;
+    fuzz::arrivals.clear();
+    for (const std::string& packet : packets) {
+        fuzz::arrivals.push_back(packet);
+        if (packet.empty()) continue;
+        memcpy(frame, packet.data(), std::min(packet.size(), sizeof(frame)));
+        expected |= Foretold(reinterpret_cast<const unsigned char*>(frame));
+    }
+    const auto waits = std::count(packets.begin(), packets.end(), "");
+    const int seconds = static_cast<int>(waits) + 1;
+    const int heard = Arp_Ckeck("eth0", kOurIP, kOurMac, "10.1.2.3", "ff:ff:ff:ff:ff:ff", seconds);
+    HOLDS((heard & ~expected) == 0);
+    HOLDS(heard == expected || waits > 0);
+    HOLDS(fuzz::OpenHandles() == 0);
+}
+
+/// What an echo's answer must be, told from the datagram alone. Its first four bytes are its
+/// sender here.
+bool IsAnswer(const std::string& packet)
+{
+    if (packet.compare(0, 4, std::string("\x0a\x01\x02\x04", 4)) != 0) return false;
+    unsigned char answer[64] = {};
+    memcpy(answer, packet.data() + 4, std::min(packet.size() - 4, sizeof(answer) - 1));
+    const size_t header = size_t{4} * (answer[0] & 0x0FU);
+    uint16_t id = 0;
+    if (64 - header < 28) return false;
+    memcpy(&id, answer + header + 4, sizeof(id));
+    return answer[header] == 0 && id == fuzz::kProcess;
+}
+
+void HearAnswers(const std::vector<std::string>& packets)
+{
+    fuzz::arrivals.assign(packets.begin(), packets.end());
+    const bool expected = std::any_of(packets.begin(), packets.end(), IsAnswer);
+    const bool alive = Ping_CheckAlive("eth0", kOurIP, "10.1.2.4", 1);
+    const bool waits = std::count(packets.begin(), packets.end(), "") > 0;
+    HOLDS(alive == expected || (waits && !alive));
+    HOLDS(fuzz::OpenHandles() == 0);
+}
+
+std::vector<std::string> Packets(fuzz::Input& input)
+{
+    std::vector<std::string> packets;
+    for (int left = input.Below(6); left > 0; --left) packets.push_back(input.Bytes(80));
+    return packets;
+}
+
 /// A checksum that is put into its own sum makes the sum zero.
 void CheckSumOf(const std::string& bytes)
 {
@@ -65,11 +118,20 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fuzz::Input input(data, size);
     fuzz::FreshWorld();
-    const bool ourEcho = (input.Byte() & 1) != 0;
+    const uint8_t kind = input.Byte();
+    if ((kind & 2) != 0) {
+        const std::vector<std::string> packets = Packets(input);
+        if ((kind & 4) != 0) {
+            HearFrames(packets);
+        } else {
+            HearAnswers(packets);
+        }
+        return 0;
+    }
     std::string bytes = input.Rest();
     CheckFrame(bytes);
     CheckSumOf(bytes);
-    if (ourEcho && bytes.size() >= 6) {
+    if ((kind & 1) != 0 && bytes.size() >= 6) {
         const auto us = static_cast<uint16_t>(fuzz::kProcess);
         memcpy(bytes.data() + 4, &us, sizeof(us));
     }

@@ -53,5 +53,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         HOLDS(strcmp(back[1].Get(), six[1].Get()) == 0);
     }
     HOLDS(fuzz::OpenHandles() == 0);
+    HOLDS(fuzz::HeapBlocks() == 0);
     return 0;
 }

@@ -98,6 +98,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         HOLDS(fuzz::Get(kFile) == foretold);
     }
     HOLDS(fuzz::OpenHandles() == 0);
+    HOLDS(fuzz::HeapBlocks() == 0);
     HOLDS(fuzz::HeldMutexes() == 0);
     return 0;
 }

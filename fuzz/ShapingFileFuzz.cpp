@@ -63,5 +63,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                      sizeof(NetTc) * static_cast<size_t>(before.count)) == 0);
     }
     HOLDS(fuzz::OpenHandles() == 0);
+    HOLDS(fuzz::HeapBlocks() == 0);
     return 0;
 }

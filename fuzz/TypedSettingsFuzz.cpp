@@ -111,5 +111,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (part == 1) ReadRoles();
     if (part == 2 && HasRoom(content)) SaveOver(address, gateway);
     HOLDS(fuzz::OpenHandles() == 0);
+    HOLDS(fuzz::HeapBlocks() == 0);
     return 0;
 }

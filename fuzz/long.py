@@ -65,7 +65,7 @@ def run_piece(folder, target, inputs, seconds):
     corpus = folder / "corpus" / target
     corpus.mkdir(parents=True, exist_ok=True)
     command = [str(program(folder, target)), f"-runs={inputs}", f"-max_total_time={seconds}", "-max_len=1024",
-               "-timeout=30", "-print_final_stats=1", f"-artifact_prefix={folder}/crash-{target}-"]
+               "-timeout=30", "-detect_leaks=0", "-print_final_stats=1", f"-artifact_prefix={folder}/crash-{target}-"]
     dictionary = TREE / "fuzz/dictionaries" / f"{target}.dict"
     if dictionary.exists():
         command.append(f"-dict={dictionary}")

@@ -143,9 +143,11 @@ dirent EntryOf(const std::string& path, size_t from, const Node& node)
 
 Node* Find(const char* path)
 {
+    const size_t length = strlen(path);
+    if (length > 1 && path[length - 1] == '/') return Find(std::string(path, length - 1).c_str());
     if (Name* name = NameOf(path)) return name->node;
     if (IsTable(path)) return NewTable(path);
-    if (IsFolder(path, strlen(path))) {
+    if (IsFolder(path, length)) {
         static Node folder;
         folder.isFolder = true;
         folder.number = 1;
@@ -205,7 +207,8 @@ std::vector<dirent> EntriesOf(const char* path)
     static const Node self;
     std::vector<dirent> entries = {EntryOf(".", 0, self), EntryOf("..", 0, self)};
     entries[0].d_type = entries[1].d_type = DT_DIR;
-    const size_t length = strlen(path);
+    size_t length = strlen(path);
+    while (length > 1 && path[length - 1] == '/') --length;
     for (size_t i = 0; i < nameCount; ++i) {
         if (!IsIn(names[i].path, path, length)) continue;
 

@@ -1,0 +1,144 @@
+// SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+// SPDX-License-Identifier: MIT
+
+// A whole boot over a settings folder of any content: it ends well, every card can be reached, and
+// once it has settled a further boot changes nothing.
+
+#include "Fuzz.h"
+
+#include "Lanrise.h"
+#include "world/Tools.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr char kFolder[] = "/mnt/mtd/Config/";
+
+/// Files that a line of the input may begin, by the character behind its '@'.
+constexpr const char* kFiles[] = {
+    "network",      "network1",          "network2",     "networketh2", "networketh3",
+    "networketh9",  "networkbond0",      "networkbond1", "networkbr0",  "networkbr1",
+    "networkip6",   "networkip6eth2",    "networkip62",  "resolv.conf", "resolvip6.conf",
+    "poeMode.conf", "rsbridgeinit.conf", "networkwlan0", "other.conf",  "networkbond0.1"};
+
+constexpr char kForeign[] = "/mnt/mtd/Config/other.conf";
+
+/// Puts the files of the input: a line "@a" begins the first of them, "@b" the next.
+void PutFiles(const std::string& text)
+{
+    std::string file;
+    std::string content;
+    const auto put = [&] {
+        if (!file.empty()) fuzz::Put(file, content);
+        content.clear();
+    };
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        if (text[at] == '@' && end - at >= 2) {
+            put();
+            const auto number = static_cast<unsigned char>(text[at + 1] - 'a');
+            file = std::string(kFolder) + kFiles[number % std::size(kFiles)];
+        } else {
+            content.append(text, at, end - at);
+        }
+        at = end;
+    }
+    put();
+}
+
+void FitCards(uint8_t kinds)
+{
+    for (const char* name : {"eth2", "eth3"}) fake::kernel.Add(name);
+    if ((kinds & 1U) != 0) fuzz::AddBond("bond0");
+    if ((kinds & 2U) != 0) fuzz::AddBond("bond1");
+    if ((kinds & 4U) != 0) fake::kernel.Add("wlan0");
+    if ((kinds & 8U) != 0) fake::kernel.Add("bond0.1");
+    if ((kinds & 16U) != 0) fuzz::Put("/dev/pdcRtc", "");
+    if ((kinds & 32U) != 0) fuzz::Put("/dev/pdcSramFile", "");
+    if ((kinds & 64U) != 0) fake::kernel.At("eth3").driver = "switch";
+}
+
+/// The kernel forgets all; the memories do not.
+void PowerCut(uint8_t kinds)
+{
+    const fake::Kernel before = fake::kernel;
+    fake::ResetKernel();
+    fuzz::Remove("/sys");
+    for (const char* name : {"eth0", "eth1"}) fake::kernel.Add(name);
+    FitCards(kinds);
+    fake::kernel.rtc = before.rtc;
+    fake::kernel.sram = before.sram;
+}
+
+void Boot()
+{
+    char program[] = "lanrise";
+    char* arguments[] = {program, nullptr};
+    fuzz::NextProcess();
+    HOLDS(CommonMain(1, arguments));
+    HOLDS(fuzz::HeldMutexes() == 0);
+    HOLDS(fuzz::HeapBlocks() == 0);
+    HOLDS(fuzz::OpenHandles() - fuzz::OpenSockets() <= 2);  // the tables and the memory stay open
+}
+
+std::string FilesText()
+{
+    std::vector<std::string> files = fuzz::Files(kFolder);
+    std::sort(files.begin(), files.end());
+    std::string text;
+    for (const std::string& file : files) text += file + ":\n" + fuzz::Get(file);
+    return text;
+}
+
+/// True when a file has taken all lines that it may: one more key finds no room, and what it
+/// belongs to may be without address.
+bool AnyIsFull()
+{
+    const std::vector<std::string> files = fuzz::Files(kFolder);
+    return std::any_of(files.begin(), files.end(), [](const std::string& file) {
+        return fuzz::Lines(fuzz::Get(file)).size() >= 16;
+    });
+}
+
+void CardsCanBeReached()
+{
+    for (const fake::Card& card : fake::kernel.cards) {
+        if (card.name.compare(0, 3, "eth") != 0) continue;
+        if (!card.address.empty() || !fuzz::MasterOf(card.name).empty()) continue;
+        HOLDS(fuzz::Same(FilesText() + fuzz::KernelText(), card.name + " has an address\n"));
+    }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    fuzz::Input input(data, size);
+    const uint8_t kinds = input.Byte();
+    const std::string memory = input.Bytes(16);
+    fuzz::FreshWorld();
+    fuzz::HaveTools();
+    FitCards(kinds);
+    memory.copy(reinterpret_cast<char*>(fake::kernel.rtc.bytes) + 40, 16);
+    memory.copy(reinterpret_cast<char*>(fake::kernel.sram.bytes) + 40, 16);
+    PutFiles(input.Rest());
+    const std::string foreign = fuzz::Get(kForeign);
+
+    Boot();
+    HOLDS(fuzz::Get(kForeign) == foreign);
+    if (AnyIsFull()) return 0;
+    CardsCanBeReached();
+
+    const bool cold = (kinds & 128U) != 0;
+    if (!cold) Boot();  // over bonds that stand, where the primary card is saved
+    const std::string files = FilesText();
+    const std::string kernel = fuzz::KernelText();
+    if (cold) PowerCut(kinds);
+    Boot();
+    CardsCanBeReached();
+    HOLDS(fuzz::Same(FilesText(), files));
+    HOLDS(fuzz::Same(fuzz::KernelText(), kernel));
+    return 0;
+}
