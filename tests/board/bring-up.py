@@ -16,7 +16,6 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 PAGE = os.path.join(HERE, "../../docs/bring-up.md")
 
 BEFORE = """# wires: 4
-# limit: 140
 cards 4
 rm -rf /mnt/mtd
 ip -n peer link add switch type bridge

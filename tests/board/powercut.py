@@ -4,7 +4,7 @@
 
 """Cuts a board's power while it saves, again and again, and looks at what the next boot makes of it.
 
-usage: tests/board/powercut.py [--cuts N] [--machines N] [--byte N] ARCH BUILD_FOLDER [WORKLOAD...]
+usage: tests/board/powercut.py [--cuts N] [--machines N] [--byte N] ARCH[:RELEASE] BUILD_FOLDER [WORKLOAD...]
 
 The flash is a file of this machine. A cut falls after a given number of bytes that the flash takes; the
 bytes of a workload are counted first, and the cuts are spread evenly over them. After each, the board boots
@@ -34,8 +34,6 @@ import run
 
 SECTOR = 16 * 1024
 FLASH_SIZE = 256 * 1024  # its last sector is what the battery keeps
-ANSWER_SECONDS = 120
-TIME_BY_INSTRUCTIONS = ["-icount", "shift=4,sleep=off"]
 
 KEY_LINE = re.compile(r"[A-Z_]+ = [^=]*|nameserver [0-9a-f.:]+")
 LINKED = ("network2", "networketh2")
@@ -122,7 +120,6 @@ class Board:
         self.place_flash(flash)
         control = os.path.join(self.folder, "control")
         command = run.command_line(bench.arch, bench.parts, bench.image, 4, control, "128")
-        command += TIME_BY_INSTRUCTIONS
         command += ["-device", "ivshmem-plain,memdev=flash,master=on", "-object",
                     f"memory-backend-file,id=flash,size={FLASH_SIZE},mem-path={self.shared},share=on"]
         if state:
@@ -131,9 +128,9 @@ class Board:
         with open(self.errors, "w", encoding="utf-8") as errors:
             self.machine = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                             stderr=errors, text=True, errors="replace", bufsize=1)
-        self.limit = threading.Timer(ANSWER_SECONDS, self.machine.kill)
-        self.limit.start()
         self.control = self.take_control(control)
+        self.limit = run.Limit(self.machine, self.control)
+        self.limit.start()
         if state:
             while self.control.tell("query-status")["status"] == "inmigrate":
                 time.sleep(0.005)
@@ -143,14 +140,11 @@ class Board:
             self.read_until("READY")
 
     def take_control(self, path):
-        while True:
-            try:
-                return run.Control(path)
-            except (FileNotFoundError, ConnectionRefusedError):
-                if self.machine.poll() is not None:
-                    with open(self.errors, encoding="utf-8") as told:
-                        raise RuntimeError(f"no board: {told.read()}") from None
-                time.sleep(0.005)
+        try:
+            return run.Control(self.machine, path)
+        except OSError:
+            with open(self.errors, encoding="utf-8") as told:
+                raise RuntimeError(f"no board: {told.read()}") from None
 
     def place_flash(self, flash):
         mode = "r+b" if os.path.exists(self.shared) else "wb"
@@ -188,7 +182,7 @@ class Board:
 
     def end(self):
         """Pulls the plug; what the flash holds then."""
-        self.limit.cancel()
+        self.limit.over.set()
         self.machine.kill()
         self.machine.wait()
         flash = self.flash()
@@ -232,10 +226,10 @@ def look(lines):
 class Bench:
     """What all boards of a run have in common."""
 
-    def __init__(self, arch, build, folder):
-        self.arch = arch
+    def __init__(self, kind, build, folder):
+        self.arch, release = run.kind_of(kind)
         self.folder = folder
-        self.parts = run.board_of(arch)
+        self.parts = run.board_of(self.arch, release)
         self.image = run.make_image(self.parts, build, os.path.join(run.HERE, "powercut.sh"), folder)
         self.ready = os.path.join(folder, "ready")
         self.seen = set()
@@ -462,7 +456,7 @@ def sweep(bench, workload, cuts, arguments):
 
 def command():
     parser = argparse.ArgumentParser(description="Cuts a board's power while it saves.")
-    parser.add_argument("arch", choices=run.MACHINES)
+    parser.add_argument("kind", metavar="arch[:release]", help="such as amd64, or armhf:trixie")
     parser.add_argument("build", help="folder of a build as shipped")
     parser.add_argument("workloads", nargs="*", help="of: " + ", ".join(work.name for work in WORKLOADS))
     parser.add_argument("--cuts", type=int, default=200, help="in all (200)")
@@ -478,12 +472,12 @@ def main():
     begin = time.time()
     tell_head()
     with tempfile.TemporaryDirectory(prefix="powercut-") as folder:
-        bench = Bench(arguments.arch, arguments.build, folder)
+        bench = Bench(arguments.kind, arguments.build, folder)
         for i, workload in enumerate(chosen):
             cuts = arguments.cuts // len(chosen) + (i < arguments.cuts % len(chosen))
             verdicts += sweep(bench, workload, cuts, arguments)
     findings = sum(len(verdict.findings) for verdict in verdicts)
-    print(f"{arguments.arch}: {len(verdicts)} cuts, {findings} findings, {time.time() - begin:.0f} s")
+    print(f"{arguments.kind}: {len(verdicts)} cuts, {findings} findings, {time.time() - begin:.0f} s")
     sys.exit(1 if findings or not verdicts else 0)
 
 

@@ -10,6 +10,7 @@
 #include <linux/ethtool.h>
 #include <linux/module.h>
 #include <linux/netdevice.h>
+#include <linux/version.h>
 
 #include "board.h"
 
@@ -95,8 +96,7 @@ static int answer(int cmd, struct switch_info *info)
 	}
 }
 
-static int switch_private(struct net_device *dev, struct ifreq *request,
-			  void __user *data, int cmd)
+static int switch_request(struct ifreq *request, int cmd)
 {
 	struct switch_info info;
 	int error;
@@ -109,6 +109,21 @@ static int switch_private(struct net_device *dev, struct ifreq *request,
 		memcpy(&request->ifr_ifru, &info, sizeof(info));
 	return error;
 }
+
+#if LINUX_VERSION_CODE < KERNEL_VERSION(5, 15, 0)
+static int switch_private(struct net_device *dev, struct ifreq *request,
+			  int cmd)
+{
+	return switch_request(request, cmd);
+}
+#define ndo_siocdevprivate ndo_do_ioctl /* its name in older kernels */
+#else
+static int switch_private(struct net_device *dev, struct ifreq *request,
+			  void __user *data, int cmd)
+{
+	return switch_request(request, cmd);
+}
+#endif
 
 static netdev_tx_t card_send(struct sk_buff *skb, struct net_device *dev)
 {

@@ -22,7 +22,7 @@
 #define PDC_RTC_WRITESRAM   0xC0085201
 
 struct sram_param {
-	u64 handle;
+	unsigned long handle; /* a pointer, to the programs */
 	const char __user *file_name;
 	u32 period;
 	u32 mode;
@@ -31,7 +31,7 @@ struct sram_param {
 };
 
 struct sram_data {
-	u64 handle;
+	unsigned long handle; /* a pointer, to the programs */
 	u8 __user *bytes;
 	u32 len;
 	u32 place;
