@@ -198,3 +198,5 @@ manager systemd-networkd /lib/systemd/systemd-networkd
 chroot $root /usr/bin/dbus-daemon --config-file=/etc/bus.conf --fork --print-pid=1 >/mnt/bus.pid
 trap 'kill "$(cat /mnt/bus.pid)"' EXIT
 manager NetworkManager /usr/sbin/NetworkManager --no-daemon
+printf '\nOf Debian:\n'
+sed -n 's/^Package: \(ifupdown\|systemd\|network-manager\) Version: /\1 /p' "$cache/versions"
