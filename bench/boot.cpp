@@ -446,6 +446,16 @@ void ForgetManagers()
                   "mkdir -p /run/network /run/systemd/netif");
 }
 
+/// The folders of scripts that ifupdown's package makes, beside those that are here.
+void PrepareIfup()
+{
+    if (system("mkdir -p /mnt/network && cp -r /etc/network/. /mnt/network && "
+               "cd /mnt/network && mkdir -p if-pre-up.d if-up.d if-down.d if-post-down.d && "
+               "mount --bind /mnt/network /etc/network") != 0) {
+        Give("no place for ifup's scripts");
+    }
+}
+
 /// What connman needs beside itself: a message bus, and its settings.
 void PrepareConnman(const std::string& peers)
 {
@@ -746,6 +756,7 @@ int main(int argc, char** argv)
         MeasureGrowth(rounds, lanrise);
         return 0;
     }
+    PrepareIfup();
     if (Has(peers + "/usr/sbin/connmand")) PrepareConnman(peers);
     int made = 0;
     for (const int count : {1, 2, 8, 31}) {
