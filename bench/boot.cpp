@@ -30,6 +30,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -329,10 +330,22 @@ void PrintRow(const Contender& ours, const Contender& contender, int calls)
     printf("\n");
 }
 
+/// One round of all. Who ran before decides what lies in the caches, so the order is another one
+/// each time.
+std::vector<Contender*> Shuffled(std::vector<Contender>& contenders)
+{
+    static std::mt19937 order;
+    std::vector<Contender*> shuffled;
+    for (Contender& contender : contenders) shuffled.push_back(&contender);
+    std::shuffle(shuffled.begin(), shuffled.end(), order);
+    return shuffled;
+}
+
 void Measure(Device device, int rounds)
 {
     for (int round = -1; round < rounds; ++round) {  // the first is thrown away
-        for (Contender& contender : device.contenders) {
+        for (Contender* next : Shuffled(device.contenders)) {
+            Contender& contender = *next;
             device.takeDown();
             const Taken taken =
                 contender.stays ? Taken{RunUntilUp(contender, device), 0} : Run(contender.command);
@@ -663,13 +676,15 @@ Cost CostOf(int count, int rounds, const std::function<void()>& takeDown,
     (void)Run({lanrise});  // settled
     const record::Run run = WriteFloor(takeDown, lanrise);
     for (int round = -1; round < rounds; ++round) {
-        takeDown();
-        const double ours = Run({lanrise}).cpu;
-        takeDown();
-        const double least = Run(floor.command).cpu;
+        double taken[2] = {};
+        for (int turn = 0; turn < 2; ++turn) {  // each is the first in turn
+            const bool isFloor = (turn + round) % 2 != 0;
+            takeDown();
+            taken[isFloor] = Run(isFloor ? floor.command : std::vector<std::string>{lanrise}).cpu;
+        }
         if (round < 0) continue;
-        cpu.push_back(ours);
-        ratios.push_back(ours / least);
+        cpu.push_back(taken[0]);
+        ratios.push_back(taken[0] / taken[1]);
     }
     return {count, run.calls, Median(cpu), Median(ratios)};
 }
