@@ -10,6 +10,8 @@
 
 namespace fuzz {
 
+std::string notes;
+
 uint8_t Input::Byte()
 {
     if (size_ == 0) return 0;
@@ -51,7 +53,8 @@ std::string Address(Input& input)
 
 void Broken(const char* property, const char* file, int line)
 {
-    fprintf(stderr, "%s:%d: does not hold: %s\n", file, line, property);
+    fflush(stdout);  // the log so far
+    fprintf(stderr, "%s%s:%d: does not hold: %s\n", notes.c_str(), file, line, property);
     abort();
 }
 

@@ -44,6 +44,9 @@ private:
 /// A dotted address that is never 0.0.0.0.
 std::string Address(Input& input);
 
+/// What is shown beside a property that does not hold. A target clears it for each input.
+extern std::string notes;
+
 /// Ends the run with the property's text.
 [[noreturn]] void Broken(const char* property, const char* file, int line);
 

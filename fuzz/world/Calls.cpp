@@ -203,9 +203,11 @@ void CloseStream(Stream* stream)
     stream->handle = nullptr;
 }
 
-/// The log is formed and goes nowhere. Whatever is printed ends up here.
-ssize_t Swallow(void* /*cookie*/, const char* /*bytes*/, size_t size)
+/// The log is formed and goes nowhere, unless FUZZ_LOG is set. Whatever is printed ends up here.
+ssize_t Swallow(void* /*cookie*/, const char* bytes, size_t size)
 {
+    static const bool shown = getenv("FUZZ_LOG") != nullptr;
+    if (shown) (void)fwrite(bytes, 1, size, stderr);
     return static_cast<ssize_t>(size);
 }
 

@@ -31,7 +31,8 @@ size_t nodeCount = 0;
 
 bool IsIn(const std::string& path, const char* folder, size_t length)
 {
-    return path.size() > length && path[length] == '/' && path.compare(0, length, folder) == 0;
+    return path.size() > length && path[length] == '/' &&
+           path.compare(0, length, folder, length) == 0;
 }
 
 bool IsFolder(const char* path, size_t length)

@@ -1,0 +1,91 @@
+# SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
+# SPDX-License-Identifier: MIT
+"""Tables of lines and branches reached, from what llvm-cov exports and a list of readers. Tables go to
+standard error, lines and branches of readers that nothing reaches to standard output."""
+
+import collections
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+
+def load(path):
+    return json.loads(pathlib.Path(path).read_text())["data"][0]
+
+
+def wanted(path):
+    """unit: names of functions, from lines such as `Route.cpp ReadRow ReadRow6`."""
+    names = collections.defaultdict(set)
+    for line in pathlib.Path(path).read_text().splitlines():
+        if line and line[0] != "#":
+            unit, *functions = line.split()
+            names[unit].update(functions)
+    return names
+
+
+def plain_name(mangled):
+    """Name of a function without scope and arguments; a lambda counts for the function that it is in."""
+    text = subprocess.run(["c++filt", mangled], capture_output=True, text=True, check=True).stdout.strip()
+    text = text.replace("(anonymous namespace)::", "").split("::{lambda")[0].split("::$_")[0]
+    text = re.sub(r"<[^<>]*>", "", re.sub(r"<[^<>]*>", "", text))
+    return re.sub(r"\(.*", "", text).split(" ")[-1].replace("vorlix::", "")
+
+
+def lines_of(regions):
+    """line: how often it ran, from the code regions of a function."""
+    counts = {}
+    for first, _, last, _, count, _, _, kind in sorted(regions, key=lambda r: (r[0], r[1], -r[2])):
+        if kind == 0:
+            for line in range(first, last + 1):
+                counts[line] = count
+    return counts
+
+
+def main():
+    data = load(sys.argv[1])
+    readers = wanted(sys.argv[2])
+    found = collections.defaultdict(set)
+    lines = collections.defaultdict(dict)
+    branches = collections.defaultdict(dict)
+    for function in data["functions"]:
+        path = function["filenames"][0]
+        if "/Src/" not in path:
+            continue
+        unit = path.split("/Src/")[1]
+        mangled = function["name"].split(":")[-1]
+        name = plain_name(mangled)
+        if name not in readers.get(unit, ()) and "*" not in readers.get(unit, ()):
+            continue
+        found[unit].add(name)
+        for line, count in lines_of(function["regions"]).items():
+            lines[unit][line] = max(lines[unit].get(line, 0), count)
+        for branch in function["branches"]:
+            place = tuple(branch[:4])
+            before = branches[unit].get(place, (0, 0))
+            branches[unit][place] = (before[0] + branch[4], before[1] + branch[5])
+
+    def percent(part, whole):
+        return f"{100 * part / whole:5.1f} %" if whole else "    - "
+
+    print("| Unit | Lines | reached | Branches | reached |\n|---|---:|---:|---:|---:|", file=sys.stderr)
+    sums = [0, 0, 0, 0]
+    for unit in sorted(lines):
+        row = [len(lines[unit]), sum(1 for c in lines[unit].values() if c), 2 * len(branches[unit]),
+               sum((a > 0) + (b > 0) for a, b in branches[unit].values())]
+        sums = [a + b for a, b in zip(sums, row)]
+        print(f"| `{unit}` | {row[0]} | {percent(row[1], row[0])} | {row[2]} | {percent(row[3], row[2])} |",
+              file=sys.stderr)
+        for line in sorted(line for line, count in lines[unit].items() if not count):
+            print(f"Src/{unit}:{line}: not reached")
+        for place, (true, false) in sorted(branches[unit].items()):
+            if not true or not false:
+                print(f"Src/{unit}:{place[0]}:{place[1]}: never {'false' if true else 'true' if false else 'asked'}")
+    print(f"| all | {sums[0]} | {percent(sums[1], sums[0])} | {sums[2]} | {percent(sums[3], sums[2])} |", file=sys.stderr)
+    for unit, names in readers.items():
+        for name in sorted(names - found[unit] - {"*"}):
+            print(f"no function {name} in {unit}", file=sys.stderr)
+
+
+main()
