@@ -85,6 +85,15 @@ TEST_P(BondOfManyTest, IsBuiltOfAllOfThem)
     EXPECT_EQ(Commands().back(), "ifenslave bond0 " + Replaced(Joined(cards), ",", " "));
 }
 
+TEST_P(BondOfManyTest, AListThatNamesACardTwiceIsWrittenAnew)
+{
+    Cards listed = cards;
+    listed.push_back(cards[0]);
+    Save({"bond0"}, {"BONDMODE = 1", "BONDMEMBERS = " + Joined(listed)});
+    EXPECT_TRUE(CheckBondConfig());
+    EXPECT_EQ(Get(CardFile("bond0")), Settings({"BONDMODE = 1", "BONDMEMBERS = " + Joined(cards)}));
+}
+
 /// A bridge need not be there yet: all 32 interfaces can be in it.
 class BridgeOfManyTest : public World, public testing::WithParamInterface<int> {
 protected:
@@ -127,6 +136,17 @@ TEST_P(BridgeOfManyTest, IsBuiltOfAllOfThem)
     for (std::string& command : added) command = command.substr(24);
     EXPECT_EQ(added, cards);
     EXPECT_EQ(Get(CardFile("br0")), Settings({"BRIDGEMEMBERS = " + Joined(cards)}));
+}
+
+TEST_P(BridgeOfManyTest, AListThatNamesACardTwiceIsWrittenAnew)
+{
+    Cards listed = cards;
+    listed[1] = listed[0];
+    Save({"br0"}, {"BRIDGEMEMBERS = " + Joined(listed)});
+    EXPECT_TRUE(CheckBridgeConfig());
+    const std::string saved = Get(CardFile("br0"));
+    EXPECT_EQ(StepsOf({"write networkbr0"}).size(), 0U);  // as many, and each of them claims it
+    EXPECT_EQ(saved, Settings({"BRIDGEMEMBERS = " + Joined(listed)}));
 }
 
 // ---- names that fill their field
@@ -186,7 +206,8 @@ TEST_F(LongNameTest, ABridgeIsReadOutOfItsFileNameAsFarAsANameGoes)
         {"network" + bridge + "m", "read network" + bridge + " (missing)"},
         {"network" + bridge + "mnopqrstuvw", "read network" + bridge + " (missing)"},
         {"networkbr0 old", "read networkbr0 (missing)"},
-        {"networkbr0\told", "read networkbr0 (missing)"}};
+        {"networkbr0\told", "read networkbr0 (missing)"},
+        {"networketh1networkbr0", "read networketh1networkbr0"}};
     for (const auto& [file, step] : files) {
         Put("/mnt/mtd/Config/" + file, "");
         ClearTrace();

@@ -80,6 +80,16 @@ TEST_F(Route_FillRtentryTest, FillsTheFieldsAndZeroesTheRest)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(Route_FillRtentryTest, ARefusedDestinationLeavesARecordOfNothingButItsFlag)
+{
+    EXPECT_FALSE(Route_FillRtentry("10.1", "0.0.0.0", "0.0.0.0.0", "eth1", &record));
+    EXPECT_FALSE(Route_FillRtentry("here", "10.1.0.1", "255.0.0.0", "eth1", &record));
+    rtentry expected;
+    memset(&expected, 0, sizeof(expected));
+    expected.rt_flags = RTF_UP;
+    EXPECT_EQ(memcmp(&record, &expected, sizeof(record)), 0);
+}
+
 TEST_F(Route_FillRtentryTest, NoGatewayLeavesItsFieldEmpty)
 {
     EXPECT_TRUE(Route_FillRtentry("10.1.0.0", "0.0.0.0", "255.255.255.0", "eth1", &record));

@@ -10,6 +10,7 @@
 #include "CommonApi.h"
 #include "Network.h"
 #include "Network6.h"
+#include "Route.h"
 
 #include <net/if.h>
 
@@ -17,7 +18,15 @@ using namespace fake;
 
 namespace {
 
-class StepOrderTest : public InterfaceWorld {};
+class StepOrderTest : public InterfaceWorld {
+protected:
+    /// A bridge of no ports.
+    static void SetBridge(const std::string& name)
+    {
+        MakeFolder("/sys/class/net/" + name + "/brif");
+        Put("/sys/class/net/" + name + "/carrier", "1\n");
+    }
+};
 
 TEST_F(StepOrderTest, AnUnknownCardsMtuAsksNothingButTheList)
 {
@@ -94,6 +103,47 @@ TEST_F(StepOrderTest, TheCommandsOfALongBridgeNameAreCutAt255Characters)
     ASSERT_GE(Commands().size(), 3U);
     EXPECT_EQ(Commands()[2], whole.substr(0, 255));
     EXPECT_EQ(LogOf("Bridge_Bridge")[2].text, whole.substr(0, 255) + "\n");
+}
+
+TEST_F(StepOrderTest, ABridgeIsToldByItsPortsAndThenByItsCarrier)
+{
+    SetBridge("br0");
+    EXPECT_TRUE(Bridge_IsBridgeExist("br0"));
+    EXPECT_EQ(TraceOf({"stat", "open"}),
+              (Texts{"stat /sys/class/net/br0/brif/", "open /sys/class/net/br0/carrier O_RDONLY"}));
+    ClearTrace();
+    EXPECT_FALSE(Bridge_IsBridgeExist("eth0"));
+    EXPECT_EQ(TraceOf({"stat", "open"}), Texts{"stat /sys/class/net/eth0/brif/"});
+}
+
+TEST_F(StepOrderTest, AnAddressFromTheBackupIsToldBeforeItIsSaved)
+{
+    Put(kFile0, "MTU = 1500\n");
+    KeepInBackup("10.0.0.3", "255.0.0.0", nullptr);
+    char address[16];
+    char mask[16];
+    EXPECT_TRUE(NetGetIPbyName("eth0", address, mask));
+    EXPECT_EQ(
+        StepsOf({"Warn |NetGet", "write", "ioctl PDC"}),
+        (Texts{"Warn |NetGetIPbyName|get eth0's ip mask from config failed. try sys.",
+               "Warn |NetGetIPbyName|get eth0's ip mask from sys failed. try cmos or rtc.",
+               "ioctl PDC_RTC_READSRAM on /dev/pdcRtc", "ioctl PDC_RTC_READSRAM on /dev/pdcRtc",
+               "Warn |NetGetIPbyName|restore ip mask from backup to configfile ", "write network",
+               "write network"}));
+}
+
+TEST_F(StepOrderTest, ATableThatCannotBeOpenedIsToldWhenItsLockIsFree)
+{
+    IPv4Route row;
+    int count = 1;
+    FailAll("open /proc/net/route", EMFILE);
+    EXPECT_FALSE(Route_GetIPv4Route(&row, &count));
+    const Texts steps = StepsOf({"mutex", "open", "Error"});
+    ASSERT_EQ(steps.size(), 4U);
+    EXPECT_EQ(steps[0].substr(0, 10), "mutex lock");
+    EXPECT_EQ(steps[1], "open /proc/net/route O_RDONLY");
+    EXPECT_EQ(steps[2].substr(0, 12), "mutex unlock");
+    EXPECT_EQ(steps[3], "Error|Route_GetIPv4Route|Can not open /proc/net/route");
 }
 
 }  // namespace

@@ -21,6 +21,8 @@ namespace fake {
 
 namespace {
 
+std::vector<std::string> synced;
+
 struct Failure {
     std::string call;
     int error;
@@ -172,8 +174,19 @@ std::vector<std::string> TraceOf(const std::vector<std::string>& starts)
     return found;
 }
 
+const std::vector<std::string>& Synced()
+{
+    return synced;
+}
+
+void NoteSynced(const std::string& text)
+{
+    synced.push_back(text);
+}
+
 void ClearTrace()
 {
+    synced.clear();
     trace.clear();
     ClearTimeline();
 }

@@ -440,6 +440,7 @@ int __wrap_fileno(FILE* stream)
 
 int __wrap_fsync(int fd)
 {
+    NoteSynced(Get(PathOf(fd)));
     return Note("fsync " + PathOf(fd)) ? 0 : -1;  // the scratch folder needs no disk
 }
 
