@@ -8,6 +8,7 @@
 #include "InterfaceWorld.h"
 #include "ProbeWorld.h"
 #include "Steps.h"
+#include "fake/Cmos.h"
 #include "fake/Rtnetlink.h"
 
 #include "Arp_Ping.h"
@@ -18,6 +19,7 @@
 #include "Netlink.h"
 #include "Other.h"
 #include "Switch.h"
+#include "TrafficControl.h"
 
 #include <cerrno>
 #include <cstring>
@@ -190,6 +192,49 @@ TEST_F(HandedOnTest, ABondWhoseModeIsNoNumberIsListedAsActiveBackup)
     EXPECT_EQ(bond->getBondMembers(bond, list, &count), 0);
     EXPECT_EQ(count, 1);
     EXPECT_EQ(list[0].bond, nicBondActiveBackup);
+}
+
+// ---- backup memory and shaping
+
+/// A recorder board whose network has so many bytes of CMOS.
+void UseCmosOf(int bytes)
+{
+    Remove("/dev/pdcRtc");
+    cmos.networkStart = 10;
+    cmos.networkEnd = static_cast<uint8_t>(10 + bytes - 1);
+    CheckDeviceType();
+}
+
+TEST_F(HandedOnTest, ARecordThatIsCutGetsItsSumAllTheSame)
+{
+    UseCmosOf(8);
+    CmosData record{};
+    record.uiIP = 0x0300000a;
+    EXPECT_TRUE(WriteToCmos(&record));
+    EXPECT_EQ(record.reserved[0], crc8(reinterpret_cast<const unsigned char*>(&record), 9));
+    EXPECT_NE(record.reserved[0], 0);
+}
+
+TEST_F(HandedOnTest, AnAddressIsRestoredBesideAMaskOfTooManyBits)
+{
+    UseCmosOf(12);
+    CmosData record{};
+    record.uiIP = 0x0300000a;
+    record.NetMask = 40;
+    record.Flag = 0xA;
+    EXPECT_TRUE(WriteToCmos(&record));
+    char address[16] = "";
+    EXPECT_TRUE(RestoreIP("eth0", address));
+    EXPECT_STREQ(address, "10.0.0.3");
+    EXPECT_FALSE(RestoreMask("eth0", address));
+}
+
+TEST_F(HandedOnTest, AnEmptyNameIsGivenToTheTool)
+{
+    EXPECT_TRUE(TC_InitDev(""));
+    EXPECT_EQ(Commands(),
+              (Texts{"/usr/local/bin/tc qdisc del dev  root",
+                     "/usr/local/bin/tc qdisc add dev  root handle 1: htb default 10"}));
 }
 
 // ---- probes

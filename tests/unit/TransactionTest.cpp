@@ -9,6 +9,7 @@
 #include "LanriseWorld.h"
 #include "Steps.h"
 #include "fake/Rtnetlink.h"
+#include "fake/Synced.h"
 
 #include "Arp_Ping.h"
 #include "Bond.h"

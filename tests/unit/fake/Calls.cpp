@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fake/Calls.h"
+#include "fake/Synced.h"
 
 #include "fake/World.h"
 

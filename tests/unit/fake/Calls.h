@@ -26,9 +26,6 @@ std::vector<std::string> TraceOf(const std::vector<std::string>& starts);
 
 void ClearTrace();
 
-/// What stood in each file that was synced since then.
-const std::vector<std::string>& Synced();
-
 /// Lets the next `read`, `pread`, `write`, `fwrite`, `recv`, `recvfrom`, `recvmsg`, `sendto` or
 /// `sendmsg` whose trace text begins with `call` move at most so many bytes.
 void Shorten(const std::string& call, size_t bytes);
@@ -99,8 +96,6 @@ public:
 /// A block that the product has taken, or gives back.
 void* Taken(void* block);
 void GivenBack(void* block);
-
-void NoteSynced(const std::string& text);
 
 void Opened(int fd, const std::string& call, int family = 0);
 void Closed(int fd);

@@ -6,6 +6,7 @@
 
 #include "fake/Odd.h"
 #include "fake/Rtnetlink.h"
+#include "fake/Synced.h"
 #include "fake/World.h"
 
 #include <algorithm>
