@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # wires: 2
-# limit: 300
+# time: real
 # How long a boot takes that builds a bond of two cards, beside a shell script with `ip` and beside
 # `ifup -a` of ifupdown. Runs in the guest of a virtual board, whose kernel has the driver.
 #

@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # wires: 2
+# time: real
 # The show of ./demo --board: two cards claimed by a bond whose own list is stale, the boot, and the
 # active link cut. Their peer is a switch, which learns where the bond is.
 # shellcheck shell=sh
