@@ -289,8 +289,8 @@ def measure(bench, arguments, media):
             tell_costs(costs)
             all_costs.append(costs)
     print()
-    tell_cells("Flash", "Cards", "Blocks in turn", "Endurance", "Boots", "Years at one a day",
-               "An hour for ten years")
+    tell_cells("Flash", "Cards", "Blocks in turn", "Endurance, erasures of a block", "Boots",
+               "Years at one a day", "Boots an hour for ten years")
     print("|---|---:|---:|---|---:|---:|---:|")
     for costs in all_costs:
         tell_life(costs)
