@@ -57,7 +57,7 @@ sed "s%^ExecStart=.*%ExecStart=$tree/usr/libexec/lanrise-log journal $tree/usr/s
     "$tree/usr/lib/systemd/system/lanrise.service" >"$unit"
 succeeds 'the unit as systemd reads it' systemd-analyze verify "$unit"
 is 'what systemd says of the unit' "$(grep -F lanrise.service "$output")" ''
-for line in Type=oneshot RemainAfterExit=yes Wants=network.target ConditionPathIsDirectory=/mnt/mtd/Config; do
+for line in Type=oneshot RemainAfterExit=yes Wants=network.target systemd-udev-trigger.service ConditionPathIsDirectory=/mnt/mtd/Config; do
     holds 'the unit' "$unit" "$line"
 done
 is 'the unit comes before the network' "$(sed -n 's/^Before=//p' "$unit" | cut -d ' ' -f 1)" network.target
