@@ -7,6 +7,7 @@
 #include "LanriseWorld.h"
 #include "Steps.h"
 
+#include "Backup.h"
 #include "Lanrise.h"
 
 using namespace fake;
@@ -203,6 +204,19 @@ TEST_F(AddressOrderTest, AResetIsToldThenMarkedOnceThenWritten)
                      "reset flag, will reboot with user config",
                      "CMOSWrite 10 12", "write network", "write network", "write network",
                      "CMOSWrite 10 12", "CMOSWrite 10 12", "CMOSWrite 10 12"}));
+}
+
+TEST_F(AddressOrderTest, AResetMarkOfARecorderIsToldBeforeItIsTakenAway)
+{
+    Remove("/dev/pdcRtc");
+    UseCmos("10.0.0.3", 8, "10.0.0.1");
+    CheckDeviceType();
+    EXPECT_TRUE(setBeenResetFlag());
+    ClearTrace();
+    EXPECT_TRUE(NetCheckBeenReset());
+    EXPECT_EQ(StepsOf({"Info |CheckBeenReset", "CMOSWrite"}),
+              (Texts{"Info |CheckBeenReset|read from cmos reset flag 66, reset net.",
+                     "CMOSWrite 10 12"}));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "fake/Rtnetlink.h"
 
 #include "Arp_Ping.h"
+#include "Backup.h"
 #include "Base.h"
 #include "Bond.h"
 #include "CommonApi.h"
@@ -93,6 +94,27 @@ TEST_F(OddAnswerTest, DescriptorZeroIsAProbesSocketLikeAnyOther)
         Arp_Ckeck("eth0", "10.0.0.2", "02:00:00:00:00:01", "10.0.0.9", "ff:ff:ff:ff:ff:ff", 1), 0);
     EXPECT_EQ(wire.sent.size(), 3U);
     EXPECT_EQ(OpenHandles(), Texts{});
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsBoundLikeAnyOther)
+{
+    AnswerOddly(Odd::descriptors);
+    EXPECT_FALSE(Ping_CheckAlive("eth0", "10.0.0.2", "10.0.0.9", 1));
+    EXPECT_EQ(TraceOf({"setsockopt", "bind"}).size(), 2U);
+    EXPECT_EQ(LogOf("ListenToSocket").size(), 1U);
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsABackupDeviceLikeAnyOther)
+{
+    AnswerOddly(Odd::files);
+    Put("/dev/pdcSramFile", "");
+    CheckDeviceType();
+    EXPECT_TRUE(ResetSram());
+    EXPECT_TRUE(BackupIP("eth0", "10.0.0.3"));
+    char address[16] = "";
+    EXPECT_TRUE(RestoreIP("eth0", address));
+    EXPECT_STREQ(address, "10.0.0.3");
+    EXPECT_EQ(TraceOf({"open /dev/pdcSramFile"}).size(), 1U);
 }
 
 // ---- results above 0
