@@ -42,6 +42,7 @@ COLD_BOOTS = 5
 MOUNTS = 20
 
 SUM = re.compile(r"\{ \w+: +(\d+) \} hitcount: +(\d+)(?: +\w+: +(\d+))?$")
+COUNTING = ("amd64", "arm64")  # where a probe can name the arguments of a function
 NAND_DRIVERS = ("zstd", "nandsim", "ubi", "ubifs")
 
 
@@ -129,9 +130,13 @@ class Board:
                                         stderr=subprocess.DEVNULL, text=True, errors="replace", bufsize=1)
         self.limit = threading.Timer(bench.seconds, self.machine.kill)
         self.limit.start()
-        self.read_until("READY")
-        self.tell(f"cards {cards}")
-        self.tell(medium.name)
+        try:
+            self.read_until("READY")
+            self.tell(f"cards {cards}")
+            self.tell(medium.name)
+        except RuntimeError:
+            self.end()
+            raise
 
     def read_until(self, word):
         lines = []
@@ -162,6 +167,9 @@ class Board:
         return self
 
     def __exit__(self, *_):
+        self.end()
+
+    def end(self):
         """Pulls the plug."""
         self.limit.cancel()
         self.machine.kill()
@@ -339,6 +347,9 @@ def command():
 
 def main():
     arguments = command()
+    if arguments.arch not in COUNTING:
+        print(f"skipped: the kernel of {arguments.arch} does not tell the arguments of its functions")
+        sys.exit(run.SKIPPED)
     media = arguments.media or list(MEDIA)
     with tempfile.TemporaryDirectory(prefix="flashcost-") as folder:
         if arguments.check:
