@@ -158,7 +158,10 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     CardsCanBeReached();
 
     const bool cold = (kinds & 128U) != 0;
-    if (!cold) Boot();  // over bonds that stand, where the primary card is saved
+    // Two boots settle: the second one saves the primary card of a bond that stands, and takes away
+    // the file of a bridge whose cards the first one has given to another bridge's file.
+    if (cold) PowerCut(kinds);
+    Boot();
     const std::string files = FilesText();
     const std::string kernel = fuzz::KernelText();
     if (cold) PowerCut(kinds);

@@ -10,6 +10,7 @@
 #include "Support/KeyFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 
@@ -99,7 +100,13 @@ size_t EdgePortsSize()
 void ChangeEdgePorts(const std::string& port)
 {
     constexpr size_t kLineRoom = 239;  // behind "SSIF_EDGE[0] = ": what is longer is cut, as stated
-    if (EdgePortsSize() + 1 + port.size() > kLineRoom) return;
+    if (EdgePortsSize() + 1 + port.size() > kLineRoom) {
+        (void)AddEdgePortByconfig("br0", port.c_str());
+        return;
+    }
+    if (!IsEdgePortByconfig("br0", port.c_str())) {
+        (void)DelEdgePortByconfig("br0", port.c_str());  // nothing to take away
+    }
     if (!AddEdgePortByconfig("br0", port.c_str())) return;  // no room
 
     HOLDS(IsEdgePortByconfig("br0", port.c_str()));
@@ -112,7 +119,9 @@ void ChangeEdgePorts(const std::string& port)
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fuzz::Input input(data, size);
-    const bool saves = (input.Byte() & 1) != 0;
+    const uint8_t choice = input.Byte();
+    const bool saves = (choice & 1) != 0;
+    const int trouble = choice / 2;  // from 120 on, where it only reads: a read fails, no files
     std::vector<std::string> members(static_cast<size_t>(1 + input.Below(kNames)));
     for (std::string& name : members) name = "e" + input.Text(14, kNameCharacters);
     const std::string content = input.Rest();
@@ -122,6 +131,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         fuzz::Put(file, content);
     }
     if (!saves) {
+        if (trouble >= 120 && trouble < 127) fuzz::FailRead(trouble - 120, EIO);
+        if (trouble == 127) fuzz::Remove("/mnt/mtd/Config");
         ReadAll(members[0]);
     } else if (fuzz::Lines(content).size() <= 8) {
         SaveOver(members);

@@ -46,8 +46,14 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzz::SetClock(1000);
     while (true) {
         fake::Datagram answer;
-        if ((input.Byte() & 1) != 0) answer.flags = MSG_TRUNC;
+        const uint8_t kind = input.Byte();
+        if ((kind & 1) != 0) answer.flags = MSG_TRUNC;
+        if ((kind & 4) != 0) answer.senderLength = 2;
         const std::string bytes = input.Bytes(255);
+        if (bytes.empty() && (kind & 8) != 0) {  // the other end is gone
+            fake::rtnetlink.script.push_back(answer);
+            continue;
+        }
         if (bytes.empty()) break;
         answer.bytes.assign(bytes.begin(), bytes.end());
         Mark(&answer, 1001);

@@ -8,6 +8,7 @@
 #include "Support/KeyFile.h"
 
 #include <algorithm>
+#include <cerrno>
 
 namespace {
 
@@ -68,16 +69,40 @@ std::string Stripped(const std::string& value)
     return value.substr(first, value.find_last_not_of(' ') - first + 1);
 }
 
+/// A file that cannot be read to its end is not written.
+void LosesNothing(const std::string& content, const std::string& key, const std::string& value,
+                  int reads)
+{
+    fuzz::FailRead(reads, EINTR);
+    const fuzz::Buffer small(16);
+    HOLDS(!GetValueByKey(kFile, key.c_str(), small.Get(), 16) || small.IsText());
+    fuzz::FailRead(reads, EIO);
+    if (!SetValueByKey(kFile, key.c_str(), value.c_str())) HOLDS(fuzz::Get(kFile) == content);
+    fuzz::FailRead(0, 0);
+    HOLDS(fuzz::OpenHandles() == 0);
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fuzz::Input input(data, size);
-    const std::string key = vorlix::KeyText(static_cast<KEYENUM>(input.Below(HOST_NET_END)));
+    const uint8_t choice = input.Byte();
+    const std::string key = vorlix::KeyText(static_cast<KEYENUM>(choice % HOST_NET_END));
+    const int trouble = choice / HOST_NET_END;  // 1 and 2: a read fails, 3: there is no file
     const std::string value = input.Text(60, kValueCharacters);
     const std::string content = input.Rest();
     fuzz::FreshWorld();
-    fuzz::Put(kFile, content);
+    if (trouble != 3) fuzz::Put(kFile, content);
+    if (trouble == 3) {
+        HOLDS(SetValueByKey(kFile, key.c_str(), value.c_str()));
+        HOLDS(fuzz::Get(kFile) == key + " = " + value + "\n");
+        return 0;
+    }
+    if (trouble == 1 || trouble == 2) {
+        LosesNothing(content, key, value, trouble - 1);
+        return 0;
+    }
 
     // Any reader of any key keeps to its buffer.
     const fuzz::Buffer small(16);

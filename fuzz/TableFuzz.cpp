@@ -13,6 +13,7 @@
 #include "Other.h"
 #include "Route.h"
 
+#include <cerrno>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -166,7 +167,9 @@ constexpr int kReaderCount = static_cast<int>(std::size(kReaders));
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fuzz::Input input(data, size);
-    const Reader& reader = kReaders[input.Below(kReaderCount)];
+    const uint8_t choice = input.Byte();
+    const Reader& reader = kReaders[choice % kReaderCount];
+    const int trouble = choice / kReaderCount;  // from 10 on: no table, or a read that fails
     const int room = kRooms[input.Below(4)];
     fuzz::FreshWorld();
     for (const Table* table :
@@ -174,6 +177,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         fuzz::Put(table->path, table->usual);
     }
     fuzz::Put(reader.table->path, input.Rest());
+    if (trouble == 10) fuzz::Remove(reader.table->path);
+    if (trouble > 10) fuzz::FailRead((trouble - 11) / 2, trouble % 2 == 0 ? EIO : EINTR);
     reader.read(room);
     HOLDS(fuzz::HeldMutexes() == 0);
     HOLDS(fuzz::HeapBlocks() == 0);

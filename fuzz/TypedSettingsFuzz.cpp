@@ -60,6 +60,12 @@ void ReadRoles()
     NetWorkMode mode = netModeInvalid;
     HOLDS(GetWorkModeByConfig(kCard, &mode));
     bool flag = false;
+    unsigned char policy = 0;
+    (void)GetBondHashPolicyByConfig(kCard, &policy);
+    unsigned char tree = 0;
+    (void)GetBridgeStpModeByConfig(kCard, &tree);
+    const fuzz::Buffer primary(16);
+    HOLDS(!GetPrimaryEthByConfig(kCard, primary.Get(), 16) || primary.IsText());
     (void)GetEthIsBondedByConfig(kCard, &flag);
     (void)GetEthIsBridgedByConfig(kCard, &flag);
     const fuzz::Buffer name(16);
@@ -98,7 +104,9 @@ void SaveOver(const std::string& address, const std::string& gateway)
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fuzz::Input input(data, size);
-    const int part = input.Below(3);
+    const uint8_t choice = input.Byte();
+    const int part = choice % 3;
+    const int trouble = choice / 3;  // from 60 on, where it only reads: a read fails, no files
     const std::string address = fuzz::Address(input);
     const std::string gateway = fuzz::Address(input);
     const std::string content = input.Rest();
@@ -107,6 +115,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
                              "/mnt/mtd/Config/network"}) {
         fuzz::Put(file, content);
     }
+    if (part != 2 && trouble >= 60 && trouble < 84) fuzz::FailRead(trouble - 60, EIO);
+    if (part != 2 && trouble == 84) fuzz::Remove("/mnt/mtd");
     if (part == 0) ReadAddresses();
     if (part == 1) ReadRoles();
     if (part == 2 && HasRoom(content)) SaveOver(address, gateway);

@@ -71,7 +71,7 @@ size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t room, unsigned
     std::vector<Datagram> datagrams = Taken(data, size);
     const size_t place = fuzz::Below(random, datagrams.size() + 1);
     if (place == datagrams.size() || fuzz::OneIn(random, 3)) {
-        const auto flags = static_cast<uint8_t>(fuzz::OneIn(random, 4) ? 1 : 0);
+        const auto flags = static_cast<uint8_t>(fuzz::OneIn(random, 2) ? random() >> 8U : 0);
         datagrams.insert(datagrams.begin() + static_cast<ptrdiff_t>(place),
                          {flags, Message(random)});
     } else {
@@ -86,7 +86,7 @@ size_t LLVMFuzzerCustomMutator(uint8_t* data, size_t size, size_t room, unsigned
     Bytes text;
     for (const Datagram& datagram : datagrams) {
         const size_t length = std::min(datagram.bytes.size(), kLongest);
-        if (length == 0) continue;
+        if (length == 0 && (datagram.flags & 8U) == 0) continue;
         text += static_cast<char>(datagram.flags);
         text += static_cast<char>(length);
         text.append(datagram.bytes, 0, length);

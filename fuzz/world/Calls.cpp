@@ -70,6 +70,18 @@ std::vector<std::string> commands;
 std::vector<unsigned long> requests;
 std::function<void(const std::string&)> shell;
 time_t now = kStart;
+int readsBefore = 0;
+int readError = 0;
+int requestError = 0;
+
+/// True, once, when the read that was to fail has come.
+bool ReadFails()
+{
+    if (readError == 0 || readsBefore-- > 0) return false;
+    errno = readError;
+    readError = 0;
+    return true;
+}
 
 Handle* HandleOf(int fd)
 {
@@ -119,6 +131,7 @@ int OpenSocket(int family)
 
 ssize_t ReadAt(const Handle& handle, void* buffer, size_t size, off_t offset)
 {
+    if (ReadFails()) return -1;
     const std::string& text = handle.node->text;
     const auto from = std::min(static_cast<size_t>(offset), text.size());
     const size_t count = std::min(size, text.size() - from);
@@ -139,7 +152,7 @@ ssize_t Write(Handle* handle, const char* bytes, size_t size)
 ssize_t Read(Handle* handle, void* buffer, size_t size)
 {
     const ssize_t count = ReadAt(*handle, buffer, size, handle->offset);
-    handle->offset += count;
+    if (count > 0) handle->offset += count;
     return count;
 }
 
@@ -318,6 +331,17 @@ void ForgetRequests()
 void OnCommand(std::function<void(const std::string&)> action)
 {
     shell = std::move(action);
+}
+
+void FailRead(int after, int error)
+{
+    readsBefore = after;
+    readError = error;
+}
+
+void FailRequests(int error)
+{
+    requestError = error;
 }
 
 void SetClock(time_t seconds)
@@ -511,6 +535,10 @@ int __wrap_ioctl(int fd, unsigned long request, ...)
     void* record = va_arg(arguments, void*);
     va_end(arguments);
     requests.push_back(request);
+    if (requestError != 0) {
+        errno = requestError;
+        return -1;
+    }
     const int error =
         fake::Perform(request, record, handle->kind == Kind::socket ? handle->family : 0);
     if (error == 0) return fake::ResultOf(request);
@@ -575,8 +603,9 @@ int __wrap_poll(pollfd* sockets, nfds_t /*count*/, int milliseconds)
 ssize_t __wrap_recv(int fd, void* buffer, size_t size, int /*flags*/)
 {
     if (HandleOf(fd) == nullptr) return -1;
-    if (arrivals.empty()) {
-        errno = EAGAIN;
+    if (arrivals.empty() || arrivals.front() == kBadPacket) {
+        if (!arrivals.empty()) arrivals.pop_front();
+        errno = ENETDOWN;
         return -1;
     }
     const size_t count = std::min(size, arrivals.front().size());
@@ -591,7 +620,7 @@ ssize_t __wrap_recvfrom(int fd, void* buffer, size_t size, int flags, sockaddr* 
 {
     sockaddr_in sender{};
     sender.sin_family = AF_INET;
-    if (!arrivals.empty()) {
+    if (!arrivals.empty() && arrivals.front() != kBadPacket) {
         std::string& packet = arrivals.front();
         packet.copy(reinterpret_cast<char*>(&sender.sin_addr), sizeof(sender.sin_addr));
         packet.erase(0, sizeof(sender.sin_addr));

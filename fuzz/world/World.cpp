@@ -65,6 +65,8 @@ void FreshWorld()
     fake::ResetRtnetlink();
     SetClock(1000000);
     OnCommand(nullptr);
+    FailRead(0, 0);
+    FailRequests(0);
     arrivals.clear();
 }
 

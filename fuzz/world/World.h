@@ -81,9 +81,18 @@ void OnCommand(std::function<void(const std::string& command)> action);
 /// Seconds since the epoch. Sleeping moves them on.
 void SetClock(time_t seconds);
 
+/// The next reads of files that fail: so many succeed before, then one fails with the error. 0 in
+/// `error` for none.
+void FailRead(int after, int error);
+
+/// Requests to drivers fail, from the next on.
+void FailRequests(int error);
+
 /// What comes in on a raw socket: the next packet for each wait that finds one. An empty one is a
-/// wait that ends with nothing.
+/// wait that ends with nothing. One of `kBadPacket` cannot be received.
 extern std::deque<std::string> arrivals;
+
+constexpr char kBadPacket[] = "!";
 
 /// The number of this process, as the product is told.
 constexpr int kProcess = 4242;
