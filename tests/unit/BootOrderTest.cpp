@@ -219,4 +219,14 @@ TEST_F(AddressOrderTest, AResetMarkOfARecorderIsToldBeforeItIsTakenAway)
                      "CMOSWrite 10 12"}));
 }
 
+TEST_F(AddressOrderTest, TheFlagOfARecorderIsSetBeforeTheEndIsTold)
+{
+    Remove("/dev/pdcRtc");
+    UseCmos("10.0.0.3", 8, "10.0.0.1");
+    kernel.Add("eth1");
+    EXPECT_TRUE(Lanrise({"eth1", "10.0.0.2", "255.0.0.0", "10.0.0.1"}));
+    EXPECT_EQ(StepsOf({"Info |CommonMain|lanrise", "CMOSWrite"}),
+              (Texts{"CMOSWrite 10 12", "Info |CommonMain|lanrise for eth1 is finished."}));
+}
+
 }  // namespace

@@ -143,6 +143,51 @@ TEST_F(HandedOnTest, AMissingEntryIsLookedForBeforeAPointInTheName)
     EXPECT_EQ(count, 0);
 }
 
+// ---- names and texts
+
+TEST_F(HandedOnTest, APortOfTheSwitchHasALinkOnlyWhenItIsThere)
+{
+    kernel.Add("eth0:poe");
+    EXPECT_FALSE(NetMiiDiag("poe7", false));
+    EXPECT_TRUE(NetMiiDiag("eth0:poe", false));
+}
+
+TEST_F(HandedOnTest, ABlankIsNoEmptyAddress)
+{
+    EXPECT_FALSE(NetSetIPv6byName("eth0", " ", "64"));
+    EXPECT_FALSE(Exists("/mnt/mtd/Config/networkip6"));
+}
+
+TEST_F(HandedOnTest, APrefixOfNoLengthIsCutOffAllTheSame)
+{
+    char text[] = "2001:db8::2/";
+    (void)NetDelIPAddressIpv6("eth0", text);
+    EXPECT_STREQ(text, "2001:db8::2");
+}
+
+TEST_F(HandedOnTest, TheDefaultRouteIsLeftAloneForGood)
+{
+    Put(kFile0, "GATEWAYIP = 10.0.0.1\n");
+    EXPECT_TRUE(RouteControl(1));
+    for (const int style : {0, 2, -1}) EXPECT_TRUE(RouteControl(style));
+    EXPECT_TRUE(NetSetDefEth("eth0"));
+    EXPECT_EQ(TraceOf({"ioctl SIOCADDRT"}), Texts{});
+}
+
+TEST_F(HandedOnTest, AsManyVirtualCardsAsAreListedAreBridged)
+{
+    for (const int count : {31, 32, 33}) {
+        kernel.cards.clear();
+        for (int i = 0; i < count; ++i) {
+            kernel.Add("vnic" + std::to_string(i)).driver = "pcit virt nic";
+        }
+        ClearTrace();
+        EXPECT_TRUE(BridgeByInterNic(nullptr)) << count;
+        EXPECT_EQ(TraceOf({"command brctl addif"}).size(),
+                  static_cast<size_t>(std::min(count, 32)));
+    }
+}
+
 // ---- drivers
 
 TEST_F(HandedOnTest, APortBeyondASignIsAPort)
@@ -155,6 +200,18 @@ TEST_F(HandedOnTest, APortBeyondASignIsAPort)
     int port = 0;
     EXPECT_TRUE(Switch_GetPortBymac("eth3", asked, &port, 1));
     EXPECT_EQ(port, 199);
+}
+
+TEST_F(HandedOnTest, EveryLinkOfTheMaskIsTold)
+{
+    kernel.Add("eth3").driver = "sim Switch drv";
+    kernel.At("eth3").chip = SwitchChip{std::vector<SwitchPort>(16)};
+    for (const int port : {0, 7, 8, 15}) {
+        kernel.At("eth3").chip->ports[static_cast<size_t>(port)].link = true;
+    }
+    int mask = 0;
+    EXPECT_TRUE(GetSwitchMask("eth3", &mask));
+    EXPECT_EQ(mask, 0x8181);
 }
 
 TEST_F(HandedOnTest, OnlyAPortOfNoKindOfItsOwnIsAskedForFibre)

@@ -104,17 +104,29 @@ TEST_F(OddAnswerTest, DescriptorZeroIsBoundLikeAnyOther)
     EXPECT_EQ(LogOf("ListenToSocket").size(), 1U);
 }
 
-TEST_F(OddAnswerTest, DescriptorZeroIsABackupDeviceLikeAnyOther)
+/// The backup of an address on the one device that there is.
+void BackUpAndRestore(const std::string& device, bool (*reset)())
 {
     AnswerOddly(Odd::files);
-    Put("/dev/pdcSramFile", "");
+    Put(device, "");
     CheckDeviceType();
-    EXPECT_TRUE(ResetSram());
+    EXPECT_TRUE(reset());
     EXPECT_TRUE(BackupIP("eth0", "10.0.0.3"));
     char address[16] = "";
     EXPECT_TRUE(RestoreIP("eth0", address));
     EXPECT_STREQ(address, "10.0.0.3");
-    EXPECT_EQ(TraceOf({"open /dev/pdcSramFile"}).size(), 1U);
+    CheckDeviceType();
+    EXPECT_EQ(TraceOf({"open " + device}).size(), 1U);
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsAnSramLikeAnyOther)
+{
+    BackUpAndRestore("/dev/pdcSramFile", ResetSram);
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsAnRtcLikeAnyOther)
+{
+    BackUpAndRestore("/dev/pdcRtc", ResetRTC);
 }
 
 // ---- results above 0
