@@ -238,8 +238,20 @@ TEST_F(LongNameTest, ADefaultCardOfFifteenCharactersIsFoundAndWrittenBack)
     EXPECT_TRUE(CheckDefaultEthConfig());
     EXPECT_EQ(LogOf("CheckDefaultEthConfig"),
               LogLines{Info("CheckDefaultEthConfig", "default eth is " + card + ".")});
+    Save({card}, {"HOSTIP = 10.0.0.2", "SUBMASK = 255.0.0.0", "GATEWAYIP = 10.0.0.1"});
+    ClearLog();
     addAllCardNetRoute();
-    EXPECT_EQ(LogOf("addAllCardNetRoute"), LogLines{});
+    const LogLines added = LogOf("Route_AddIPv4Route");
+    ASSERT_FALSE(added.empty());
+    EXPECT_NE(added.back().text.find("10.0.0.1,0.0.0.0," + card + "#"), std::string::npos);
+}
+
+TEST_F(LongNameTest, ACardIsNoBondForAnotherCard)
+{
+    Save({"eth1"}, {"BONDED = 1", "BONDNAME = eth2"});
+    List({"eth1", "eth2"});
+    EXPECT_TRUE(CheckBondConfig());
+    EXPECT_EQ(Get(CardFile("eth1")), Settings({"BONDED = 0", "BONDNAME = "}));
 }
 
 // ---- numbers

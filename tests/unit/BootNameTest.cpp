@@ -9,6 +9,8 @@
 
 #include "Lanrise.h"
 
+#include <algorithm>
+
 using namespace fake;
 
 namespace {
@@ -153,6 +155,8 @@ TEST_F(BootRouteTest, ABondThatIsAPortOfABridgeHasNone)
     List({"eth1", "eth2", "eth3", "bond0", "br0"});
     addAllCardNetRoute();
     EXPECT_EQ(Routes(), Texts{"10.0.0.0/255.0.0.0 br0"});
+    // Whether it runs is not asked any more.
+    EXPECT_EQ(TraceOf({"open /sys/class/net/bond0/bonding/slaves"}).size(), 1U);
 }
 
 TEST_F(BootRouteTest, ABridgeThatIsAMemberOfABondHasNone)
@@ -163,6 +167,19 @@ TEST_F(BootRouteTest, ABridgeThatIsAMemberOfABondHasNone)
     List({"eth1", "eth3", "bond0", "br0"});
     addAllCardNetRoute();
     EXPECT_EQ(Routes(), Texts{"10.0.0.0/255.0.0.0 bond0"});
+}
+
+TEST_F(BootRouteTest, AMemberThatHasLeftItsBondHasItsOwnAgain)
+{
+    Save({"eth1"}, address);
+    SetBondMembers("bond0", "eth1\n");
+    List({"eth1", "bond0"});
+    addAllCardNetRoute();
+    kernel.routes.clear();
+    SetBondMembers("bond0", "");
+    addAllCardNetRoute();
+    const Texts routes = Routes();
+    EXPECT_EQ(std::count(routes.begin(), routes.end(), "10.0.0.0/255.0.0.0 eth1"), 1);
 }
 
 TEST_F(BootRouteTest, AMaskOfZeroIsANetOfAll)

@@ -229,4 +229,12 @@ TEST_F(AddressOrderTest, TheFlagOfARecorderIsSetBeforeTheEndIsTold)
               (Texts{"CMOSWrite 10 12", "Info |CommonMain|lanrise for eth1 is finished."}));
 }
 
+TEST_F(AddressOrderTest, AnEmptyGatewayIsNone)
+{
+    kernel.Add("eth1");
+    (void)Lanrise({"eth1", "10.0.0.2", "255.0.0.0", ""});
+    EXPECT_TRUE(Logged(Error("CommonMain", "gateway error ")));
+    EXPECT_EQ(StepsOf({"ioctl SIOCSIFADDR"}), Texts{});
+}
+
 }  // namespace

@@ -18,6 +18,7 @@
 #include "Config.h"
 #include "Dns.h"
 #include "Lanrise.h"
+#include "NetApi3_0.h"
 #include "Netlink.h"
 #include "Network.h"
 #include "Network6.h"
@@ -127,6 +128,32 @@ TEST_F(OddAnswerTest, DescriptorZeroIsAnSramLikeAnyOther)
 TEST_F(OddAnswerTest, DescriptorZeroIsAnRtcLikeAnyOther)
 {
     BackUpAndRestore("/dev/pdcRtc", ResetRTC);
+}
+
+/// The switch of the spanning tree, turned by an object of version 3.
+int TurnTree()
+{
+    NetInterface card{};
+    STPInfo info{};
+    info.enable = 1;
+    return API3_setSTP(&card, &info);
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsTheTreesSwitchLikeAnyOther)
+{
+    AnswerOddly(Odd::files);
+    Put("/proc/stp_ctrl", "");
+    EXPECT_EQ(TurnTree(), 0);
+    EXPECT_EQ(TurnTree(), 0);
+    EXPECT_EQ(TraceOf({"open /proc/stp_ctrl"}).size(), 1U);
+}
+
+TEST_F(OddAnswerTest, ASwitchThatTakesAPartIsAFailure)
+{
+    Put("/proc/stp_ctrl", "");
+    Shorten("write /proc/stp_ctrl", 1);
+    EXPECT_EQ(TurnTree(), -1);
+    EXPECT_EQ(TurnTree(), 0);
 }
 
 // ---- results above 0
