@@ -106,7 +106,8 @@ protected:
              " -q -t ed25519 -N '' -f /etc/ssh/host_key");
         Put("/etc/ssh/sshd_config",
             Lines({"Port 2222", "ListenAddress 127.0.0.1", "HostKey /etc/ssh/host_key",
-                   std::string("PidFile ") + kPidFile, "UsePAM no"}));
+                   std::string("PidFile ") + kPidFile, "UsePAM no"}) +
+                PartsOf(tree));
     }
 
     void TearDown() override
@@ -116,6 +117,18 @@ protected:
         while (waitpid(-1, nullptr, 0) > 0) {
         }
         Device::TearDown();
+    }
+
+    /// Since OpenSSH 9.8 the server is made of several programs, and does not start without them.
+    static std::string PartsOf(const std::string& tree)
+    {
+        const std::string folder = tree + "/usr/lib/openssh/";
+        std::string lines;
+        if (fs::exists(folder + "sshd-session")) {
+            lines += "SshdSessionPath " + folder + "sshd-session\n";
+        }
+        if (fs::exists(folder + "sshd-auth")) lines += "SshdAuthPath " + folder + "sshd-auth\n";
+        return lines;
     }
 
     /// What the fetched server needs and the machine lacks lies beside it.
