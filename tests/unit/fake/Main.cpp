@@ -72,13 +72,21 @@ int RunEachInAChild(const Names& wanted)
     return 0;
 }
 
+/// A shell lets what it runs in the background ignore both signals. The tests look at the flags
+/// too.
+void BeInterruptible()
+{
+    const fake::OwnCalls starting;
+    struct sigaction plain {};
+    plain.sa_handler = SIG_DFL;
+    for (const int signal : {SIGINT, SIGQUIT}) sigaction(signal, &plain, nullptr);
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
 {
-    // A shell lets what it runs in the background ignore both.
-    signal(SIGINT, SIG_DFL);
-    signal(SIGQUIT, SIG_DFL);
+    BeInterruptible();
     testing::InitGoogleTest(&argc, argv);
     const char* list = getenv("VORLIX_FORK_EACH");
     return list == nullptr ? RUN_ALL_TESTS() : RunEachInAChild(ReadNames(list));
