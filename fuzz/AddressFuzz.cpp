@@ -29,9 +29,15 @@ void RoundTrips(const char* text)
         uint32_t again = 0;
         HOLDS(vorlix::ParseIPv4(printed, &again) && again == value);
     }
+    in_addr loose{};
+    in_addr libc{};
+    HOLDS(vorlix::ParseLooseIPv4(text, &loose) == (inet_aton(text, &libc) != 0));
+    HOLDS(loose.s_addr == libc.s_addr);
     in6_addr value6{};
     char printed6[INET6_ADDRSTRLEN];
     if (vorlix::ParseIPv6(text, &value6)) {
+        HOLDS(!vorlix::PrintIPv6(value6, printed6, 0));
+        HOLDS(!vorlix::PrintIPv6(value6, printed6, 2));
         HOLDS(vorlix::PrintIPv6(value6, printed6, sizeof(printed6)));
         in6_addr again{};
         HOLDS(vorlix::ParseIPv6(printed6, &again) && memcmp(&again, &value6, sizeof(again)) == 0);

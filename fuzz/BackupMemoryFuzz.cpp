@@ -79,6 +79,16 @@ void GivesOutAddresses()
     (void)ReadFromSram(record, RTC_SRAM_ETHIP, sizeof(record));
 }
 
+/// Any part of a memory may be asked for: nothing behind the record is written.
+void KeepsToTheRecord(uint32_t offset, uint32_t length)
+{
+    const fuzz::Buffer record(size_t{length});
+    (void)ReadFromRTC(record.Get(), offset, length);
+    (void)ReadFromSram(record.Get(), offset, length);
+    HOLDS(ReadFromRTC(record.Get(), UINT32_MAX, length) <= 0);
+    HOLDS(ReadFromRTC(record.Get(), offset, UINT32_MAX) <= 0);
+}
+
 void KeepsWhatIsStored(const std::string& address, bool mayStore)
 {
     for (const Value& value : kValues) {
@@ -139,6 +149,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     if (broken) fuzz::FailRequests(EIO);
     GivesOutAddresses();
+    KeepsToTheRecord(cmosStart, cmosEnd);
     if (broken) return 0;
     const bool intact = CheckCrc();
     const bool wasReset = reset && RestBackup();

@@ -5,6 +5,7 @@
 
 #include "Fuzz.h"
 
+#include "Base.h"
 #include "Bond.h"
 #include "Bridge.h"
 #include "CommonApi.h"
@@ -20,8 +21,8 @@ constexpr int kRoom = 4;
 
 using MemberReader = bool (*)(const char*, char**, int*);
 
-/// Reads members into buffers of exactly 16 bytes.
-void ReadMembers(MemberReader read, const char* name)
+/// Reads at most so many members into buffers of exactly 16 bytes.
+void ReadMembers(MemberReader read, const char* name, int room)
 {
     std::unique_ptr<fuzz::Buffer> buffers[kRoom];
     char* pointers[kRoom];
@@ -29,10 +30,22 @@ void ReadMembers(MemberReader read, const char* name)
         buffers[i] = std::make_unique<fuzz::Buffer>(16);
         pointers[i] = buffers[i]->Get();
     }
-    int count = kRoom;
+    int count = room;
     if (!read(name, pointers, &count)) return;
-    HOLDS(count >= 0 && count <= kRoom);
+    HOLDS(count >= 0 && count <= room);
     for (int i = 0; i < count; ++i) HOLDS(buffers[i]->IsText());
+}
+
+/// A word is found where it stands between separators, and nothing where there is none.
+void FindsWords(std::string line)
+{
+    line.resize(strlen(line.c_str()));
+    const char* found = FindWordInLine(line.data(), "eth0", ' ');
+    HOLDS(found == nullptr || strncmp(found, "eth0", 4) == 0);
+    HOLDS(found == nullptr || found == line.data() || found[-1] == ' ');
+    HOLDS(FindWordInLine(line.data(), "", ' ') == nullptr);
+    HOLDS(FindWordInLine(line.data(), nullptr, ' ') == nullptr);
+    HOLDS(FindWordInLine(nullptr, "eth0", ' ') == nullptr);
 }
 
 }  // namespace
@@ -52,13 +65,21 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzz::Put("/sys/class/net/br0/carrier", content);
     fuzz::Put("/sys/class/net/br0/brif/" + port, "");
     fuzz::Put("/sys/class/net/br0/brif/eth1", "");
-    if (size > 0 && data[0] >= 250) fuzz::Remove("/sys");  // cards without drivers
+    fuzz::Put("/sys/class/net/br0/brif/." + port, "");
+    const int trouble = size > 0 ? data[0] : 0;
+    if (trouble >= 240 && trouble < 250) fuzz::Remove("/sys/class/net/br0/carrier");
+    if (trouble >= 250) fuzz::Remove("/sys");  // cards without drivers
 
-    ReadMembers(Bond_GetBondMembers, "bond0");
-    ReadMembers(Bridge_GetBridgeMembers, "br0");
+    for (const int room : {1, kRoom}) {
+        ReadMembers(Bond_GetBondMembers, "bond0", room);
+        ReadMembers(Bridge_GetBridgeMembers, "br0", room);
+    }
     const fuzz::Buffer active(16);
     HOLDS(!Bond_GetActiveSlave("bond0", active.Get(), 16) || active.IsText());
     (void)Bond_HasMember("bond0", "eth0");
+    HOLDS(!Bond_HasMember("bond0", ""));
+    (void)Bridge_IsBridgeExist("no0");
+    FindsWords(content);
     NICBondMode mode{};
     (void)GetBondMode("bond0", &mode);
     (void)Bridge_IsBridgeExist("br0");

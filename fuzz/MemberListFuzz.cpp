@@ -74,6 +74,10 @@ void ReadAll(const std::string& port)
     char bond[] = "bond0";
     (void)IsTrunkBondConfig(bond, &trunk);
     (void)IsEdgePortByconfig("br0", port.c_str());
+    (void)IsEdgePortByconfig("b", port.c_str());
+    unsigned char tree = 0;
+    HOLDS(!GetBridgeStpModeByConfig("br0", nullptr));
+    (void)GetBridgeStpModeByConfig("br0", &tree);
 }
 
 void SaveOver(const std::vector<std::string>& members)

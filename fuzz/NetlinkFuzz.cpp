@@ -15,8 +15,16 @@ namespace {
 constexpr size_t kHeader = sizeof(nlmsghdr);
 constexpr uint32_t kAligned = ~uint32_t{NLMSG_ALIGNTO - 1};
 
-/// Puts our marks on each message as far as lengths lead. What then has no whole message left is
-/// told to be cut, as the kernel tells it.
+/// True for a length that ends the walk over a datagram: an answer does, whatever its length, and
+/// one that leads behind the end.
+bool EndsWalk(const nlmsghdr& header, size_t left)
+{
+    const auto length = static_cast<int32_t>(header.nlmsg_len);
+    return header.nlmsg_type == NLMSG_ERROR || length > static_cast<int64_t>(left);
+}
+
+/// Puts our marks on each message as far as lengths lead. Where they lead to no whole message and
+/// nothing would end the walk, the datagram is told to be cut, as the kernel tells it.
 void Mark(fake::Datagram* answer, uint32_t sequence)
 {
     fake::Bytes& bytes = answer->bytes;
@@ -28,7 +36,7 @@ void Mark(fake::Datagram* answer, uint32_t sequence)
         header.nlmsg_seq = sequence;
         memcpy(bytes.data() + at, &header, kHeader);
         if (header.nlmsg_len < kHeader || header.nlmsg_len > bytes.size() - at) {
-            answer->flags |= MSG_TRUNC;
+            if (!EndsWalk(header, bytes.size() - at)) answer->flags |= MSG_TRUNC;
             return;
         }
         const size_t step = (header.nlmsg_len + NLMSG_ALIGNTO - 1) & kAligned;
@@ -49,6 +57,10 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const uint8_t kind = input.Byte();
         if ((kind & 1) != 0) answer.flags = MSG_TRUNC;
         if ((kind & 4) != 0) answer.senderLength = 2;
+        if ((kind & 16) != 0) {
+            const auto before = static_cast<int>(fake::rtnetlink.script.size());
+            fuzz::FailReceive(before, (kind & 32) != 0 ? EINTR : ENOBUFS);
+        }
         const std::string bytes = input.Bytes(255);
         if (bytes.empty() && (kind & 8) != 0) {  // the other end is gone
             fake::rtnetlink.script.push_back(answer);

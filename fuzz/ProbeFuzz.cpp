@@ -113,6 +113,7 @@ void CheckSumOf(const std::string& bytes)
     words[even / 2] = CheckSum(words, static_cast<int32_t>(even));
     const uint16_t whole = CheckSum(words, static_cast<int32_t>(even + 2));
     HOLDS(whole == 0 || whole == 0xffff);
+    HOLDS(CheckSum(nullptr, static_cast<int32_t>(even)) == CheckSum(words, 0));
     if (even == 0) return;
     words[even / 2 - 1] &= 0xff;  // an odd byte counts as one with a zero behind it
     HOLDS(CheckSum(words, static_cast<int32_t>(even - 1)) ==

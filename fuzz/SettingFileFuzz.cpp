@@ -108,6 +108,11 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const fuzz::Buffer small(16);
     const bool found = GetValueByKey(kFile, key.c_str(), small.Get(), 16);
     HOLDS(found ? small.IsText() : small.IsUntouched());
+    HOLDS(!GetValueByKey(nullptr, "a", small.Get(), 16));
+    HOLDS(!GetValueByKey(kFile, nullptr, small.Get(), 16));
+    HOLDS(!GetValueByKey(kFile, "a", nullptr, 16));
+    HOLDS(!SetValueByKey(nullptr, "a", "b") && !SetValueByKey(kFile, nullptr, "b"));
+    HOLDS(!SetValueByKey(kFile, "a", nullptr));
     HOLDS(fuzz::Get(kFile) == content);
 
     bool refused = false;
@@ -122,6 +127,10 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         HOLDS(SetValueByKey(kFile, key.c_str(), value.c_str()));
         HOLDS(fuzz::Get(kFile) == foretold);
     }
+    const std::string last = fuzz::Get(kFile);
+    vorlix::LookOnly();
+    HOLDS(!SetValueByKey(kFile, key.c_str(), "1"));
+    HOLDS(fuzz::Get(kFile) == last);
     HOLDS(fuzz::OpenHandles() == 0);
     HOLDS(fuzz::HeapBlocks() == 0);
     HOLDS(fuzz::HeldMutexes() == 0);

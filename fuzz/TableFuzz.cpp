@@ -61,8 +61,23 @@ void ListAllRoutes(int room)
     if (RouteGetAllInfo(all.get(), &count)) HOLDS(count >= 0 && count <= room);
 }
 
+std::string content;  // of the table
+
+/// The name in front of a colon, of a line that need not have one.
+void CutName()
+{
+    const fuzz::Buffer name(16);
+    const char* line = content.c_str();
+    HOLDS(!getNetIfName(line, name.Get(), 16) || (name.IsText() && strchr(line, ':') != nullptr));
+    HOLDS(!getNetIfNameNoFilter(line, name.Get(), 4) || strlen(name.Get()) < 4);
+}
+
 void FindCard(int /*room*/)
 {
+    CutName();
+    int none = 3;
+    (void)GetNormalInterfaceInfo(nullptr, &none);
+    HOLDS(none == 3 || none == 0);  // a table without cards has none
     NetDataStat state{};
     (void)Net_GetDataStat("eth0", &state);
     const char* name = "eth0";
@@ -72,6 +87,9 @@ void FindCard(int /*room*/)
 void FindRoute(int /*room*/)
 {
     (void)Route_IsExistInSys("10.0.0.0", "0.0.0.0", "255.0.0.0", "eth0");
+    HOLDS(!Route_IsExistInSys("x", "0.0.0.0", "255.0.0.0", "eth0"));
+    HOLDS(!Route_IsExistInSys("10.0.0.0", "x", "255.0.0.0", "eth0"));
+    HOLDS(!Route_IsExistInSys("10.0.0.0", "0.0.0.0", "x", "eth0"));
     char card[16] = {};
     HOLDS(!NetGetDefEth(card, sizeof(card)) || strnlen(card, sizeof(card)) < sizeof(card));
 }
@@ -99,6 +117,7 @@ void FindNeighbour(int room)
     HOLDS(!Other_GetIPByMac("02:00:00:00:00:07", ip.Get()) || ip.IsText());
     const fuzz::Buffer mac(18);
     HOLDS(!Other_GetMacByIP("10.0.0.1", mac.Get()) || mac.IsText());
+    HOLDS(!Other_GetMacByIP("10.0.0", mac.Get()));
 }
 
 void FindAddress6(int /*room*/)
@@ -162,6 +181,14 @@ constexpr Reader kReaders[] = {
 };
 constexpr int kReaderCount = static_cast<int>(std::size(kReaders));
 
+/// A table that could not be opened is opened by the next call.
+void FoundAgain(const Reader& reader, int room)
+{
+    fuzz::RefuseToOpen("");
+    reader.read(room);
+    HOLDS(fuzz::HeldMutexes() == 0);
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -170,16 +197,20 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const uint8_t choice = input.Byte();
     const Reader& reader = kReaders[choice % kReaderCount];
     const int trouble = choice / kReaderCount;  // from 10 on: no table, or a read that fails
-    const int room = kRooms[input.Below(4)];
+    const uint8_t rooms = input.Byte();
+    const int room = kRooms[rooms % 4];
+    content = input.Rest();
     fuzz::FreshWorld();
     for (const Table* table :
          {&kCards, &kRoutes, &kRoutes6, &kAddresses6, &kNeighbours, &kWireless}) {
         fuzz::Put(table->path, table->usual);
     }
-    fuzz::Put(reader.table->path, input.Rest());
-    if (trouble == 10) fuzz::Remove(reader.table->path);
+    fuzz::Put(reader.table->path, content);
+    if (rooms >= 240) fuzz::Put("/mnt/mtd/Config/poeMode.conf", "eth0 = 2\n");
+    if (trouble == 10) fuzz::RefuseToOpen(reader.table->path);
     if (trouble > 10) fuzz::FailRead((trouble - 11) / 2, trouble % 2 == 0 ? EIO : EINTR);
     reader.read(room);
+    if (trouble == 10) FoundAgain(reader, room);
     HOLDS(fuzz::HeldMutexes() == 0);
     HOLDS(fuzz::HeapBlocks() == 0);
     return 0;

@@ -7,6 +7,7 @@
 #include "Fuzz.h"
 
 #include "Config.h"
+#include "Support/KeyFile.h"
 
 #include <cstring>
 
@@ -74,6 +75,35 @@ void ReadRoles()
     HOLDS(!GetDefaultEthByConfig(name.Get(), 16) || name.IsText());
 }
 
+/// All names of files, at most so many, and no name of a folder or of nothing.
+void ListFiles()
+{
+    constexpr int kRooms[] = {1, 16};
+    for (const int room : kRooms) {
+        char files[16][64];
+        int count = room;
+        if (!GetAllNetworkFile(files, &count)) continue;
+        HOLDS(count >= 0 && count <= room);
+        for (int i = 0; i < count; ++i) HOLDS(strcmp(files[i], "networks") != 0);
+    }
+    int count = 1;
+    HOLDS(!GetAllNetworkFile(nullptr, &count));
+    char files[1][64];
+    HOLDS(!GetAllNetworkFile(files, nullptr));
+}
+
+/// A card without name has no file, and a name without room is not given out.
+void RefuseNothing()
+{
+    char text[46];
+    char other[46];
+    HOLDS(!GetIPByConfig(nullptr, text, other));
+    HOLDS(!GetGatewayByConfig(nullptr, text));
+    HOLDS(!GetIPv6ByConfig(nullptr, text, 46, other, 16));
+    HOLDS(!GetEthBondNameByConfig(nullptr, text, 16));
+    HOLDS(!GetDefaultEthByConfig(text, 0));
+}
+
 /// True when every line of the file may stay: one more key has room.
 bool HasRoom(const std::string& content)
 {
@@ -116,9 +146,14 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         fuzz::Put(file, content);
     }
     if (part != 2 && trouble >= 60 && trouble < 84) fuzz::FailRead(trouble - 60, EIO);
+    fuzz::Put("/mnt/mtd/Config/networks/file", content);
     if (part != 2 && trouble == 84) fuzz::Remove("/mnt/mtd");
     if (part == 0) ReadAddresses();
-    if (part == 1) ReadRoles();
+    if (part == 1) {
+        ReadRoles();
+        ListFiles();
+        RefuseNothing();
+    }
     if (part == 2 && HasRoom(content)) SaveOver(address, gateway);
     HOLDS(fuzz::OpenHandles() == 0);
     HOLDS(fuzz::HeapBlocks() == 0);

@@ -72,14 +72,25 @@ std::function<void(const std::string&)> shell;
 time_t now = kStart;
 int readsBefore = 0;
 int readError = 0;
+std::string refused;
+int receivesBefore = 0;
+int receiveError = 0;
 int requestError = 0;
 
-/// True, once, when the read that was to fail has come.
-bool ReadFails()
+/// True, once, when the call that was to fail has come.
+bool Fails(int* before, int* error)
 {
-    if (readError == 0 || readsBefore-- > 0) return false;
-    errno = readError;
-    readError = 0;
+    if (*error == 0 || (*before)-- > 0) return false;
+    errno = *error;
+    *error = 0;
+    return true;
+}
+
+/// True for the path that cannot be opened.
+bool IsRefused(const char* path)
+{
+    if (refused.empty() || refused != path) return false;
+    errno = EMFILE;
     return true;
 }
 
@@ -100,6 +111,7 @@ int FreeNumber(int lowest)
 
 int OpenNode(const char* path, int flags)
 {
+    if (IsRefused(path)) return -1;
     Node* node = (flags & O_CREAT) != 0 ? FindOrMake(path) : Find(path);
     if (node == nullptr) return -1;
     if (node->isFolder && (flags & O_ACCMODE) != O_RDONLY) {
@@ -131,7 +143,7 @@ int OpenSocket(int family)
 
 ssize_t ReadAt(const Handle& handle, void* buffer, size_t size, off_t offset)
 {
-    if (ReadFails()) return -1;
+    if (Fails(&readsBefore, &readError)) return -1;
     const std::string& text = handle.node->text;
     const auto from = std::min(static_cast<size_t>(offset), text.size());
     const size_t count = std::min(size, text.size() - from);
@@ -339,6 +351,17 @@ void FailRead(int after, int error)
     readError = error;
 }
 
+void RefuseToOpen(const std::string& path)
+{
+    refused = path;
+}
+
+void FailReceive(int after, int error)
+{
+    receivesBefore = after;
+    receiveError = error;
+}
+
 void FailRequests(int error)
 {
     requestError = error;
@@ -475,7 +498,7 @@ int __wrap_access(const char* path, int /*mode*/)
 
 DIR* __wrap_opendir(const char* path)
 {
-    const Node* node = Find(path);
+    const Node* node = IsRefused(path) ? nullptr : Find(path);
     if (node == nullptr) return nullptr;
     if (!node->isFolder) {
         errno = ENOTDIR;
@@ -569,7 +592,8 @@ ssize_t __wrap_sendmsg(int fd, const msghdr* message, int /*flags*/)
 
 ssize_t __wrap_recvmsg(int fd, msghdr* message, int /*flags*/)
 {
-    return HandleOf(fd) == nullptr ? -1 : fake::GiveAnswer(message);
+    if (HandleOf(fd) == nullptr || Fails(&receivesBefore, &receiveError)) return -1;
+    return fake::GiveAnswer(message);
 }
 
 int __wrap_setsockopt(int fd, int /*level*/, int /*option*/, const void* /*value*/,

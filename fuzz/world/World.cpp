@@ -66,6 +66,8 @@ void FreshWorld()
     SetClock(1000000);
     OnCommand(nullptr);
     FailRead(0, 0);
+    RefuseToOpen("");
+    FailReceive(0, 0);
     FailRequests(0);
     arrivals.clear();
 }

@@ -85,6 +85,12 @@ void SetClock(time_t seconds);
 /// `error` for none.
 void FailRead(int after, int error);
 
+/// A file or folder that cannot be opened; "" for none.
+void RefuseToOpen(const std::string& path);
+
+/// A receive on the routing netlink that fails: so many succeed before. 0 in `error` for none.
+void FailReceive(int after, int error);
+
 /// Requests to drivers fail, from the next on.
 void FailRequests(int error);
 
