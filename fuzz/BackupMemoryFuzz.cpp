@@ -101,6 +101,19 @@ void KeepsWhatIsStored(const std::string& address, bool mayStore)
     }
 }
 
+/// A caller's mistakes: each is refused. Asked once, by the empty input.
+void RefusesMistakes()
+{
+    char text[16];
+    unsigned char byte = 0;
+    HOLDS(!RestoreIP(nullptr, text));
+    HOLDS(!RestoreIP("eth0", nullptr));
+    HOLDS(!RestoreIP("eth1", text));
+    HOLDS(ReadFromRTC(nullptr, RTC_SRAM_ETHIP, 4) <= 0);
+    HOLDS(crc8(nullptr, 1) == 0);
+    HOLDS(CRCCalcu(nullptr, 1) == 0 && CRCCalcu(&byte, 0) == 0);
+}
+
 }  // namespace
 
 // ---- the provider
@@ -146,6 +159,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzz::FreshWorld();
     Fit(device, input.Rest());
     CheckDeviceType();
+    if (size == 0) RefusesMistakes();
 
     if (broken) fuzz::FailRequests(EIO);
     GivesOutAddresses();

@@ -48,6 +48,32 @@ void FindsWords(std::string line)
     HOLDS(FindWordInLine(nullptr, "eth0", ' ') == nullptr);
 }
 
+/// A caller's mistakes: each is refused. Asked once, by the empty input.
+void RefusesMistakes()
+{
+    char text[16];
+    char* members[] = {text, nullptr};
+    int count = 2;
+    int one = 1;
+    HOLDS(!Bond_HasMember(nullptr, "eth0"));
+    HOLDS(!Bond_HasMember("bond0", nullptr));
+    HOLDS(!Bond_GetActiveSlave(nullptr, text, 16));
+    HOLDS(!Bond_GetActiveSlave("bond0", nullptr, 16));
+    HOLDS(!Bond_GetActiveSlave("bond0", text, 0));
+    HOLDS(!Bond_GetBondMembers(nullptr, members, &one));
+    HOLDS(!Bond_GetBondMembers("bond0", members, &count));
+    HOLDS(!Bond_GetBondMembers("bond0.1", members, &one));
+    HOLDS(!Bond_GetBondMembers("bond0.1", nullptr, nullptr));
+    fuzz::Put("/sys/class/net/bond0/bonding/slaves", "eth0\n");
+    HOLDS(Bond_GetBondMembers("bond0", nullptr, nullptr));
+    HOLDS(!Bond_GetBondMembers("bond0", members, nullptr));
+    HOLDS(!Bridge_GetBridgeMembers(nullptr, members, &one));
+    HOLDS(!Bridge_GetBridgeMembers("br0", nullptr, &one));
+    HOLDS(!Bridge_GetBridgeMembers("br0", members, nullptr));
+    HOLDS(!Bridge_GetBridgeMembers("br0", members, &count));
+    HOLDS(!Bridge_IsBridgeExist(nullptr));
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -56,6 +82,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string port = "p" + input.Text(40, "abcdefghij0123456789.-");
     const std::string content = input.Rest();
     fuzz::FreshWorld();
+    if (size == 0) RefusesMistakes();
     fake::kernel.Add("bond0");
     fake::kernel.Add("br0");
     for (const char* attribute : kAttributes) {

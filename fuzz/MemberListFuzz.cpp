@@ -118,6 +118,30 @@ void ChangeEdgePorts(const std::string& port)
     (void)DelEdgePortByconfig("br0", port.c_str());
 }
 
+/// A caller's mistakes: each is refused. Asked once, by the empty input.
+void RefusesMistakes()
+{
+    char name[33] = {};
+    char bond[] = "bond0";
+    char* names[] = {name, nullptr};
+    int count = 2;
+    bool flag = false;
+    unsigned char tree = 0;
+    fuzz::Put("/mnt/mtd/Config/networkbond0", "BONDMEMBERS = eth0,eth1\n");
+    HOLDS(!GetBondMemberByConfig("bond0", nullptr, &count));
+    HOLDS(!GetBondMemberByConfig("bond0", names, nullptr));
+    HOLDS(!GetBondMemberByConfig("bond0", names, &count));
+    HOLDS(!IsTrunkBondConfig(nullptr, &flag));
+    HOLDS(!IsTrunkBondConfig(bond, nullptr));
+    HOLDS(!AddEdgePortByconfig(nullptr, "eth0"));
+    HOLDS(!AddEdgePortByconfig("br0", nullptr));
+    HOLDS(!DelEdgePortByconfig(nullptr, "eth0"));
+    HOLDS(!DelEdgePortByconfig("br0", nullptr));
+    HOLDS(!IsEdgePortByconfig(nullptr, "eth0"));
+    HOLDS(!IsEdgePortByconfig("br0", nullptr));
+    HOLDS(!GetBridgeStpModeByConfig(nullptr, &tree));
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -130,6 +154,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     for (std::string& name : members) name = "e" + input.Text(14, kNameCharacters);
     const std::string content = input.Rest();
     fuzz::FreshWorld();
+    if (size == 0) RefusesMistakes();
     for (const char* file : {"/mnt/mtd/Config/networkbond0", "/mnt/mtd/Config/networkbr0",
                              "/mnt/mtd/Config/rsbridgeinit.conf"}) {
         fuzz::Put(file, content);

@@ -120,12 +120,23 @@ void CheckSumOf(const std::string& bytes)
           CheckSum(words, static_cast<int32_t>(even)));
 }
 
+/// A caller's mistakes: each is refused. Asked once, by the empty input.
+void RefusesMistakes()
+{
+    char frame[60] = {};
+    HOLDS(ParseArpPacket(nullptr, 60, kOurIP, kOurMac) == -1);
+    HOLDS(ParseArpPacket(frame, 60, nullptr, kOurMac) == -1);
+    HOLDS(ParseArpPacket(frame, 60, kOurIP, nullptr) == -1);
+    HOLDS(!ParseICMPPacket(nullptr, 64));
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fuzz::Input input(data, size);
     fuzz::FreshWorld();
+    if (size == 0) RefusesMistakes();
     const uint8_t kind = input.Byte();
     if ((kind & 2) != 0) {
         const std::vector<std::string> packets = Packets(input);

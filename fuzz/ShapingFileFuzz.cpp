@@ -35,6 +35,16 @@ Listing List(int room)
     return listing;
 }
 
+/// A caller's mistakes: each is refused. Asked once, by the empty input.
+void RefusesMistakes()
+{
+    NetTc limit{};
+    int count = 1;
+    HOLDS(!TC_GetFromConfig(nullptr, &limit, &count));
+    HOLDS(!TC_GetFromConfig("eth0", nullptr, &count));
+    HOLDS(!TC_GetFromConfig("eth0", &limit, nullptr));
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -47,6 +57,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     added.ipType = input.Byte();
     const std::string content = input.Rest();
     fuzz::FreshWorld();
+    if (size == 0) RefusesMistakes();
     if (size > 0 && data[0] >= 250) {  // no file yet
         Listing none;
         none.limits = std::make_unique<NetTc[]>(1);

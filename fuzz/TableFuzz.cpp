@@ -189,6 +189,43 @@ void FoundAgain(const Reader& reader, int room)
     HOLDS(fuzz::HeldMutexes() == 0);
 }
 
+/// A caller's mistakes: each is refused. Asked once, by the empty input.
+void RefusesMistakes()
+{
+    char text[18];
+    char names[2][16];
+    NetARPEntry entry{};
+    IPv4Route row{};
+    IPv6Route row6{};
+    int count = 1;
+    HOLDS(!Other_GetIPByMac(nullptr, text));
+    HOLDS(!Other_GetIPByMac("02:00:00:00:00:07", nullptr));
+    HOLDS(!Other_GetIPByMac("02", text));
+    HOLDS(!Other_GetMacByIP(nullptr, text));
+    HOLDS(!Other_GetMacByIP("10.0.0.1", nullptr));
+    HOLDS(!arpGetAllStaticEntry(nullptr, &count));
+    HOLDS(!arpGetAllStaticEntry(&entry, nullptr));
+    HOLDS(!arpGetARPStaticInfoByIP(nullptr, &entry, &count));
+    HOLDS(!arpGetARPStaticInfoByIP("10.0.0.1", nullptr, &count));
+    HOLDS(!arpGetARPStaticInfoByIP("10.0.0.1", &entry, nullptr));
+    HOLDS(!getNetIfName(nullptr, text, 16));
+    HOLDS(!getNetIfName("eth0:", nullptr, 16));
+    HOLDS(!getNetIfName("eth0:", text, 0));
+    HOLDS(!GetAllInterfaceInfo(nullptr, &count));
+    HOLDS(!GetAllInterfaceInfo(names, nullptr));
+    HOLDS(!GetVnicInterfaceInfo(nullptr, &count));
+    HOLDS(!GetVnicInterfaceInfo(names, nullptr));
+    HOLDS(!GetNormalInterfaceInfo(nullptr, nullptr));
+    HOLDS(!Route_GetIPv4Route(nullptr, &count));
+    HOLDS(!Route_GetIPv4Route(&row, nullptr));
+    HOLDS(!Route_GetIPv6Route(nullptr, &count));
+    HOLDS(!Route_GetIPv6Route(&row6, nullptr));
+    HOLDS(!Route_IsExistInSys(nullptr, "0.0.0.0", "255.0.0.0", "eth0"));
+    HOLDS(!Route_IsExistInSys("10.0.0.0", nullptr, "255.0.0.0", "eth0"));
+    HOLDS(!Route_IsExistInSys("10.0.0.0", "0.0.0.0", nullptr, "eth0"));
+    HOLDS(!Route_IsExistInSys("10.0.0.0", "0.0.0.0", "255.0.0.0", nullptr));
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -201,6 +238,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int room = kRooms[rooms % 4];
     content = input.Rest();
     fuzz::FreshWorld();
+    if (size == 0) RefusesMistakes();
     for (const Table* table :
          {&kCards, &kRoutes, &kRoutes6, &kAddresses6, &kNeighbours, &kWireless}) {
         fuzz::Put(table->path, table->usual);

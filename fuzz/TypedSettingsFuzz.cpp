@@ -86,22 +86,6 @@ void ListFiles()
         HOLDS(count >= 0 && count <= room);
         for (int i = 0; i < count; ++i) HOLDS(strcmp(files[i], "networks") != 0);
     }
-    int count = 1;
-    HOLDS(!GetAllNetworkFile(nullptr, &count));
-    char files[1][64];
-    HOLDS(!GetAllNetworkFile(files, nullptr));
-}
-
-/// A card without name has no file, and a name without room is not given out.
-void RefuseNothing()
-{
-    char text[46];
-    char other[46];
-    HOLDS(!GetIPByConfig(nullptr, text, other));
-    HOLDS(!GetGatewayByConfig(nullptr, text));
-    HOLDS(!GetIPv6ByConfig(nullptr, text, 46, other, 16));
-    HOLDS(!GetEthBondNameByConfig(nullptr, text, 16));
-    HOLDS(!GetDefaultEthByConfig(text, 0));
 }
 
 /// True when every line of the file may stay: one more key has room.
@@ -129,6 +113,39 @@ void SaveOver(const std::string& address, const std::string& gateway)
     HOLDS(GetEthBondNameByConfig(kCard, ip, 16) && strcmp(ip, "bond3") == 0);
 }
 
+/// A caller's mistakes: each is refused. Asked once, by the empty input.
+void RefusesMistakes()
+{
+    char text[46];
+    char other[46];
+    bool flag = false;
+    NetWorkMode mode = netModeInvalid;
+    NICBondMode bondMode{};
+    int count = 1;
+    char files[1][64];
+    HOLDS(!GetIPByConfig(nullptr, text, other));
+    HOLDS(!GetIPByConfig(kCard, nullptr, other));
+    HOLDS(!GetIPByConfig(kCard, text, nullptr));
+    HOLDS(!GetGatewayByConfig(nullptr, text));
+    HOLDS(!GetMtuByConfig(kCard, nullptr));
+    HOLDS(!GetIPv6ByConfig(nullptr, text, 46, other, 16));
+    HOLDS(!GetIPv6ByConfig(kCard, nullptr, 46, other, 16));
+    HOLDS(!GetIPv6ByConfig(kCard, text, 46, nullptr, 16));
+    HOLDS(!GetDefaultEthByConfig(nullptr, 16));
+    fuzz::Put("/mnt/mtd/Config/networketh2", "PRIO = 0\n");
+    HOLDS(!GetDefaultEthByConfig(text, 0));
+    HOLDS(!GetWorkModeByConfig(nullptr, &mode));
+    HOLDS(!GetWorkModeByConfig(kCard, nullptr));
+    HOLDS(!GetEthIsBondedByConfig(kCard, nullptr));
+    HOLDS(!GetEthIsBondedByConfig(nullptr, &flag));
+    HOLDS(!GetEthBondNameByConfig(nullptr, text, 16));
+    HOLDS(!GetBondModeByConfig(kCard, nullptr));
+    HOLDS(!GetBondModeByConfig(nullptr, &bondMode));
+    HOLDS(!GetBondHashPolicyByConfig(kCard, nullptr));
+    HOLDS(!GetAllNetworkFile(nullptr, &count));
+    HOLDS(!GetAllNetworkFile(files, nullptr));
+}
+
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -141,6 +158,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string gateway = fuzz::Address(input);
     const std::string content = input.Rest();
     fuzz::FreshWorld();
+    if (size == 0) RefusesMistakes();
     for (const char* file : {"/mnt/mtd/Config/networketh2", "/mnt/mtd/Config/networkip6eth2",
                              "/mnt/mtd/Config/network"}) {
         fuzz::Put(file, content);
@@ -152,7 +170,6 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (part == 1) {
         ReadRoles();
         ListFiles();
-        RefuseNothing();
     }
     if (part == 2 && HasRoom(content)) SaveOver(address, gateway);
     HOLDS(fuzz::OpenHandles() == 0);

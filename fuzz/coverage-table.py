@@ -3,8 +3,7 @@
 """Tables of lines and branches reached, from what llvm-cov exports and a list of readers. Tables go to
 standard error, lines and branches of readers that nothing reaches to standard output.
 
-Guards against a caller's mistakes (a pointer that is NULL, a buffer without room) are not counted: no outside
-byte is asked there. The unit ring goes through them. What no input can reach is named in fuzz/not-counted."""
+What no input can reach is named in fuzz/not-counted, with the reason, and not counted."""
 
 import collections
 import json
@@ -46,21 +45,6 @@ def lines_of(regions):
     return counts
 
 
-GUARD = re.compile(r"^\s*if \(.*(== nullptr|HoldsNull\(\)|len <= 0|len < 1).*\)( return .*;| \{)$")
-
-
-def guards(unit):
-    """Lines of guards: of the one-line form, and with their body."""
-    found = set()
-    inside = False
-    for number, text in enumerate(pathlib.Path("Src", unit).read_text().splitlines(), 1):
-        begins = bool(GUARD.match(text)) and ("file" not in text and "folder" not in text and "word" not in text and "server" not in text and "colon" not in text)
-        if begins or inside:
-            found.add(number)
-        inside = (begins and text.endswith("{")) or (inside and text.strip() != "}")
-    return found
-
-
 def not_counted(path):
     """unit: pieces of it, each a range of lines, from lines such as `Netlink.cpp :: 3 :: its first line :: reason`."""
     pieces = collections.defaultdict(list)
@@ -97,7 +81,6 @@ def leave_out(lines, branches, pieces):
 def main():
     data = load(sys.argv[1])
     readers = wanted(sys.argv[2])
-    guarded = set()
     found = collections.defaultdict(set)
     lines = collections.defaultdict(dict)
     branches = collections.defaultdict(dict)
@@ -111,17 +94,11 @@ def main():
         if name not in readers.get(unit, ()) and "*" not in readers.get(unit, ()):
             continue
         found[unit].add(name)
-        left_out = guards(unit)
         here = {number for number, name in enumerate(function["filenames"]) if name == path}  # no macro's body
         for line, count in lines_of(r for r in function["regions"] if r[5] in here).items():
-            if line in left_out:
-                guarded.add((unit, line))
-                continue
             lines[unit][line] = max(lines[unit].get(line, 0), count)
         for branch in (b for b in function["branches"] if b[6] in here):
             place = tuple(branch[:4])
-            if place[0] in left_out:
-                continue
             before = branches[unit].get(place, (0, 0))
             branches[unit][place] = (before[0] + branch[4], before[1] + branch[5])
 
@@ -145,7 +122,7 @@ def main():
                 true, false = ways
                 print(f"Src/{unit}:{place[0]}:{place[1]}: never {'false' if true else 'true' if false else 'asked'}")
     print(f"| all | {sums[0]} | {percent(sums[1], sums[0])} | {sums[2]} | {percent(sums[3], sums[2])} |", file=sys.stderr)
-    print(f"not counted: {len(guarded)} lines of guards; {left[0]} lines and {left[1]} branches of fuzz/not-counted",
+    print(f"not counted: {left[0]} lines and {left[1]} branches of fuzz/not-counted",
           file=sys.stderr)
     for unit, names in readers.items():
         for name in sorted(names - found[unit] - {"*"}):
