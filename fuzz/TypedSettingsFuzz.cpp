@@ -9,6 +9,7 @@
 #include "Config.h"
 #include "Support/KeyFile.h"
 
+#include <cstdlib>
 #include <cstring>
 
 #include <arpa/inet.h>
@@ -46,7 +47,7 @@ void ReadAddresses()
     if (GetIPv6ByConfig(kCard, ip6.Get(), 46, prefix.Get(), 16)) {
         HOLDS(ip6.IsText() && IsIPv6(ip6.Get()));
         HOLDS(prefix.IsText());
-        HOLDS(prefix.Get()[strspn(prefix.Get(), "0123456789")] == '\0');
+        HOLDS(prefix.Get() == std::to_string(atoi(prefix.Get())));  // -1 for too many digits
     }
     const fuzz::Buffer gateway6(46);
     if (GetGatewayv6ByConfig(kCard, gateway6.Get(), 46)) {
