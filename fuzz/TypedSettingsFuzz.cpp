@@ -154,7 +154,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     fuzz::Input input(data, size);
     const uint8_t choice = input.Byte();
     const int part = choice % 3;
-    const int trouble = choice / 3;  // from 60 on, where it only reads: a read fails, no files
+    const int trouble =
+        choice / 3;  // from 60 on, where it only reads: a read fails, no files; 59: a folder
     const std::string address = fuzz::Address(input);
     const std::string gateway = fuzz::Address(input);
     const std::string content = input.Rest();
@@ -165,12 +166,13 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         fuzz::Put(file, content);
     }
     if (part != 2 && trouble >= 60 && trouble < 84) fuzz::FailRead(trouble - 60, EIO);
-    fuzz::Put("/mnt/mtd/Config/networks/file", content);
+    const bool lists = part == 1 && (trouble == 59 || trouble == 84);
+    if (lists) fuzz::Put("/mnt/mtd/Config/networks/file", content);
     if (part != 2 && trouble == 84) fuzz::Remove("/mnt/mtd");
     if (part == 0) ReadAddresses();
     if (part == 1) {
         ReadRoles();
-        ListFiles();
+        if (lists) ListFiles();
     }
     if (part == 2 && HasRoom(content)) SaveOver(address, gateway);
     HOLDS(fuzz::OpenHandles() == 0);
