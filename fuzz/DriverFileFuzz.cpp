@@ -97,10 +97,9 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     if (trouble >= 240 && trouble < 250) fuzz::Remove("/sys/class/net/br0/carrier");
     if (trouble >= 250) fuzz::Remove("/sys");  // cards without drivers
 
-    for (const int room : {1, kRoom}) {
-        ReadMembers(Bond_GetBondMembers, "bond0", room);
-        ReadMembers(Bridge_GetBridgeMembers, "br0", room);
-    }
+    const int room = trouble >= 230 && trouble < 240 ? 1 : kRoom;
+    ReadMembers(Bond_GetBondMembers, "bond0", room);
+    ReadMembers(Bridge_GetBridgeMembers, "br0", room);
     const fuzz::Buffer active(16);
     HOLDS(!Bond_GetActiveSlave("bond0", active.Get(), 16) || active.IsText());
     (void)Bond_HasMember("bond0", "eth0");

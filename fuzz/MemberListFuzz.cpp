@@ -74,6 +74,10 @@ void ReadAll(const std::string& port)
     char bond[] = "bond0";
     (void)IsTrunkBondConfig(bond, &trunk);
     (void)IsEdgePortByconfig("br0", port.c_str());
+}
+
+void ReadTree(const std::string& port)
+{
     (void)IsEdgePortByconfig("b", port.c_str());
     unsigned char tree = 0;
     HOLDS(!GetBridgeStpModeByConfig("br0", nullptr));
@@ -163,6 +167,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         if (trouble >= 120 && trouble < 127) fuzz::FailRead(trouble - 120, EIO);
         if (trouble == 127) fuzz::Remove("/mnt/mtd/Config");
         ReadAll(members[0]);
+        if (trouble >= 100 && trouble < 120) ReadTree(members[0]);
     } else if (fuzz::Lines(content).size() <= 8) {
         SaveOver(members);
         ChangeEdgePorts(members[0]);
