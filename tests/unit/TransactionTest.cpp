@@ -231,7 +231,7 @@ INSTANTIATE_TEST_SUITE_P(
                         desc.name = "br0";
                         desc.subDev = kTwoCards;
                         desc.num = 2;
-                        NetBridge* made = nullptr;
+                        static NetBridge* made;  // its end would be steps of its own
                         return createNetBridge(&desc, &made);
                     }}),
     Name);
