@@ -11,6 +11,8 @@
 #include "MemberNames.h"
 #include "Steps.h"
 
+#include <filesystem>
+
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -103,6 +105,7 @@ inline std::string Outcome(const Operation& operation, const std::vector<Refusal
     }
     int status = 0;
     waitpid(child, &status, 0);
+    std::filesystem::remove_all(scratch);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     Remove("/mnt/mtd/Config");
     MakeFolder("/mnt/mtd/Config");
