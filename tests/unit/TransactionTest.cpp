@@ -31,6 +31,8 @@
 #include <fstream>
 #include <regex>
 
+#include <net/if.h>
+
 using namespace fake;
 
 namespace {
@@ -88,8 +90,10 @@ Texts Told(int64_t result)
     told.push_back("result " + std::to_string(result));
     static const std::regex kNumber(
         "socket \\d+ do not");  // it is the process's, not the product's
+    const std::string request = " " + std::to_string(sizeof(ifreq)) + " level";  // the target's
     for (std::string& step : told) {
         step = std::regex_replace(step, kNumber, "socket # do not");
+        step = Replaced(step, request, " ifreq level");
         step.erase(step.find_last_not_of(' ') + 1);
     }
     // A folder has no order that is promised: neither have the files that lose the default card.
