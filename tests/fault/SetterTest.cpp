@@ -231,13 +231,11 @@ protected:
     /// The files after a boot, or after the change and then a boot.
     static Files Reached(bool changed)
     {
-        const std::string here = Mapped("/mnt/mtd");
-        UseScratch(CopyScratch());
+        const ScratchCopy copy;
+        copy.Use();
         if (changed) InNewProcess(GetParam().run);
         InNewProcess([] { (void)Lanrise({}); });
-        Files files = SavedFiles();
-        UseScratch(here.substr(0, here.size() - sizeof("/mnt/mtd") + 1));
-        return files;
+        return SavedFiles();
     }
 };
 

@@ -11,8 +11,6 @@
 #include "MemberNames.h"
 #include "Steps.h"
 
-#include <filesystem>
-
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -80,12 +78,12 @@ inline void MakeWorld()
 /// What the call gives, does and says in a world of its own.
 inline std::string Outcome(const Operation& operation, const std::vector<Refusal>& refusals)
 {
-    const std::string scratch = CopyScratch();
+    const ScratchCopy copy;
     char* mail = Mail();
     fflush(stdout);
     const pid_t child = fork();
     if (child == 0) {
-        UseScratch(scratch);
+        copy.Use();
         MakeWorld();
         Call call;
         if (operation.prepare) operation.prepare(call);
@@ -105,7 +103,6 @@ inline std::string Outcome(const Operation& operation, const std::vector<Refusal
     }
     int status = 0;
     waitpid(child, &status, 0);
-    std::filesystem::remove_all(scratch);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     Remove("/mnt/mtd/Config");
     MakeFolder("/mnt/mtd/Config");

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <filesystem>
 #include <optional>
 #include <set>
 
@@ -378,17 +377,16 @@ void FailEachCall(const std::function<void()>& run,
 {
     constexpr int kMost = 5000;
     for (int number = 1; number <= kMost; ++number) {
-        const std::string scratch = CopyScratch();
+        const ScratchCopy copy;
         const pid_t child = fork();
         if (child == 0) {
-            UseScratch(scratch);
+            copy.Use();
             const int result = RunWithFailure(number, run, check, mayStayOpen);
             fflush(nullptr);
             _exit(result);
         }
         int status = 0;
         waitpid(child, &status, 0);
-        std::filesystem::remove_all(scratch);
         if (WIFEXITED(status) && WEXITSTATUS(status) == 2) {
             EXPECT_GT(number, 1) << "nothing that can fail was called";
             return;

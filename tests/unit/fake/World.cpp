@@ -125,23 +125,28 @@ std::string Settings(const std::vector<std::string>& lines)
     return text;
 }
 
-std::string CopyScratch()
+ScratchCopy::ScratchCopy() : before_(scratch)
 {
     static int number = 0;
-    const std::string copy = scratch + "." + std::to_string(++number);
-    fs::copy(scratch, copy, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
-    return copy;
+    folder_ = scratch + "." + std::to_string(++number);
+    fs::copy(scratch, folder_, fs::copy_options::recursive | fs::copy_options::copy_symlinks);
 }
 
-void UseScratch(const std::string& folder)
+ScratchCopy::~ScratchCopy()
 {
-    scratch = folder;
+    scratch = before_;
+    fs::remove_all(folder_);
+}
+
+void ScratchCopy::Use() const
+{
+    scratch = folder_;
 }
 
 void World::SetUp()
 {
     startFolder = fs::current_path();
-    UseScratch(MakeScratch());
+    scratch = MakeScratch();
     ASSERT_NE(scratch, "");
     ResetCalls();
     ResetKernel();

@@ -55,7 +55,20 @@ std::string Settings(const std::vector<std::string>& lines);
 /// Where a path of the device lies in the scratch folder; other paths as they are.
 std::string Mapped(const char* path);
 
-std::string CopyScratch();
-void UseScratch(const std::string& folder);
+/// A copy of the device's files as they are, which goes with the value.
+class ScratchCopy {
+public:
+    ScratchCopy();
+    ~ScratchCopy();
+    ScratchCopy(const ScratchCopy&) = delete;
+    ScratchCopy& operator=(const ScratchCopy&) = delete;
+
+    /// From now on, until the copy goes, the device's files are these.
+    void Use() const;
+
+private:
+    std::string before_;
+    std::string folder_;
+};
 
 }  // namespace fake
