@@ -112,6 +112,9 @@ for module in $modules; do
 done
 # Newer kernels pack their modules.
 find "$root/lib/modules" -name '*.ko.xz' -exec xz -d {} +
+# A kernel need not see signatures, but it checks those that are there: two seconds of an emulated processor.
+find "$root/lib/modules" -name '*.ko' -exec perl -0777 -pi -e \
+    's/~Module signature appended~\n\z// and substr($_, -12 - unpack("N", substr($_, -4))) = ""' {} +
 
 case $version in
 *-amd64) arch=amd64 triplet=x86_64-linux-gnu ;;
