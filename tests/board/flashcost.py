@@ -36,7 +36,6 @@ NOR_SECTOR = 64 * 1024
 NOR_FILE = 16 * NOR_SECTOR  # 15 sectors, and what the battery keeps
 MEASURE_SECONDS = 4 * 3600  # of one board; then it hangs
 CHECK_SECONDS = 7000  # a few seconds on a quiet machine
-TIME_BY_INSTRUCTIONS = ["-icount", "shift=4,sleep=off"]
 FIRST_LOOKS = 3  # boots that are looked at one by one, before many are counted together
 COLD_BOOTS = 5
 MOUNTS = 20
@@ -115,15 +114,13 @@ def read_counts(lines):
     return Counts(sums["filed"], sums["written"], syncs, erased)
 
 
-class Board:
-    """A running machine that does one order at a time."""
+class Board(run.Guest):
+    """A running machine with such a flash."""
 
     def __init__(self, bench, cards, medium):
         self.folder = tempfile.mkdtemp(dir=bench.folder)
         command = run.command_line(bench.arch, bench.parts, bench.image, cards,
                                    os.path.join(self.folder, "control"))
-        if "-icount" not in command:
-            command += TIME_BY_INSTRUCTIONS
         command += ["-device", "ivshmem-plain,memdev=flash,master=on", "-object",
                     f"memory-backend-file,id=flash,size={NOR_FILE},mem-path={bench.flash},share=on"]
         self.machine = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
@@ -134,26 +131,9 @@ class Board:
             self.read_until("READY")
             self.tell(f"cards {cards}")
             self.tell(medium.name)
-        except RuntimeError:
+        except run.Failed:
             self.end()
             raise
-
-    def read_until(self, word):
-        lines = []
-        for line in self.machine.stdout:
-            line = line.rstrip("\r\n")
-            if line.startswith(word):
-                return lines, line
-            lines.append(line)
-        raise RuntimeError(f"the board ended before {word}: {lines[-5:]}")
-
-    def tell(self, order):
-        """Has the guest do something; what it says."""
-        self.machine.stdin.write(order + "\n")
-        lines, last = self.read_until("DONE")
-        if last != "DONE 0":
-            raise RuntimeError(f"the board fails to {order}: {lines[-5:]}")
-        return lines
 
     def counted(self):
         return read_counts(self.tell("counted"))
@@ -221,7 +201,7 @@ class Costs:
         before = board.tell("settings_hash")
         self.boots = board.cost(f"boots {self.times}")
         if board.tell("settings_hash") != before:
-            raise RuntimeError("a boot changes the settings")
+            raise run.Failed("a boot changes the settings")
         self.changes = board.cost(f"changes {self.times}")
 
     def count(self, bench, still):
@@ -351,12 +331,15 @@ def main():
         print(f"skipped: the kernel of {arguments.arch} does not tell the arguments of its functions")
         sys.exit(run.SKIPPED)
     media = arguments.media or list(MEDIA)
-    with tempfile.TemporaryDirectory(prefix="flashcost-") as folder:
-        if arguments.check:
-            good = check(Bench(arguments.arch, arguments.build, folder, ["nor"], CHECK_SECONDS))
-        else:
-            bench = Bench(arguments.arch, arguments.build, folder, media, MEASURE_SECONDS)
-            good = measure(bench, arguments, media)
+    try:
+        with tempfile.TemporaryDirectory(prefix="flashcost-") as folder:
+            if arguments.check:
+                good = check(Bench(arguments.arch, arguments.build, folder, ["nor"], CHECK_SECONDS))
+            else:
+                bench = Bench(arguments.arch, arguments.build, folder, media, MEASURE_SECONDS)
+                good = measure(bench, arguments, media)
+    except run.Failed as trouble:
+        sys.exit(f"{arguments.arch}: not done: {trouble}")
     sys.exit(0 if good else 1)
 
 

@@ -1,8 +1,8 @@
 # SPDX-FileCopyrightText: 2026 the Vorlix network layer authors
 # SPDX-License-Identifier: MIT
 #
-# The guest of flashcost.py: puts the settings on a kind of flash and does what the host says, one line at a
-# time, while the kernel counts what reaches the flash.
+# The guest of flashcost.py: puts the settings on a kind of flash and does what the host says, while the
+# kernel counts what reaches the flash.
 # shellcheck shell=sh
 
 Config=/mnt/mtd/Config
@@ -129,14 +129,8 @@ one_mount() { umount /mnt/mtd && mount_again; }
 # settings_hash: one word for all that is saved
 settings_hash() { (cd $Config && cat ./* | md5sum | cut -c1-32); }
 
-stty -echo </dev/console
 mount -t tracefs tracefs $tracing
 for call in fsync fdatasync sync; do count "syscalls/sys_enter_$call" keys=common_type; done
 modprobe bonding max_bonds=1
 modprobe bridge
-exec 3</dev/console
-echo READY
-while read -r order <&3; do
-    eval "$order"
-    echo "DONE $?"
-done
+obey

@@ -130,4 +130,30 @@ refuse()
     hardware fail_next "$1"
 }
 
+# ---- guests that take orders
+
+# needs COMMAND...: what the guest is of no use without. Where that fails, it tells so, with the beginning of
+# what the kernel said meanwhile, and ends.
+needs()
+{
+    dmesg -c >/dev/null
+    "$@" >/tmp/output 2>&1 && return
+    echo "NOT READY: $*, status $?"
+    cat /tmp/output
+    dmesg | head -n 10
+    poweroff -f
+}
+
+# obey: from here on the guest does what the host says, one line at a time, and tells the status of each
+obey()
+{
+    stty -echo </dev/console
+    exec 3</dev/console
+    echo READY
+    while read -r order <&3; do
+        eval "$order"
+        echo "DONE $?"
+    done
+}
+
 tell_result() { echo "BOARD $ok ok, $bad failed"; }

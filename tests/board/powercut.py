@@ -107,11 +107,7 @@ def write_settings(files):
 
 # ---- a board
 
-class Ended(Exception):
-    """The machine is no more: its power failed, or it hung for too long and was ended."""
-
-
-class Board:
+class Board(run.Guest):
     """A running machine, from its start or from a saved state, with the flash as it was left."""
 
     def __init__(self, bench, flash, state=None):
@@ -154,21 +150,6 @@ class Board:
     def flash(self):
         with open(self.shared, "rb") as file:
             return file.read()
-
-    def read_until(self, word):
-        """The lines before the one that begins with the word."""
-        lines = []
-        for line in self.machine.stdout:
-            line = line.rstrip("\r\n")
-            if line.startswith(word):
-                return lines
-            lines.append(line)
-        raise Ended(f"the board ended before {word}, {self.machine.wait()}: {lines[-5:]}")
-
-    def tell(self, order):
-        """Has the guest do something; what it says."""
-        self.machine.stdin.write(order + "\n")
-        return self.read_until("DONE")
 
     def save(self, path):
         """Keeps the machine as it is in a file, and ends it; what its flash holds then. It stands still
@@ -279,7 +260,7 @@ class Bench:
         board.tell(f"arm {place}")
         try:
             board.tell(workload.order)
-        except Ended:
+        except run.Ended:
             if board.machine.wait() != 0:
                 raise
         return board.end()
@@ -412,8 +393,8 @@ def try_cut(bench, workload, armed, place, battery):
         verdict.judge(boot)
         if bench.is_new(boot):
             verdict.compare(boot.after, bench.boot(boot.flash, battery).after)
-    except Ended as end:
-        verdict.findings.append(str(end))
+    except run.Failed as trouble:
+        verdict.findings.append(str(trouble))
     for finding in verdict.findings:
         print(f"finding: {workload.name} --byte {place}, memory {'alive' if battery else 'dead'}: {finding}",
               flush=True)
@@ -471,11 +452,14 @@ def main():
     verdicts = []
     begin = time.time()
     tell_head()
-    with tempfile.TemporaryDirectory(prefix="powercut-") as folder:
-        bench = Bench(arguments.kind, arguments.build, folder)
-        for i, workload in enumerate(chosen):
-            cuts = arguments.cuts // len(chosen) + (i < arguments.cuts % len(chosen))
-            verdicts += sweep(bench, workload, cuts, arguments)
+    try:
+        with tempfile.TemporaryDirectory(prefix="powercut-") as folder:
+            bench = Bench(arguments.kind, arguments.build, folder)
+            for i, workload in enumerate(chosen):
+                cuts = arguments.cuts // len(chosen) + (i < arguments.cuts % len(chosen))
+                verdicts += sweep(bench, workload, cuts, arguments)
+    except run.Failed as trouble:
+        sys.exit(f"{arguments.kind}: not done: {trouble}")
     findings = sum(len(verdict.findings) for verdict in verdicts)
     print(f"{arguments.kind}: {len(verdicts)} cuts, {findings} findings, {time.time() - begin:.0f} s")
     sys.exit(1 if findings or not verdicts else 0)

@@ -2,8 +2,8 @@
 # SPDX-License-Identifier: MIT
 #
 # wires: 4
-# The guest of powercut.py: all that needs no settings comes first; then it does what the host says, one
-# line at a time. A board that was just started pays much for each program, so there are few of them.
+# The guest of powercut.py: all that needs no settings comes first; then it does what the host says. A
+# board that was just started pays much for each program, so there are few of them.
 # shellcheck shell=sh
 
 Config=/mnt/mtd/Config
@@ -74,15 +74,9 @@ network()
     busybox ip -4 route show
 }
 
-stty -echo </dev/console
 cards 4
 modprobe bonding max_bonds=1
 modprobe bridge
 modprobe jffs2
-modprobe board with_flash=1 with_rtc=1
-exec 3</dev/console
-echo READY
-while read -r order <&3; do
-    eval "$order"
-    echo "DONE $?"
-done
+needs modprobe board with_flash=1 with_rtc=1
+obey

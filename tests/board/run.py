@@ -178,6 +178,40 @@ def serve(machine, control):
     return result
 
 
+class Failed(Exception):
+    """A guest did not do what it was told."""
+
+
+class Ended(Failed):
+    """Its machine is no more: the power failed, it could not get ready, or it hung and was ended."""
+
+
+class Guest:
+    """A machine whose guest takes orders, one at a time: `obey` of lib.sh."""
+
+    machine = None
+
+    def read_until(self, word):
+        """The lines before the one that begins with the word, and that one."""
+        lines = []
+        for line in self.machine.stdout:
+            line = line.rstrip("\r\n")
+            if line.startswith(word):
+                return lines, line
+            lines.append(line)
+        reason = next((i for i, line in enumerate(lines) if line.startswith("NOT READY")), -5)
+        raise Ended(f"the board ended before {word}, {self.machine.wait()}: {lines[reason:]}")
+
+    def tell(self, order):
+        """Has the guest do something; what it says. One that cannot is of no more use."""
+        self.machine.stdin.write(order + "\n")
+        lines, last = self.read_until("DONE")
+        if last != "DONE 0":
+            self.machine.kill()
+            raise Failed(f"the board fails to {order}, {last}: {lines[-5:]}")
+        return lines
+
+
 def kind_of(text):
     """The architecture and the release of a board, as they are given on a command line."""
     arch, _, release = text.partition(":")
