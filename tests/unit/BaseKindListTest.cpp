@@ -95,6 +95,19 @@ TEST_F(GetSpecifiedInterfaceInfoTest, PassesOverNamesThatAreTooLongAndLinesWitho
                                      "eth name too long. br-sixteen-abcde: 0\n")}));
 }
 
+/// Each line is read into the next free entry: what no later name covers stays there.
+TEST_F(GetSpecifiedInterfaceInfoTest, ANameOfAnotherKindStaysInTheNextEntry)
+{
+    AddCards({"abcdefghijklmno", "br0", "eth-ten-ab"});
+    Names names;
+    int count = kEntries;
+    EXPECT_TRUE(List("br", names, &count));
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(names.Bytes(0), std::string("br0\0efghijklmno\0", 16));
+    EXPECT_EQ(names.Bytes(1), std::string("eth-ten-ab\0\0\0\0\0\0", 16));
+    EXPECT_TRUE(names.AllClear(2));
+}
+
 TEST_F(GetSpecifiedInterfaceInfoTest, AMissingTableIsAnError)
 {
     Fail("open /proc/net/dev", ENOENT);
@@ -132,6 +145,21 @@ TEST_F(GetSpecifiedInterfaceInfoTest, APartOfTheTableIsNoList)
     EXPECT_EQ(count, 4);
     EXPECT_EQ(Log(),
               (LogLines{Error("GetSpecifiedInterfaceInfo", "Read file /proc/net/dev failed!\n")}));
+}
+
+TEST_F(GetSpecifiedInterfaceInfoTest, APartWithoutTheKindIsToldAsAPartAndNotAsAnEmptyList)
+{
+    AddCards(Many("eth", 3));
+    for (const int failing : {1, 2}) {
+        ClearLog();
+        Fail("pread /proc/net/dev", EIO, failing);
+        Names names;
+        int count = 4;
+        EXPECT_FALSE(List("br", names, &count));
+        EXPECT_EQ(count, 4);
+        EXPECT_EQ(Log(), (LogLines{Error("GetSpecifiedInterfaceInfo",
+                                         "Read file /proc/net/dev failed!\n")}));
+    }
 }
 
 TEST_F(GetSpecifiedInterfaceInfoTest, AFullListStandsWhateverBecomesOfTheRestOfTheTable)
@@ -204,6 +232,17 @@ TEST_P(ListOfAKindTest, RefusesNullAndACapacityOf0UnderItsOwnName)
     EXPECT_FALSE(GetParam().list(names.entries, nullptr));
     EXPECT_TRUE(names.Untouched());
     EXPECT_EQ(Log(), LogLines(3, Error(GetParam().operation, "params error!")));
+}
+
+TEST_P(ListOfAKindTest, ANegativeCapacityListsNothingInSilence)
+{
+    AddCards({GetParam().part + std::string("0")});
+    Names names;
+    int count = -1;
+    EXPECT_FALSE(GetParam().list(names.entries, &count));
+    EXPECT_EQ(count, -1);
+    EXPECT_TRUE(names.AllClear(0));
+    EXPECT_EQ(Log(), LogLines{});
 }
 
 TEST_P(ListOfAKindTest, AMissingTableIsToldByTheListing)
@@ -374,6 +413,17 @@ TEST_F(GetNormalInterfaceInfoTest, StoresTheNumberListed)
     EXPECT_EQ(count, 3);
     EXPECT_TRUE(GetNormalInterfaceInfo(records, &count));
     EXPECT_EQ(count, 3);
+}
+
+TEST_F(GetNormalInterfaceInfoTest, ADeviceWithoutCardsHasAnEmptyList)
+{
+    for (const Texts& others : {Texts{}, Texts{"lo", "sit0"}}) {
+        AddCards(others);
+        int count = 4;
+        EXPECT_TRUE(GetNormalInterfaceInfo(records, &count));
+        EXPECT_EQ(count, 0);
+    }
+    EXPECT_EQ(Log(), LogLines{});
 }
 
 TEST_F(GetNormalInterfaceInfoTest, ANegativeCapacityListsNothing)

@@ -131,6 +131,18 @@ TEST_F(IsVirtPcieTest, TheFirstAnswerStandsForAllNames)
     EXPECT_EQ(Queries().size(), 1U);
 }
 
+TEST_F(IsVirtPcieTest, IsToldByTheWholeText)
+{
+    for (const char* driver : {"pcit virt", "virt nic", "pcit", "pcit virt ni", "PCIT virt nic"}) {
+        AddCard("vnic0", driver);
+        const pid_t child = fork();  // the answer is kept for the life of a process
+        if (child == 0) _exit(IsVirtPcie("vnic0") ? 1 : 0);
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0) << driver;
+    }
+}
+
 TEST_F(IsVirtPcieTest, SoDoesANegativeOne)
 {
     AddCard("vnic0", "pcit virt nic");
@@ -171,6 +183,9 @@ TEST_F(IsSwitchTest, TheSecondEntryOfEth0AlwaysIs)
     EXPECT_TRUE(IsSwitch("eth0:poe"));
     EXPECT_FALSE(IsSwitch("eth1:poe"));
     EXPECT_FALSE(IsSwitch("eth0:po"));
+    EXPECT_FALSE(IsSwitch("eth0:poe1"));
+    EXPECT_FALSE(IsSwitch("eth0:poe "));
+    EXPECT_FALSE(IsSwitch("xeth0:poe"));
 }
 
 TEST_F(IsSwitchTest, TheFirstFoundIsTheOnlyOne)
@@ -268,6 +283,18 @@ TEST_F(SwitchByNameTest, Eth0IsBoth)
 {
     AddCard("eth0", kSwitchDriver);
     EXPECT_EQ(isSwitchByName("eth0"), 2);
+}
+
+TEST_F(SwitchByNameTest, ANameThatBeginsLikeEth0IsNot)
+{
+    for (const char* name : {"eth00", "eth0.5", "eth01", "xeth0"}) {
+        AddCard(name, kSwitchDriver);
+        const pid_t child = fork();  // a switch that was found is kept for the life of a process
+        if (child == 0) _exit(isSwitchByName(name));
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(WEXITSTATUS(status), 1) << name;
+    }
 }
 
 TEST_F(SwitchByNameTest, ABadSavedModeIsToldAndTheDriverAsked)
@@ -519,6 +546,10 @@ TEST_F(NetCardIsWifiTest, TheNameMayStandAnywhereInTheLine)
     EXPECT_EQ(Ask("rq0"), "connected");
     EXPECT_EQ(Ask("rq"), "no");  // a digit behind it
     EXPECT_EQ(Ask("x"), "connected");
+    for (const char* behind : {"a", "f", "F", "-", ".", "|", " ", "\t"}) {
+        PutLines("rq0"s + behind + ": 1\n");
+        EXPECT_EQ(Ask("rq0"), "connected") << behind;
+    }
 }
 
 TEST_F(NetCardIsWifiTest, TheFirstLineThatMatchesCounts)
@@ -589,6 +620,10 @@ TEST_F(NetCardIsWifiTest, TheStateIsAlwaysReadAgain)
     PutLines("ra0: 1\n");
     EXPECT_EQ(Ask("ra0"), "connected");
     PutLines("ra0: 0\n");
+    EXPECT_EQ(Ask("ra0"), "not connected");
+    PutLines("ra0: 1\n");
+    EXPECT_EQ(Ask("ra0"), "connected");
+    PutLines("ra0: up\n");  // no number is 0, whatever the last one was
     EXPECT_EQ(Ask("ra0"), "not connected");
     Remove(kWireless);
     EXPECT_EQ(Ask("ra0"), "no");

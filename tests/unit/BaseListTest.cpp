@@ -62,6 +62,38 @@ TEST_F(GetNetIfNameTest, ABlankOrTabInTheNameIsNoName)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+/// What stands in the buffer is what was read; behind it, nothing was touched.
+TEST_F(GetNetIfNameTest, ARefusedLineLeavesWhatWasReadOfItWithoutAnEnd)
+{
+    struct Case {
+        const char* line;
+        std::string buffer;
+    };
+    const Case cases[] = {
+        {"et\th0: 0", "et##############"},
+        {"eth0 : 0", "eth0############"},
+        {"eth0", "eth0############"},
+        {" sixteen-letters0 : 1", "sixteen-letters0"},   // ends without a colon, so no word
+        {" sixteen-letters0\t: 1", "sixteen-letters0"},  // of its length is lost
+    };
+    for (const Case& expected : cases) {
+        char name[16];
+        memset(name, kMarker, sizeof(name));
+        EXPECT_FALSE(getNetIfNameNoFilter(expected.line, name, sizeof(name))) << expected.line;
+        EXPECT_EQ(std::string(name, sizeof(name)), expected.buffer) << expected.line;
+    }
+    EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(GetNetIfNameTest, OnlyBlanksAndTabsInFrontArePassedOver)
+{
+    for (const char* white : {"\n", "\v", "\f", "\r"}) {
+        char name[16] = {};
+        EXPECT_TRUE(getNetIfNameNoFilter((white + "eth0: 0"s).c_str(), name, sizeof(name)));
+        EXPECT_EQ(name, white + "eth0"s);
+    }
+}
+
 TEST_F(GetNetIfNameTest, ANameThatFillsTheBufferIsTold)
 {
     char name[16] = {};
@@ -273,15 +305,16 @@ TEST_F(GetAllInterfaceInfoTest, AMissingTableIsAnError)
 
 TEST_F(GetAllInterfaceInfoTest, PassesOverLinesOfABadForm)
 {
-    AddCards({"eth2", "eth4"});
+    AddCards({"eth2", "eth|5", "eth4"});
     PutTable("eth0 : 0\n"
              "no colon here eth1\n"
              "\n"
              ":\n"
              "\teth2: 0\n"
              "et\th3: 0\n"
+             "eth|5: 0\n"  // titles are told by their missing colon, not by their bars
              "eth4:0 0");
-    EXPECT_EQ(List(), (Texts{"eth2", "eth4"}));
+    EXPECT_EQ(List(), (Texts{"eth2", "eth|5", "eth4"}));
     EXPECT_EQ(Log(), LogLines{});
 }
 

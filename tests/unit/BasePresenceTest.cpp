@@ -61,7 +61,8 @@ TEST_F(FindWordInLineTest, APartOfAWordIsToldAsMissing)
     EXPECT_EQ(Find("eth0,eth1", "eth"), -1);
     EXPECT_EQ(Log(), (LogLines{Info("FindWordInLine", "can not find eth in eth0,eth1")}));
     for (const char* line :
-         {"", "eth10", "xeth1", "eth1 ", " eth1", "eth0;eth1", "\neth1", "ETH1"}) {
+         {"", "eth10", "xeth1", "eth1 ", " eth1", "eth0;eth1", "\neth1", "ETH1", "eth1\t", "\teth1",
+          "eth1\r", "eth1\r\n", "eth0\teth1", "eth1\v", "eth0, eth1", "eth0 ,eth1 ,"}) {
         ClearLog();
         EXPECT_EQ(Find(line, "eth1"), -1) << line;
         EXPECT_EQ(Log(),
@@ -74,6 +75,10 @@ TEST_F(FindWordInLineTest, TheSeparatorIsTheCallers)
     EXPECT_EQ(Find("eth0 eth1", "eth1", ' '), 5);
     EXPECT_EQ(Find("eth0,eth1", "eth1", ' '), -1);
     EXPECT_EQ(Find("eth0\neth1", "eth1", '\n'), 5);
+    EXPECT_EQ(Find("eth0\teth1", "eth1", '\t'), 5);
+    EXPECT_EQ(Find("eth0\teth1", "eth1", ' '), -1);
+    EXPECT_EQ(Find("eth0 eth1\t", "eth1", ' '), -1);
+    EXPECT_EQ(Find("eth1 eth2", "eth1", '\t'), -1);
 }
 
 TEST_F(FindWordInLineTest, GoesOnBehindTheWholeOccurrence)

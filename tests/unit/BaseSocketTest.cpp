@@ -204,9 +204,11 @@ TEST_F(InterfaceIpIsExistTest, IsTrueForACardWithAnAddress)
 {
     kernel.Add("eth0").address = "10.0.0.2";
     kernel.Add("eth1");
+    kernel.Add("eth3").address = "0.0.0.0";
     EXPECT_TRUE(InterfaceIpIsExist("eth0"));
     EXPECT_FALSE(InterfaceIpIsExist("eth1"));
     EXPECT_FALSE(InterfaceIpIsExist("eth2"));
+    EXPECT_TRUE(InterfaceIpIsExist("eth3"));  // whatever it is, the kernel tells one
     EXPECT_EQ(Log(), LogLines{});
     EXPECT_EQ(PlainOutput(), "");
 }
@@ -320,6 +322,16 @@ TEST_F(InterfaceIsLinkTest, ADriverWithoutEthtoolHasNoLink)
     EXPECT_FALSE(InterfaceIsLink("eth0"));
     EXPECT_EQ(Log(), (LogLines{Error("InterfaceIsLink", "ioctl eth0 failed,.")}));
     EXPECT_EQ(OpenHandles(), Texts{});
+}
+
+TEST_F(InterfaceIsLinkTest, WhatTheCardBeforeHadIsNotToldOfTheNext)
+{
+    kernel.Add("eth0").link = 1;
+    kernel.Add("eth1").link = std::nullopt;
+    EXPECT_TRUE(InterfaceIsLink("eth0"));
+    EXPECT_FALSE(InterfaceIsLink("eth1"));
+    Fail("ioctl ETHTOOL_GLINK eth0", EIO);
+    EXPECT_FALSE(InterfaceIsLink("eth0"));
 }
 
 TEST_F(InterfaceIsLinkTest, TheWholeNameIsToldAnd15CharactersAreAsked)

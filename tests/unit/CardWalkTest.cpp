@@ -65,8 +65,11 @@ TEST_F(CardWalkTest, AnswersAsTheSingleQuestions)
 {
     AddCards({"eth0", "eth1", "eth2", "ppp0"});
     for (const char* name : {"eth0", "eth1", "eth2"}) kernel.At(name).driver = kSwitchDriver;
-    Put(kModes, "eth1 = 0\neth2 = 9\n");
-    for (const char* name : {"eth0", "eth1", "eth2", "ppp0", "eth0:poe", "eth9"}) {
+    const std::string longest = std::string(29, '0') + "1";  // that is read, and one more
+    Put(kModes, "eth1 = 0\neth2 = 9\neth0:poe = 9\neth3\neth3 = 2\nxeth4 = 2\neth4 = 1\neth5 = " +
+                    longest + "\neth6 = 0" + longest + "\neth7 = \neth7 = 2\n");
+    for (const char* name : {"eth0", "eth1", "eth2", "ppp0", "eth0:poe", "eth3", "eth4", "eth5",
+                             "eth6", "eth7", "eth8", "x"}) {
         SCOPED_TRACE(name);
         ClearLog();
         const int32_t single = isSwitchByName(name);

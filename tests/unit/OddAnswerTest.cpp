@@ -88,6 +88,16 @@ TEST_F(OddAnswerTest, DescriptorZeroIsALockedFileLikeAnyOther)
     EXPECT_EQ(HeldMutexes(), 0);
 }
 
+TEST_F(OddAnswerTest, DescriptorZeroIsASyncedFileLikeAnyOther)
+{
+    AnswerOddly(Odd::files);
+    EXPECT_TRUE(SetMtuByConfig("eth0", 1300));  // a first setting: nothing else is open
+    EXPECT_EQ(TraceOf({"fsync"}), Texts{"fsync " + CardFile("eth0")});
+    EXPECT_EQ(
+        LogOf("SetValueByKey"),
+        LogLines{Error("SetValueByKey", "cannot fopen for read.[No such file or directory]")});
+}
+
 TEST_F(OddAnswerTest, DescriptorZeroIsAProbesSocketLikeAnyOther)
 {
     AnswerOddly(Odd::descriptors);
@@ -168,6 +178,7 @@ TEST_F(OddAnswerTest, AResultAboveZeroIsASuccess)
     EXPECT_TRUE(Route_AddIPv4Route("10.1.0.0", "0.0.0.0", "255.255.0.0", "eth0"));
     EXPECT_TRUE(Route_DelIPv4Route("10.1.0.0", "0.0.0.0", "255.255.0.0", "eth0"));
     EXPECT_TRUE(Route_AddIPv6Route("2001:db8::", "fe80::1", "64", "eth0"));
+    EXPECT_EQ(LogOf("InterfaceIsLink"), LogLines{});
     EXPECT_EQ(LogOf("NetIOCtrl"), LogLines{});
     EXPECT_EQ(LogOf("NetIOCtrlv6"), LogLines{});
     EXPECT_EQ(LogOf("Route_SetIPv4Route"), LogLines{});
