@@ -133,6 +133,17 @@ TEST_F(GetValueByKeyTest, NoRoomFitsNoValue)
     }
 }
 
+TEST_F(GetValueByKeyTest, AnEmptyValueIsToldBeforeItsRoom)
+{
+    Put(kFile, "MTU = \n");
+    for (const int len : {1, 0, -1, INT_MIN}) {
+        ClearLog();
+        EXPECT_EQ(Read("MTU", len), "(false)") << len;
+        EXPECT_EQ(Log(), (LogLines{Warn("GetValueByKey",
+                                        "the MTU from /mnt/mtd/Config/network1 is empty.")}));
+    }
+}
+
 // ---- which line
 
 TEST_F(GetValueByKeyTest, TheFirstLineThatContainsTheKeyWins)
@@ -502,9 +513,12 @@ class SwitchModesTest : public World {};
 TEST_F(SwitchModesTest, AnswersAsTheOperationDoes)
 {
     const std::string wide(40, '1');
+    const std::string longest = std::string(29, '0') + "1";
     for (const std::string& text :
          {""s, "eth0 = 0\n"s, "eth0 = 1"s, "eth0 = 2\neth0 = 1\n"s, "eth0 = 3\n"s, "eth0 =\n"s,
           "eth0\n"s, "eth1 = 1\n"s, "eth0 = " + wide + "\n", "a\0eth0 = 1\n"s,
+          "xeth0 = 2\neth0 = 1\n"s, "eth0\neth0 = 1\n"s, "eth0 =\neth0 = 1\n"s,
+          "eth0 = 7\neth0 = 1\n"s, "eth0 = " + longest, "eth0 = 0" + longest + "\neth0 = 1\n",
           std::string(255 * 31, 'x') + "eth0 = 1\n", std::string(255 * 32, 'x') + "eth0 = 1\n"}) {
         SCOPED_TRACE(text.substr(0, 40));
         Put(kModeFile, text);

@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace fake;
@@ -198,6 +199,41 @@ TEST_F(FileLockTest, ARefusedUnlockIsLoggedAndTheFileIsClosed)
                                                      ", [Resource deadlock avoided]")}));
 }
 
+/// A signal's handler without SA_RESTART ends the wait: that is told, and the caller goes on.
+TEST_F(FileLockTest, AnInterruptedWaitIsARefusal)
+{
+    Put(kFile, "");
+    Fail("fcntl F_SETLKW F_WRLCK", EINTR);
+    EXPECT_TRUE(FileLock(true, kFile));
+    Fail("fcntl F_SETLKW F_UNLCK", EINTR);
+    EXPECT_TRUE(FileLock(false, kFile));
+    EXPECT_EQ(TraceOf({"fcntl"}).size(), 2U);
+    const std::string rest =
+        ") failed, pid:" + std::to_string(getpid()) + ", [Interrupted system call]";
+    EXPECT_EQ(Log(), (LogLines{Error("FileLock", "fcntl (F_SETLKW F_WRLCK" + rest),
+                               Error("FileLock", "fcntl (F_SETLKW F_UNLCK" + rest)}));
+}
+
+TEST_F(FileLockTest, AChildLocksInItsOwnName)
+{
+    Put(kFile, "");
+    EXPECT_TRUE(FileLock(true, kFile));
+    EXPECT_TRUE(FileLock(false, kFile));
+    const pid_t child = fork();
+    if (child == 0) {
+        Fail("fcntl F_SETLKW F_WRLCK", ENOLCK);
+        ClearLog();
+        (void)FileLock(true, kFile);
+        const LogLine own =
+            Error("FileLock", "fcntl (F_SETLKW F_WRLCK) failed, pid:" + std::to_string(getpid()) +
+                                  ", [No locks available]");
+        _exit(Log() == LogLines{own} ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+
 TEST_F(FileLockTest, TheNextFileStartsAfresh)
 {
     Put(kFile, "");
@@ -264,6 +300,8 @@ TEST_F(CheckIsRegFileTest, IsTrueForAFileOfTheFolderAlone)
     MakeFolder(In("networkdir"));
     std::filesystem::create_symlink("network", Mapped(In("networklink").c_str()));
     std::filesystem::create_symlink("nowhere", Mapped(In("networkdangling").c_str()));
+    ASSERT_EQ(mkfifo(Mapped(In("networkpipe").c_str()).c_str(), 0600), 0);
+    EXPECT_FALSE(checkIsRegFile("networkpipe"));
     EXPECT_TRUE(checkIsRegFile("network"));
     EXPECT_TRUE(checkIsRegFile("networklink"));
     EXPECT_FALSE(checkIsRegFile("networkdangling"));
@@ -439,10 +477,13 @@ TEST_F(GetAllNetworkFileTest, ListsTheIPv4FilesOfAllCards)
 {
     for (const char* name : {"network", "network1", "networketh2", "networkbond0", "networkip6",
                              "networkip61", "networkip6eth2", "poeMode.conf", "resolv.conf",
-                             "rsbridgeinit.conf", "xnetwork", "Network"}) {
+                             "rsbridgeinit.conf", "xnetwork", "Network", ".network", "..network",
+                             "ip6network", "networkxip6", "networkip", "xnetworkip6"}) {
         Put(In(name), "");
     }
-    EXPECT_EQ(List(32), (Texts{"network", "network1", "networkbond0", "networketh2", "xnetwork"}));
+    EXPECT_EQ(List(32),
+              (Texts{"..network", ".network", "ip6network", "network", "network1", "networkbond0",
+                     "networketh2", "networkip", "networkxip6", "xnetwork"}));
     EXPECT_EQ(Log(), LogLines{});
     EXPECT_EQ(OpenHandles(), Texts{});
 }

@@ -192,6 +192,14 @@ TEST_F(SetValueByKeyTest, ALastLineWithoutNewlineDoesNotSwallowTheNext)
     EXPECT_EQ(Written("PRIO = 1\nMTU = 1500", "PRIO", "0"), "PRIO = 0\nMTU = 1500\n");
 }
 
+TEST_F(SetValueByKeyTest, ALastLineOf254CharactersHasRoomForItsNewline)
+{
+    for (const size_t length : {253U, 254U, 255U}) {  // of the line; the last of them has no room
+        const std::string last = "MTU = " + std::string(length - 6, 'x');
+        EXPECT_EQ(Written(last, "PRIO", "0"), last + (length < 255 ? "\n" : "") + "PRIO = 0\n");
+    }
+}
+
 TEST_F(SetValueByKeyTest, ALineCutByANulDoesNotSwallowTheNext)
 {
     EXPECT_EQ(Written("MTU = 15\0garbage\nHOSTIP = 10.0.0.2\n"s, "PRIO", "0"),

@@ -69,6 +69,15 @@ protected:
     }
 };
 
+TEST_F(LogTest, TellsTheWholePathAndOperationHoweverLongTheyAre)
+{
+    const std::string path(200, 'p');
+    const std::string operation(200, 'o');
+    vorlix::LogWrite(7U << 2U, path.c_str(), operation.c_str(), "%s", "short");
+    EXPECT_EQ(RawOutput(), "\033[1;32;40m00:00:05|Vorlix-111860|Info |" + Tid() + "|short|" + path +
+                               ":7|" + operation + "()\033[0m\n");
+}
+
 TEST_F(LogTest, PutsEachLevelIntoTheFrameOfItsColour)
 {
     const std::string source = std::string("|") + __FILE__ + ":N|";

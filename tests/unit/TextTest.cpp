@@ -161,6 +161,7 @@ TEST(Contains, FindsAPartAnywhere)
     EXPECT_TRUE(Contains("mybond0", "bond"));
     EXPECT_TRUE(Contains("bond", "bond"));
     EXPECT_TRUE(Contains("bond", ""));
+    EXPECT_TRUE(Contains("", ""));
     EXPECT_FALSE(Contains("bon", "bond"));
     EXPECT_FALSE(Contains("BOND", "bond"));
     EXPECT_FALSE(Contains("", "bond"));
@@ -237,8 +238,8 @@ TEST(ParseLooseIPv4, TakesEachFormThatAHandMayWrite)
 
 TEST(ParseLooseIPv4, RefusesOtherTextsAndLeavesTheValue)
 {
-    for (const char* text :
-         {"", " 10.1.2.3", "10.1.2.3.4", "10.1.2.256", "10.1.2.3,", "10.1.2.x"}) {
+    for (const char* text : {"", " 10.1.2.3", "10.1.2.3.4", "10.1.2.256", "10.1.2.3,", "10.1.2.x",
+                             "10.1.2.3/24", "10.1.2.3;", "10.1.2.3\x01", "10.1.2.3:80"}) {
         in_addr value{77};
         EXPECT_FALSE(ParseLooseIPv4(text, &value)) << text;
         EXPECT_EQ(value.s_addr, 77U) << text;
