@@ -64,6 +64,21 @@ TEST_F(GetIPByConfigTest, BothMustBeAddresses)
                                Error("GetIPByConfig", "ip: 10.0.0.2 mask no error.")}));
 }
 
+/// A card without a name has a file like any other: the one that eth0 has.
+TEST_F(GetIPByConfigTest, ACardWithoutANameReadsTheFileOfEth0)
+{
+    Put("/mnt/mtd/Config/network",
+        Settings({"HOSTIP = 10.0.0.2", "SUBMASK = 255.0.0.0", "GATEWAYIP = 10.0.0.1"}));
+    Put("/mnt/mtd/Config/networkip6",
+        Settings({"HOSTIP = fd00::2", "SUBMASK = 64", "GATEWAYIP = fd00::1"}));
+    EXPECT_EQ(ReadIP(""), "1 10.0.0.2 255.0.0.0");
+    EXPECT_EQ(ReadGateway(""), "1 10.0.0.1");
+    EXPECT_EQ(ReadIPv6(""), "1 fd00::2 64");
+    EXPECT_EQ(ReadGatewayv6(""), "1 fd00::1");
+    EXPECT_TRUE(SetMtuByConfig("", 1400));
+    EXPECT_EQ(ReadMtu("eth0"), "1 1400");
+}
+
 TEST_F(GetIPByConfigTest, ShortFormsOfAnAddressPass)
 {
     Put(kFile, Settings({"HOSTIP = 10.2", "SUBMASK = 255.255"}));
@@ -105,6 +120,15 @@ TEST_F(SetIPByConfigTest, TheEmptyAddressInAShortFormIsSaved)
     Put(kFile, "");
     EXPECT_TRUE(SetIPByConfig("eth1", "0", "0.0"));
     EXPECT_EQ(Get(kFile), Settings({"HOSTIP = 0", "SUBMASK = 0.0"}));
+    for (const char* address : {"0", "0.0.0", "00.0.0.0", "0x0.0.0.0", "0.0.00.0"}) {
+        EXPECT_TRUE(SetIPByConfig("eth1", address, "0.0.0.0")) << address;
+        EXPECT_EQ(ReadIP("eth1"), "1 " + std::string(address) + " 0.0.0.0");
+        EXPECT_TRUE(SetIPByConfig("eth1", "0.0.0.0", address)) << address;
+        EXPECT_EQ(ReadIP("eth1"), "1 0.0.0.0 " + std::string(address));
+        EXPECT_TRUE(SetGatewayByConfig("eth1", address)) << address;
+        EXPECT_EQ(ReadGateway("eth1"), "1 " + std::string(address));
+    }
+    EXPECT_EQ(Log(), kSilence);
 }
 
 TEST_F(SetIPByConfigTest, WhatIsNoAddressDoesNotReachTheFile)
@@ -320,10 +344,14 @@ TEST_F(SetIPv6ByConfigTest, WhatIsNoAddressDoesNotReachTheFile)
     EXPECT_FALSE(SetIPv6ByConfig("eth1", "10.0.0.2", "x"));
     EXPECT_FALSE(SetIPv6ByConfig("eth1", "fd00::2", "x64"));
     EXPECT_FALSE(SetIPv6ByConfig("eth1", "fd00::2", ""));
+    EXPECT_FALSE(SetIPv6ByConfig("eth1", "fd00::2", " 64"));
+    EXPECT_FALSE(SetIPv6ByConfig("eth1", "fd00::2", "+64"));
     EXPECT_EQ(Trace(), kNothing);
     EXPECT_EQ(Log(), (LogLines{Error("SetIPv6ByConfig", "ip addr formate error 10.0.0.2."),
                                Error("SetIPv6ByConfig", "perfix x64 error."),
-                               Error("SetIPv6ByConfig", "perfix  error.")}));
+                               Error("SetIPv6ByConfig", "perfix  error."),
+                               Error("SetIPv6ByConfig", "perfix  64 error."),
+                               Error("SetIPv6ByConfig", "perfix +64 error.")}));
 }
 
 TEST_F(SetIPv6ByConfigTest, ThePrefixIsNotTouchedBehindAFailedAddress)

@@ -7,7 +7,9 @@
 
 #include "SettingLog.h"
 
+#include <cerrno>
 #include <climits>
+#include <cstring>
 
 using namespace fake;
 
@@ -71,6 +73,8 @@ TEST_F(GetDefaultEthByConfigTest, TheSavedNameFillsItsBufferToTheLastByte)
 {
     SaveDefault("bond0");
     EXPECT_EQ(Default(6), "bond0");
+    SaveDefault("a-name-beyond-any-card");
+    EXPECT_EQ(Default(23), "a-name-beyond-any-card");
     EXPECT_EQ(Log(), kSilence);
 }
 
@@ -572,7 +576,8 @@ TEST_F(IsTrunkBondConfigTest, WithoutAMemberListItIsAnOldOne)
 
 TEST_F(IsTrunkBondConfigTest, TheKeyAloneCountsWhereverItStands)
 {
-    for (const char* text : {"BONDMEMBERS =\n", "xBONDMEMBERSx", "MTU = BONDMEMBERS\n"}) {
+    for (const char* text : {"BONDMEMBERS =\n", "xBONDMEMBERSx", "MTU = BONDMEMBERS\n",
+                             "\nBONDMEMBERS = eth0\n", "# note\n\n \n\tBONDMEMBERS"}) {
         Put(kBondFile, text);
         EXPECT_EQ(Kind(), "bond") << text;
     }
@@ -609,6 +614,29 @@ TEST_F(IsTrunkBondConfigTest, ABondWithoutAFileIsNeither)
     EXPECT_EQ(Kind(), "(no)");
     const LogLine refused = Error("IsTrunkBondConfig", "cannot fopen [No such file or directory]");
     EXPECT_EQ(Log(), (LogLines{kAsked, refused, kAsked, refused}));
+}
+
+TEST_F(IsTrunkBondConfigTest, AFileThatCannotBeOpenedIsToldWithItsReason)
+{
+    Put(kBondFile, "BONDMEMBERS = eth0\n");
+    for (const int reason : {EACCES, EMFILE, EIO, ENOENT}) {
+        ClearLog();
+        FailAll(std::string("open ") + kBondFile + " O_RDONLY", reason);
+        EXPECT_EQ(Kind(), "(no)");
+        FailNothing();
+        const LogLine refused =
+            Error("IsTrunkBondConfig", "cannot fopen [" + std::string(strerror(reason)) + "]");
+        EXPECT_EQ(Log(), (LogLines{kAsked, refused, kAsked, refused}));
+        EXPECT_EQ(HeldMutexes(), 0);
+    }
+}
+
+/// It opens, and no line of it holds the key.
+TEST_F(IsTrunkBondConfigTest, AFolderInTheFilesPlaceIsAnOldOne)
+{
+    MakeFolder(kBondFile);
+    EXPECT_EQ(Kind(), "trunk");
+    EXPECT_EQ(Log(), (LogLines{kAsked, Info("IsTrunkBondConfig", "Is Trunk config")}));
 }
 
 TEST_F(IsTrunkBondConfigTest, TheFileIsReadUnderItsLock)

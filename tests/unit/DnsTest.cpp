@@ -96,6 +96,14 @@ TEST_F(DnsGetDnsFileInfoTest, HoldsTheLockForTheWholeReadOfBothFiles)
                      std::string("close ") + kFile6, "mutex unlock"}));
 }
 
+TEST_F(DnsGetDnsFileInfoTest, TheEmptyAddressIsAServerLikeAnyOther)
+{
+    Put(kFile, Servers({"0.0.0.0", "255.255.255.255", "::", "ff02::1"}));
+    const Found found = ReadAll();
+    EXPECT_TRUE(found.result);
+    EXPECT_EQ(found.All(), (Texts{"0.0.0.0", "255.255.255.255", "::", "ff02::1"}));
+}
+
 TEST_F(DnsGetDnsFileInfoTest, PassesOverAThirdServer)
 {
     Put(kFile, Servers({"8.8.8.8", "8.8.4.4", "1.1.1.1", "fe80::1", "fe80::2", "fe80::3"}));
@@ -604,13 +612,17 @@ TEST_F(DnsSetDnsServerTest, ABadTextChangesNothing)
     EXPECT_FALSE(Dns_SetDnsServerIPv4("bad", "8.8.4.4"));
     EXPECT_FALSE(SetIPv6DnsServer("fe80::1", "8.8.8.8"));
     EXPECT_FALSE(Dns_SetDnsServerIPv6("", "fe80::1"));
+    EXPECT_FALSE(Dns_SetDnsServerIPv4("8.8.8.8", ""));
+    EXPECT_FALSE(Dns_SetDnsServerIPv6("fe80::1", ""));
     EXPECT_EQ(Get(kFile), before);
     EXPECT_FALSE(Exists(kFile6));
     EXPECT_EQ(Trace(), Texts{});
     EXPECT_EQ(Log(), (LogLines{Error("Dns_SetDnsServerIPv4", "address error.[8.8.8.8][8.8.4]"),
                                Error("Dns_SetDnsServerIPv4", "address error.[bad][8.8.4.4]"),
                                Error("Dns_SetDnsServerIPv6", "address error.[fe80::1][8.8.8.8]"),
-                               Error("Dns_SetDnsServerIPv6", "address error.[][fe80::1]")}));
+                               Error("Dns_SetDnsServerIPv6", "address error.[][fe80::1]"),
+                               Error("Dns_SetDnsServerIPv4", "address error.[8.8.8.8][]"),
+                               Error("Dns_SetDnsServerIPv6", "address error.[fe80::1][]")}));
 }
 
 TEST_F(DnsSetDnsServerTest, NullIsRefusedSilently)

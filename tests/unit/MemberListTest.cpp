@@ -170,6 +170,8 @@ TEST_P(MembersTest, OnlyCommasSplitAList)
 {
     Save("eth0, eth1;eth2");
     EXPECT_EQ(ReadMembers(GetParam()), "1 2 eth0  eth1;eth2");
+    Save(", eth0 ,\teth1,eth2 ");
+    EXPECT_EQ(ReadMembers(GetParam()), "1 3  eth0  \teth1 eth2");
 }
 
 TEST_P(MembersTest, NoMoreAreReadThanWereAskedFor)
