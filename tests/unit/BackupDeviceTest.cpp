@@ -188,6 +188,7 @@ TEST_F(CheckDeviceTypeTest, RefusedCreationRefusesEveryUseOfTheSram)
     EXPECT_FALSE(ResetSram());
     EXPECT_EQ(Log(), LogLines{});
     EXPECT_EQ(Trace(), Texts{});
+    EXPECT_EQ(OpenHandles(), Texts{"open /dev/pdcSramFile O_RDWR"});
 }
 
 TEST_F(CheckDeviceTypeTest, AnyOtherResultThanZeroRefusesTheCreation)

@@ -281,6 +281,17 @@ TEST_F(PingTest, AShortAnswerIsFilledUpWithZeros)
     EXPECT_TRUE(Ping_CheckAlive(nullptr, nullptr, kHost, 1));
 }
 
+TEST_F(PingTest, NothingOfTheDatagramBeforeIsLeftForOneThatHoldsNothing)
+{
+    Arrive(EchoReply(), "10.0.0.3");
+    Arrive({});
+    Arrive(IPHeader() + Icmp(8, OurIdentifier()));
+    Arrive(EchoReply(), "");  // the kernel tells no sender: not that of the one before
+    EXPECT_FALSE(Ping_CheckAlive(nullptr, nullptr, kHost, 1));
+    EXPECT_EQ(TraceOf({"recvfrom"}).size(), 4U);
+    EXPECT_EQ(Own(), (LogLines{kPoolError, kNotAlive}));  // an empty one is no failure
+}
+
 TEST_F(PingTest, NothingOfTheDatagramBeforeIsLeft)
 {
     const Bytes reply = EchoReply();
@@ -309,10 +320,15 @@ TEST_F(PingTest, AFailedWaitIsTriedAgain)
 
 TEST_F(PingTest, AFailedReceiveIsPassedOver)
 {
-    Fail("recvfrom", EHOSTUNREACH);
-    Arrive(EchoReply());
-    EXPECT_TRUE(Ping_CheckAlive(nullptr, nullptr, kHost, 1));
-    EXPECT_EQ(Log(), (LogLines{kReciveError, kAlive}));
+    for (const int reason : {EHOSTUNREACH, ECONNREFUSED, EINTR, EAGAIN, ENETDOWN}) {
+        ClearLog();
+        ClearTrace();
+        Fail("recvfrom", reason);
+        Arrive(EchoReply());
+        EXPECT_TRUE(Ping_CheckAlive(nullptr, nullptr, kHost, 1));
+        EXPECT_EQ(Log(), (LogLines{kReciveError, kAlive}));
+        EXPECT_EQ(TraceOf({"recvfrom"}).size(), 2U);
+    }
 }
 
 TEST_F(PingTest, AClockThatIsSetBackLengthensTheProbe)

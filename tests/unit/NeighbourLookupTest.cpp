@@ -212,6 +212,14 @@ TEST_F(IPByMacTest, TheFirstLineWins)
     EXPECT_STREQ(ip, "10.0.0.1");
 }
 
+TEST_F(IPByMacTest, NothingBehindTheTextIsTouched)
+{
+    kernel.neighbours = {{"10.0.0.3", kMac2, "eth0"}};
+    memset(ip, '#', sizeof(ip));
+    EXPECT_TRUE(Other_GetIPByMac(kMac2, ip));
+    EXPECT_EQ(std::string(ip, sizeof(ip)), std::string("10.0.0.3\0#######", 16));
+}
+
 TEST_F(IPByMacTest, UpperCaseFindsNothing)
 {
     kernel.neighbours = {{"10.0.0.2", kMac2, "eth0"}};
@@ -329,6 +337,20 @@ TEST_F(MacByIPTest, OverlongColumnsAreCut)
     EXPECT_STREQ(mac, "80:00:00:48:fe:80");
     EXPECT_TRUE(Find("192.168.100.200"));  // what was cut off moves the columns on
     EXPECT_STREQ(mac, "0x2");
+}
+
+TEST_F(MacByIPTest, TheColumnOfFlagsHasSevenCharacters)
+{
+    PutTable({std::string("10.0.0.1 0x1 0x00002 ") + kMac1 + " * eth0",
+              std::string("10.0.0.2 0x1 0x000002 ") + kMac1 + " * eth0",
+              std::string("10.0.0.3 0x000000000000001 0x2 ") + kMac1 + " * eth0",
+              std::string("10.0.0.4 0x0000000000000001 0x2 ") + kMac1 + " * eth0"});
+    const std::pair<const char*, const char*> rows[] = {
+        {"10.0.0.1", kMac1}, {"10.0.0.2", "2"}, {"10.0.0.3", kMac1}, {"10.0.0.4", "0x2"}};
+    for (const auto& [address, text] : rows) {
+        EXPECT_TRUE(Find(address));
+        EXPECT_STREQ(mac, text) << address;
+    }
 }
 
 TEST_F(MacByIPTest, AShortLineHasNoHardwareAddress)

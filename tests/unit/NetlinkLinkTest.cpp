@@ -374,6 +374,16 @@ TEST_F(VirtInterTest, IpVlansAreAddedAndDeleted)
                                Info(kIpVlan, "iplink del ipvlan [eth0 : ipvl0] mode 0 flag 0")}));
 }
 
+TEST_F(VirtInterTest, EveryModeAndFlagIsHandedOnWhole)
+{
+    EXPECT_EQ(VirtInter_IpVlanAdd(host, virt, 0x89ab00ff, 0xffff0fff), 0);
+    EXPECT_EQ(VirtInter_MacVlanAdd(host, virt, 0x89ab0f00, 0xffff0fff, 0x80000001, nullptr), 0);
+    EXPECT_EQ(Log(), (LogLines{Info(kIpVlan, "iplink add ipvlan [eth0 : ipvl0] mode 2309685503 "
+                                             "flag 4294905855"),
+                               Info(kMacVlan, "iplink add macvlan [eth0 : ipvl0] mode 2309689088 "
+                                              "flag 4294905855 addrmode 2147483649")}));
+}
+
 TEST_F(VirtInterTest, MacVlansAreAddedAndDeleted)
 {
     EXPECT_EQ(VirtInter_MacVlanAdd(host, virt, 16, 0, 3, mac), 0);

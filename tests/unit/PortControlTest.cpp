@@ -168,20 +168,21 @@ class PortCtrlEnablePortTest : public World {};
 
 TEST_F(PortCtrlEnablePortTest, ADotMakesAnIPv4Address)
 {
-    for (const char* address : {"10.0.0.2", "::ffff:10.0.0.2", ".", "0.0.0.00", "0.0.0.0 "}) {
+    for (const char* address : {"10.0.0.2", "::ffff:10.0.0.2", ".", "0.0.0.00", "0.0.0.0 ", "0.0.0",
+                                "00.0.0.0", "0x0.0.0.0", " 0.0.0.0", "::0.0.0.0"}) {
         EXPECT_TRUE(PortCtrlEnablePort(address, 80));
         EXPECT_EQ(Commands().back(), Rules("iptables", "-D", address, 80));
     }
-    EXPECT_EQ(Commands().size(), 5U);
+    EXPECT_EQ(Commands().size(), 10U);
 }
 
 TEST_F(PortCtrlEnablePortTest, EverythingElseIsIPv6)
 {
-    for (const char* address : {"fd00::2", "::", "", "10", "0:0:0::0"}) {
+    for (const char* address : {"fd00::2", "::", "", "10", "0:0:0::0", "0", "0x0"}) {
         EXPECT_TRUE(PortCtrlEnablePort(address, 80));
         EXPECT_EQ(Commands().back(), Rules("ip6tables", "-D", address, 80));
     }
-    EXPECT_EQ(Commands().size(), 5U);
+    EXPECT_EQ(Commands().size(), 7U);
 }
 
 TEST_F(PortCtrlEnablePortTest, AllAddressesFreeEveryPort)
@@ -232,7 +233,8 @@ protected:
 
 TEST_F(PortCtrlDisablePortTest, ADotMakesAnIPv4Address)
 {
-    for (const char* address : {"10.0.0.2", "::ffff:10.0.0.2", ".", "0.0.0.00", "0.0.0.0 "}) {
+    for (const char* address : {"10.0.0.2", "::ffff:10.0.0.2", ".", "0.0.0.00", "0.0.0.0 ", "0.0.0",
+                                "00.0.0.0", "0x0.0.0.0", " 0.0.0.0", "::0.0.0.0"}) {
         const size_t before = Commands().size();
         EXPECT_TRUE(PortCtrlDisablePort(address, 80));
         EXPECT_EQ(Texts(Commands().end() - 2, Commands().end()), Blocking4(address, 80));
@@ -243,7 +245,7 @@ TEST_F(PortCtrlDisablePortTest, ADotMakesAnIPv4Address)
 
 TEST_F(PortCtrlDisablePortTest, EverythingElseIsIPv6)
 {
-    for (const char* address : {"fd00::2", "::", "", "10", "0:0:0::0"}) {
+    for (const char* address : {"fd00::2", "::", "", "10", "0:0:0::0", "0", "0x0"}) {
         EXPECT_TRUE(PortCtrlDisablePort(address, 80));
         EXPECT_EQ(Texts(Commands().end() - 2, Commands().end()), Blocking6(address, 80));
     }

@@ -10,6 +10,7 @@
 #include <climits>
 #include <cstring>
 #include <functional>
+#include <sys/wait.h>
 
 using namespace fake;
 
@@ -39,6 +40,9 @@ TEST_F(CheckSumTest, AnOddByteIsALowHalf)
 {
     EXPECT_EQ(SumOf({0x01}), static_cast<uint16_t>(~0x0001));
     EXPECT_EQ(SumOf({0x12, 0x34, 0x56}), static_cast<uint16_t>(~(0x3412 + 0x0056)));
+    for (const uint8_t last : {0x7F, 0x80, 0xFF}) {
+        EXPECT_EQ(SumOf({0x12, 0x34, last}), static_cast<uint16_t>(~(0x3412 + last))) << int{last};
+    }
 }
 
 TEST_F(CheckSumTest, FoldsACarryIn)
@@ -72,6 +76,20 @@ TEST_F(CreateICMPPacketTest, WritesAnEchoRequestOfThisProcess)
         EXPECT_EQ(packet, EchoRequest(size));
     }
     EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(CreateICMPPacketTest, AChildAsksUnderItsOwnNumber)
+{
+    Bytes packet(28);
+    EXPECT_TRUE(CreateICMPPacket(packet.data(), 28));
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool made = CreateICMPPacket(packet.data(), 28);
+        _exit(made && packet == EchoRequest(28) ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(CreateICMPPacketTest, ItsCheckSumHolds)

@@ -65,6 +65,13 @@ TEST_F(BindToDeviceTest, CutsALongName)
     EXPECT_EQ(Trace(), (Texts{BindsTo("abcdefghijklmno")}));
 }
 
+/// To the kernel that means no card: a socket that was bound is free again.
+TEST_F(BindToDeviceTest, AnEmptyNameIsHandedOverToo)
+{
+    (void)BindToDevice(kSocket, "");
+    EXPECT_EQ(Trace(), (Texts{BindsTo("")}));
+}
+
 TEST_F(BindToDeviceTest, ARefusalIsLogged)
 {
     EXPECT_FALSE(BindToDevice(kSocket, "eth9"));

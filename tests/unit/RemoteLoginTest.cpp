@@ -50,6 +50,10 @@ TEST_F(SetSSHStatusTest, NothingButTheFlagCounts)
     info.openDuration = 60;
     EXPECT_EQ(SetSSHStatus(&info), 0);
     EXPECT_EQ(Commands(), (Texts{kStop}));
+    info = SSHInfo{};  // no port, no duration
+    info.enable = 1;
+    EXPECT_EQ(SetSSHStatus(&info), 0);
+    EXPECT_EQ(Commands(), (Texts{kStop, kStart}));
 }
 
 TEST_F(SetSSHStatusTest, WhatBecameOfTheDaemonIsNotAsked)

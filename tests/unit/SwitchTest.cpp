@@ -237,6 +237,18 @@ TEST_F(Switch_GetSwitchPortInfoTest, NoPortsAreAskedForAgain)
     EXPECT_EQ(sent.size(), 2U);
 }
 
+TEST_F(Switch_GetSwitchPortInfoTest, ASwitchWithoutPortsReplacesTheNumberOfAnother)
+{
+    kernel.At("eth2").chip->ports.clear();
+    int num = kUntouched;
+    EXPECT_TRUE(Switch_GetSwitchPortInfo("eth1", &num, nullptr));
+    EXPECT_TRUE(Switch_GetSwitchPortInfo("eth2", &num, nullptr));
+    EXPECT_EQ(num, 0);
+    EXPECT_TRUE(Switch_GetSwitchPortInfo("eth1", &num, nullptr));
+    EXPECT_EQ(num, 3);
+    EXPECT_EQ(sent.size(), 3U);
+}
+
 TEST_F(Switch_GetSwitchPortInfoTest, ALongerNameIsNotTheOneThatWasKept)
 {
     kernel.Add("fifteen-letters").chip = SwitchChip{std::vector<SwitchPort>(4)};
