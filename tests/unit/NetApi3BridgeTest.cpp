@@ -106,6 +106,15 @@ TEST_F(CreateNetBridgeTest, TakesAnExistingBridgeAsItIsAndSavesTheListAllTheSame
     Forget(bridge);
 }
 
+TEST_F(CreateNetBridgeTest, AnExistingBridgeNeedsNoList)
+{
+    Run();
+    ASSERT_EQ(Create(kBridge, nullptr, 2), 0);
+    EXPECT_EQ(Get(kTreeFile), "BRIDGES = 0\n");
+    EXPECT_EQ(Log().back(), Warn(kTold, "save SSIF config failed"));
+    Forget(bridge);
+}
+
 TEST_F(CreateNetBridgeTest, EachSlotHoldsItsOperationAndTheOthersNull)
 {
     CreateOfExisting();
@@ -293,6 +302,19 @@ TEST_F(BridgeReferenceTest, AReleasedObjectIsLeftAlone)
     EXPECT_EQ(BrDelRef(&released), 0);
     EXPECT_EQ(Log(), LogLines{Warn("BrDelRef", "NetBridge has been released")});
     ExpectUntouched();
+}
+
+TEST_F(BridgeReferenceTest, ACountIsAnUnsignedNumber)
+{
+    CreateOfExisting();
+    auto* const count = reinterpret_cast<uint32_t*>(static_cast<char*>(bridge->priv) + 32);
+    *count = 0x80000001U;
+    EXPECT_EQ(bridge->release(bridge), INT32_MIN);
+    EXPECT_EQ(bridge->addRef(bridge), 0);
+    EXPECT_EQ(*count, 0x80000001U);
+    EXPECT_EQ(Log(), LogLines{});
+    EXPECT_EQ(Commands(), Lines{});
+    Forget(bridge);
 }
 
 TEST_F(BridgeReferenceTest, NullIsToldInTheLog)

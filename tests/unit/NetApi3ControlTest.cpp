@@ -226,6 +226,25 @@ TEST_F(CreateNetControlTest, ReferencesAreCountedUnderTheLock)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+/// What an application has released too often is still whole: an object goes at the count of 0,
+/// and at no other.
+TEST_F(CreateNetControlTest, ACountBelowZeroFreesNothing)
+{
+    // As the private part lies: the descriptor's copy, the count, the lock.
+    auto* const count =
+        reinterpret_cast<int*>(static_cast<char*>(control->priv) + sizeof(QV_PAL_NetControlDesc));
+    ASSERT_EQ(*count, 1);
+    const size_t blocks = HeapBlocks();
+    for (const int before : {0, -1, -5}) {
+        *count = before;
+        EXPECT_EQ(control->release(control), before - 1);
+        EXPECT_EQ(*count, before - 1);
+        EXPECT_EQ(control->addRef(control), before);
+        EXPECT_EQ(HeapBlocks(), blocks);
+    }
+    *count = 1;
+}
+
 TEST_F(CreateNetControlTest, NullIsRefusedInSilence)
 {
     QV_PAL_NetControlDesc desc{};
@@ -339,6 +358,7 @@ TEST_F(ControlPowerTest, NoPlaceAndNoObjectAreRefusedInSilence)
     EXPECT_EQ(control->getPoEPowerInfo(nullptr, &info), -1);
     EXPECT_EQ(asked, Texts{});
     EXPECT_EQ(control->getPoEPowerInfo(control, nullptr), -1);
+    EXPECT_EQ(asked, Texts{"GetPoEPowerInfo"});  // the device is asked first
     EXPECT_EQ(Log(), LogLines{});
 }
 

@@ -280,6 +280,26 @@ TEST_F(CreateNetInterfaceTest, TheThirtyThirdNameIsRefusedAndTheOthersStay)
     EXPECT_EQ(object, objects[31]);
 }
 
+/// What was allocated goes under the registry's lock, and the last line comes behind it.
+TEST_F(CreateNetInterfaceTest, AnObjectThatFindsNoPlaceIsFreedThenUnlockedThenTold)
+{
+    for (int i = 0; i < 32; ++i) {
+        ASSERT_EQ(insertNode(("eth" + std::to_string(100 + i)).c_str(), kNone), i);
+    }
+    size_t blocks = 99;
+    size_t lines = 99;
+    OnCall("calloc", [&] {
+        OnCall("mutex unlock", [&] {
+            blocks = HeapBlocks();
+            lines = Log().size();
+        });
+    });
+    EXPECT_EQ(Create("eth0"), -1);
+    EXPECT_EQ(blocks, 0U);
+    EXPECT_EQ(lines, 1U);  // the registry's own
+    EXPECT_EQ(Log().size(), 2U);
+}
+
 TEST_F(CreateNetInterfaceTest, WithoutMemoryNothingIsLeftBehind)
 {
     const char* const messages[] = {"malloc NetInterface error", "malloc NetIfPri error"};

@@ -192,9 +192,10 @@ TEST_F(AddRouteSlotTest, PointToPointLinksZeroToFourAreDirect)
     const struct {
         const char* name;
         const char* gateway;
-    } rows[] = {{"ppp0", kDirect},  {"ppp3", kDirect}, {"ppp4", kDirect},   {"ppp5", kThrough},
-                {"ppp7", kThrough}, {"ppp", kThrough}, {"ppp10", kThrough}, {"pppx", kThrough},
-                {"xppp", kThrough}, {"eth3", kThrough}};
+    } rows[] = {{"ppp0", kDirect},  {"ppp3", kDirect},  {"ppp4", kDirect},   {"ppp5", kThrough},
+                {"ppp7", kThrough}, {"ppp", kThrough},  {"ppp10", kThrough}, {"pppx", kThrough},
+                {"xppp", kThrough}, {"eth3", kThrough}, {"ppp.", kThrough},  {"ppp-", kThrough},
+                {"ppp/", kThrough}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         NetInterface* link = Object(row.name);

@@ -33,6 +33,7 @@ struct Places {
     int32_t number;
     int32_t count;  // capacity of what follows
     unsigned char bytes[kRecords];
+    uint32_t masks[kRecords];
     char names[kRecords][16];
     char* pointers[kRecords];
     NetDataStat stat;
@@ -58,6 +59,7 @@ struct Places {
     NetWorkMode workMode;
     NET_DDNS_CONFIG ddns;
     NetInterface* interface;
+    QV_PAL_NetControl* control;
     NetBridge* bridge;
 };
 
@@ -281,6 +283,73 @@ const Row kVersion2[] = {
      [](auto& at) { return NetGetStaticARPInfoByIP("10.0.0.9", at.neighbours, &at.count); }},
     {"NetGetBandWidth", Nothing,
      [](auto& at) { return NetGetBandWidth("eth0", at.limits2, kRecords); }},
+    {"NetGetBandWidth_NoSuchCard", Nothing,
+     [](auto& at) { return NetGetBandWidth("eth9", at.limits2, kRecords); }},
+    {"NetGetHostIP_TooShort", Nothing,
+     [](auto& at) { return NetGetHostIP(at.text, 16, at.other, 15); }},
+    {"NetGetHostIPEx_TooShort", AddressesThatAreNone,
+     [](auto& at) { return NetGetHostIPEx("eth0", at.text, 15, at.other, 16); }},
+    {"NetGetHostIPEx_AddressWithoutMask", AddressWithoutMask,
+     [](auto& at) { return NetGetHostIPEx("eth0", at.text, 16, at.other, 16); },
+     [](auto& at) { Text(at.text, "10.0.0.2", 16); }},
+    {"NetGetGatewayEx", Nothing, [](auto& at) { return NetGetGatewayEx("eth0", at.text, 16); }},
+    {"NetGetGatewayEx_TooShort", AddressesThatAreNone,
+     [](auto& at) { return NetGetGatewayEx("eth0", at.text, 15); }},
+    {"NetGetMAC_TooShort", Nothing, [](auto& at) { return NetGetMAC("eth0", at.text, 17); }},
+    {"NetGetMAC_NoSuchCard", Nothing, [](auto& at) { return NetGetMAC("eth9", at.text, 18); }},
+    {"NetGetMTU_NoSuchCard", Nothing, [](auto& at) { return NetGetMTU("eth9", &at.number); }},
+    {"NetGetHostIPEx6_NoSuchCard", Nothing,
+     [](auto& at) { return NetGetHostIPEx6("eth9", at.text, 46, at.other, 4); }},
+    {"NetGetDNSAddress_TooShort", OneResolver,
+     [](auto& at) { return NetGetDNSAddress(at.text, 15, at.other, 16); }},
+    {"NetGetDNSAddressip6_TooShort", OneResolver,
+     [](auto& at) { return NetGetDNSAddressip6(at.text, 8, at.other, 46); }},
+    {"NetWorkPing_NoAnswer", [] { OnCall("poll", [] { SetClock(2000000); }); },
+     [](auto& at) { return NetWorkPing(&at.ping); }},
+    {"NetGetStats_NoSuchCard", Nothing, [](auto& at) { return NetGetStats("eth9", &at.stats); }},
+    {"NetGetEthName_NoRoom", Nothing,
+     [](auto& at) { return NetGetEthName(at.text, 0, &at.number); }},
+    {"NetGetAllRoute6", [] { Fail("open /proc/net/ipv6_route", EMFILE); },
+     [](auto& at) {
+         at.routes[0].type = 1;
+         return NetGetAllRoute(at.routes, &at.count);
+     },
+     [](auto& at) { at.routes[0].type = 1; }},
+    {"NetGetAllRoute_AnotherFamily", Nothing,
+     [](auto& at) {
+         at.routes[0].type = 7;
+         return NetGetAllRoute(at.routes, &at.count);
+     },
+     [](auto& at) { at.routes[0].type = 7; }},
+    {"NetWorkGetBondMode", [] { Put(kBondFile, "BONDMODE = 9\n"); },
+     [](auto& at) { return NetWorkGetBondMode(&at.number, at.text); }},
+    {"NetWorkGetBondModeEx_NoSuchBond", Nothing,
+     [](auto& at) { return NetWorkGetBondModeEx("bond7", &at.number, at.text); },
+     [](auto& at) { at.number = 0; }, 0},
+    {"NetWorkGetActiveSlaveEx_NoSuchBond", Nothing,
+     [](auto& at) { return NetWorkGetActiveSlaveEx("bond7", at.text, 16) == nullptr ? -1 : 0; }},
+    {"NetGetBondSlaves_NoSuchBond", Nothing,
+     [](auto& at) { return NetGetBondSlaves("bond7", at.pointers, &at.count); }},
+    {"NetIsBondingSlave_NoListing", ListingGone,
+     [](auto& at) { return NetIsBondingSlave("eth0", at.text, 16); }, [](auto&) {}, 0},
+    {"NetWorkGetBridgeInfo", [] { Remove("/sys/class/net/br0"); },
+     [](auto& at) { return NetWorkGetBridgeInfo(at.masks, kRecords); },
+     [](auto& at) { at.masks[0] = 0; }, 0},
+    {"SwitchGetNameEx_TooShort", Nothing, [](auto& at) { return SwitchGetNameEx(at.text, 0); }},
+    {"NetGetSwitchLinkStatus_NoRoom", ASwitchThatTellsItsPortsOnce,
+     [](auto& at) {
+         at.count = 0;
+         return NetGetSwitchLinkStatus("eth3", at.bytes, &at.count);
+     },
+     [](auto& at) { at.count = 0; }},
+    {"NetGetAllStaticARPEntry_NoRoom", Nothing,
+     [](auto& at) {
+         at.count = 0;
+         return NetGetAllStaticARPEntry(at.neighbours, &at.count);
+     },
+     [](auto& at) { at.count = 0; }},
+    {"NetGetDefaultEth_NoTable", [] { Fail("open /proc/net/route", EMFILE); },
+     [](auto& at) { return NetGetDefaultEth(at.text); }},
 };
 
 const Row kVersion3[] = {
@@ -400,6 +469,74 @@ const Row kVersion3[] = {
     {"getDefaultNetInterface_NoGateway", SavedCardWithoutGateway,
      [](auto& at) { return getDefaultNetInterface(at.text, 16); },
      [](auto& at) { Text(at.text, "eth0", 16); }},
+    {"getDefaultNetInterface_NoRoom", SavedCardWithoutGateway,
+     [](auto& at) { return getDefaultNetInterface(at.text, 0); }},
+    {"getHostIP_TooShort", AddressesThatAreNone,
+     [](auto& at) { return card->getHostIP(card, at.text, 16, at.other, 15); }},
+    {"getHostIP_KernelWithoutMask", KernelWithoutMask,
+     [](auto& at) { return card->getHostIP(card, at.text, 16, at.other, 16); },
+     [](auto& at) { strcpy(at.text, "10.0.0.2"); }},
+    {"getRealHostIP_CardGone", CardGone,
+     [](auto& at) { return card->getRealHostIP(card, at.text, 16, at.other, 16); }},
+    {"getGateway_TooShort", AddressesThatAreNone,
+     [](auto& at) { return card->getGateway(card, at.text, 15); }},
+    {"getDataStat_CardGone", CardGone, [](auto& at) { return card->getDataStat(card, &at.stat); }},
+    {"getMAC_TooShort", Nothing, [](auto& at) { return card->getMAC(card, at.text, 17); }},
+    {"getMAC_CardGone", CardGone, [](auto& at) { return card->getMAC(card, at.text, 18); }},
+    {"getDNSAddress", Nothing,
+     [](auto& at) { return card->getDNSAddress(card, at.text, 16, at.other, 16); }},
+    {"getDNSAddress_TooShort", OneResolver,
+     [](auto& at) { return card->getDNSAddress(card, at.text, 16, at.other, 15); }},
+    {"getMTU", CardGone, [](auto& at) { return card->getMTU(card, &at.number); }},
+    {"getBondMembers_NoBond", Nothing,
+     [](auto& at) { return card->getBondMembers(card, at.interfaces, &at.count); }},
+    {"getHostIpv6_AddressWithoutPrefix", [] { Put(kFile60, "HOSTIP = 2001:db8::2\n"); },
+     [](auto& at) { return card->getHostIpv6(card, at.text, 46, at.other, 4); },
+     [](auto& at) { Text(at.text, "2001:db8::2", 46); }},
+    {"getGatewayIpv6", Nothing, [](auto& at) { return card->getGatewayIpv6(card, at.text, 46); }},
+    {"getDNSAddressIpv6", Nothing,
+     [](auto& at) { return card->getDNSAddressIpv6(card, at.text, 46, at.other, 46); }},
+    {"getDNSAddressIpv6_TooShort", OneResolver,
+     [](auto& at) { return card->getDNSAddressIpv6(card, at.text, 46, at.other, 8); }},
+    {"getLinkSpeed_CardGone", CardGone,
+     [](auto& at) { return card->getLinkSpeed(card, &at.number); }},
+    {"getBondMode_NoBond", Nothing, [](auto& at) { return card->getBondMode(card, &at.bondMode); }},
+    {"ipToMac_NoAddress", Nothing,
+     [](auto& at) { return card->ipToMac(card, "here", at.text, 18); }},
+    {"ipToMac_NoTable", [] { Fail("open /proc/net/arp", EMFILE); },
+     [](auto& at) { return card->ipToMac(card, "10.0.0.9", at.text, 18); }},
+    {"ipToMac_TooShort", Nothing,
+     [](auto& at) { return card->ipToMac(card, "10.0.0.9", at.text, 17); }},
+    {"getPoEPowerInfo_NoDevice", Nothing,
+     [](auto& at) { return control->getPoEPowerInfo(control, &at.power3); }},
+    {"getAllRouteInfo6", [] { Fail("open /proc/net/ipv6_route", EMFILE); },
+     [](auto& at) {
+         at.routes3[0].type = 1;
+         return control->getAllRouteInfo(control, at.routes3, &at.count);
+     },
+     [](auto& at) { at.routes3[0].type = 1; }},
+    {"getAllRouteInfo_NoMemory", [] { Fail("calloc", ENOMEM); },
+     [](auto& at) { return control->getAllRouteInfo(control, at.routes3, &at.count); }},
+    {"getAllArpStaticEntry_NoMemory", [] { Fail("calloc", ENOMEM); },
+     [](auto& at) { return control->getAllArpStaticEntry(control, at.neighbours3, &at.count); }},
+    {"getBridgeDevices_NoList", [] { Remove("/sys/class/net/br0/brif"); },
+     [](auto& at) { return bridge->getBridgeDevices(bridge, at.bridgePorts, &at.count); }},
+    {"getInfo_BridgeGone", [] { Remove("/sys/class/net/br0"); },
+     [](auto& at) { return bridge->getInfo(bridge, &at.tree); }},
+    {"createNetInterface_NoMemory", [] { Fail("calloc", ENOMEM, 2); },
+     [](auto& at) {
+         NetInterfaceDesc desc{};
+         desc.name = "eth1";
+         return createNetInterface(&desc, &at.interface);
+     }},
+    {"createNetControl_NoMemory", [] { Fail("calloc", ENOMEM, 2); },
+     [](auto& at) { return createNetControl(nullptr, &at.control); }},
+    {"createNetBridge_NoMemory", [] { Fail("calloc", ENOMEM, 2); },
+     [](auto& at) {
+         NetBrDesc desc{};
+         desc.name = "br0";
+         return createNetBridge(&desc, &at.bridge);
+     }},
 };
 
 /// A device on which nothing is saved, with the objects of a card, a bond and a bridge.
