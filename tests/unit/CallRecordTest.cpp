@@ -12,6 +12,7 @@
 #include "CommonApi.h"
 #include "Config.h"
 #include "Dns.h"
+#include "NetApi3_0.h"
 #include "Netlink.h"
 #include "Network.h"
 #include "Network6.h"
@@ -348,6 +349,26 @@ INSTANTIATE_TEST_SUITE_P(
                  {"mutex lock", "open /proc/net/arp O_RDONLY",
                   "fcntl F_SETFD FD_CLOEXEC /proc/net/arp", "mutex unlock",
                   "Error|Other_GetMacByIP|can not find this mac by ip 10.0.0.9"}},
+        Recorded{"Telnet",
+                 [] {
+                     Put("/tmp/telnet", "off");
+                     NetInterface object{};
+                     TelnetInfo wish{};
+                     wish.enable = 1;
+                     (void)API3_setTelnet(&object, &wish);
+                 },
+                 {"open /tmp/telnet O_RDWR|O_CREAT 0700", "fstat /tmp/telnet", "lstat /tmp/telnet",
+                  "write /tmp/telnet 3", "close /tmp/telnet"}},
+        Recorded{"SpanningTree",
+                 [] {
+                     Put("/proc/stp_ctrl", "");
+                     NetInterface object{};
+                     STPInfo info{};
+                     (void)API3_setSTP(&object, &info);
+                     (void)API3_setSTP(&object, &info);
+                 },
+                 {"open /proc/stp_ctrl O_RDWR", "fcntl F_SETFD FD_CLOEXEC /proc/stp_ctrl",
+                  "write /proc/stp_ctrl 3", "write /proc/stp_ctrl 3"}},
         Recorded{
             "Power",
             [] {

@@ -7,9 +7,12 @@
 
 #include "Lanrise.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <set>
 #include <sstream>
+#include <sys/stat.h>
+#include <tuple>
 
 using namespace fake;
 
@@ -107,11 +110,68 @@ TEST_F(BackupPoEConfigTest, ALinkThatFailsIsPrintedAndTheWalkGoesOn)
     EXPECT_EQ(Names(), (NameSet{"networketh0:poe", "networkpoe1"}));
 }
 
+TEST_F(BackupPoEConfigTest, ANameIsPrintedBeforeItIsLookedForAndLinked)
+{
+    for (const auto& [name, target, printed] :
+         {std::tuple{"networketh0:poe", "networkpoe0", "backupName2: networkpoe0\n"},
+          std::tuple{"networkpoe7", "networketh7:poe", "backupName: networketh7:poe\n"}}) {
+        PutFile(name);
+        Texts before;
+        OnCall("access " + std::string(target), [&] { before.push_back(PlainOutput()); });
+        OnCall("link", [&] { before.push_back(PlainOutput()); });
+        Fail("link", EPERM);
+        EXPECT_EQ(BackupPoEConfig(), 0);
+        EXPECT_EQ(before, (Texts{printed, printed}));
+        EXPECT_EQ(PlainOutput(), printed + ("link config file failed, (" + std::string(name)) +
+                                     " --> " + target + "), [Operation not permitted]\n");
+        Remove(std::string(kFolder) + name);
+        ClearLog();
+    }
+}
+
+TEST_F(BackupPoEConfigTest, ANameThatIsThereIsToldBehindIt)
+{
+    MakeFolder(std::string(kFolder) + "networkpoe0");  // no file, but the name is taken
+    PutFile("networketh0:poe");
+    EXPECT_EQ(BackupPoEConfig(), 0);
+    EXPECT_EQ(PlainOutput(), "backupName2: networkpoe0\nnetworkpoe0 exit at[1419]!\n");
+    ClearLog();
+    Remove(std::string(kFolder) + "networketh0:poe");
+    MakeFolder(std::string(kFolder) + "networketh5:poe");
+    PutFile("networkpoe5");
+    EXPECT_EQ(BackupPoEConfig(), 0);
+    EXPECT_EQ(PlainOutput(), "backupName: networketh5:poe\nnetworketh5:poe exit at[1441]!\n");
+}
+
+TEST_F(BackupPoEConfigTest, FilesAreTakenInTheFoldersOrder)
+{
+    for (const char* name : {"networketh0:poe", "networkpoe1", "networketh2:poe", "network",
+                             "networkpoe3", "networketh9:poe", "networkpoe4"}) {
+        PutFile(name);
+    }
+    FailAll("link", EPERM);  // the folder stays as it is
+    std::string wanted;
+    for (const auto& entry : fs::directory_iterator(Mapped(kFolder))) {
+        const std::string name = entry.path().filename();
+        if (name == "network") continue;
+
+        const bool isCards = name.rfind("networketh", 0) == 0;
+        const std::string target =
+            isCards ? "networkpoe" + name.substr(10, 1) : "networketh" + name.substr(10) + ":poe";
+        wanted += (isCards ? "backupName2: " : "backupName: ") + target +
+                  "\nlink config file failed, (" + name + " --> " + target +
+                  "), [Operation not permitted]\n";
+    }
+    EXPECT_EQ(BackupPoEConfig(), 0);
+    EXPECT_EQ(PlainOutput(), wanted);
+}
+
 TEST_F(BackupPoEConfigTest, OtherFilesArePassedOver)
 {
-    const NameSet names = {"network",      "network1",     "networketh2",      "networkpoe",
-                           "networkip6",   "xnetworkpoe0", "networkbond0:poe", "eth0:poe",
-                           "poeMode.conf", "networkpo0"};
+    const NameSet names = {"network",      "network1",         "networketh2",      "networkpoe",
+                           "networkip6",   "xnetworkpoe0",     "networkbond0:poe", "eth0:poe",
+                           "poeMode.conf", "xnetworketh0:poe", "networketh0:POE",  "networketh0poe",
+                           ":poe",         "networketh0.poe",  "Networkpoe0",      "networkpo0"};
     for (const std::string& name : names) PutFile(name);
     EXPECT_EQ(BackupPoEConfig(), 0);
     EXPECT_EQ(PlainOutput(), "");
@@ -123,6 +183,10 @@ TEST_F(BackupPoEConfigTest, OtherKindsOfEntriesArePassedOver)
     MakeFolder(std::string(kFolder) + "networketh0:poe");
     MakeFolder(std::string(kFolder) + "networkpoe1");
     fs::create_symlink("nowhere", Mapped((std::string(kFolder) + "networkpoe2").c_str()));
+    PutFile("network");
+    fs::create_symlink("network", Mapped((std::string(kFolder) + "networkpoe3").c_str()));
+    fs::create_symlink("network", Mapped((std::string(kFolder) + "networketh4:poe").c_str()));
+    ASSERT_EQ(mkfifo(Mapped((std::string(kFolder) + "networkpoe5").c_str()).c_str(), 0600), 0);
     EXPECT_EQ(BackupPoEConfig(), 0);
     EXPECT_EQ(PlainOutput(), "");
 }
@@ -169,6 +233,30 @@ TEST_F(BackupPoEConfigTest, LongNamesAreCut)
     Fail("link", EPERM);
     EXPECT_EQ(BackupPoEConfig(), 0);
     EXPECT_EQ(*Printed().begin(), "backupName: networketh" + card.substr(0, 52));
+}
+
+TEST_F(BackupPoEConfigTest, SixtyTwoCharactersAreTheLongestTarget)
+{
+    for (const size_t length : {51U, 52U, 53U, 54U}) {
+        const std::string card(length, 'x');
+        const std::string name = "networketh" + card + ":poe";
+        PutFile(name);
+        ClearLog();
+        Fail("link", EPERM);
+        EXPECT_EQ(BackupPoEConfig(), 0);
+        EXPECT_EQ(*Printed().begin(), "backupName2: networkpoe" + card.substr(0, 52));
+        Remove(std::string(kFolder) + name);
+    }
+    for (const size_t length : {47U, 48U, 49U, 51U, 52U, 53U}) {
+        const std::string card(length, 'x');
+        PutFile("networkpoe" + card);
+        ClearLog();
+        Fail("link", EPERM);
+        EXPECT_EQ(BackupPoEConfig(), 0);
+        EXPECT_EQ(*Printed().begin(),
+                  "backupName: " + ("networketh" + card + ":poe").substr(0, 62));
+        Remove(std::string(kFolder) + "networkpoe" + card);
+    }
 }
 
 TEST_F(BackupPoEConfigTest, AFolderThatCannotBeOpenedIsAFailure)
