@@ -405,6 +405,20 @@ TEST_F(GetAllInterfaceInfoTest, ABadSavedModeIsToldAndTheDriverAsked)
     EXPECT_EQ(Log(), (LogLines{Error("NetSwitch_GetNetCardMode", "mode error 3 3")}));
 }
 
+TEST_F(GetAllInterfaceInfoTest, ACardOfAnyKindMayHaveASecondEntry)
+{
+    const Texts cards = {"eth0.5", "bond0", "br0", "usb0", "ppp0", "xlte"};
+    AddCards(cards);
+    std::string modes;
+    Texts both;
+    for (const std::string& card : cards) {
+        modes += card + " = 2\n";
+        both.insert(both.end(), {card, card + ":poe"});
+    }
+    Put(kModeFile, modes);
+    EXPECT_EQ(List(), both);
+}
+
 TEST_F(GetAllInterfaceInfoTest, TheSecondEntryIsBoundedBy16Bytes)
 {
     const Texts cards = {"eth-eleven1", "eth-twelve-1", "eth-fourteen-a", "eth-fifteen-abc"};

@@ -85,6 +85,18 @@ TEST_F(BondMembersLayersTest, NoRoomAtAllIsASuccessWithoutNames)
     EXPECT_EQ(Log(), LogLines{Warn("API3_GetBondMember", "NetInterfaceInfo list is too small")});
 }
 
+TEST_F(BondMembersLayersTest, WhateverNumberIsSavedIsTold)
+{
+    for (const auto& [saved, mode] : {std::pair{"7", 7}, {"99", 99}, {"4294967295", -1}}) {
+        Put(CardFile("bond0"), "BONDMODE = " + std::string(saved) + "\n");
+        NetInterfaceInfo list[2];
+        int num = 2;
+        EXPECT_EQ(bond->getBondMembers(bond, list, &num), 0);
+        EXPECT_EQ(list[0].bond, mode) << saved;
+    }
+    EXPECT_EQ(Log(), LogLines{});
+}
+
 TEST_F(BondMembersLayersTest, EachFailureIsToldAndOnlyTheModeIsGuessed)
 {
     static NetInterfaceInfo list[2];
