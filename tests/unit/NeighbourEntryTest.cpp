@@ -461,7 +461,7 @@ TEST_P(StaticListingTest, WhatAShortLineDoesNotHoldIsOfTheLineBefore)
 TEST_P(StaticListingTest, ALongTableIsReadToItsEnd)
 {
     kernel.neighbours.clear();
-    for (int i = 0; i < 500; ++i) kernel.neighbours.push_back({"10.0.0.7", kMac2, "eth0", 2});
+    for (int i = 0; i < 3000; ++i) kernel.neighbours.push_back({"10.0.0.7", kMac2, "eth0", 2});
     kernel.neighbours.push_back({"10.0.0.7", kMac1, "eth1", 6});
     EXPECT_TRUE(List(8));
     EXPECT_EQ(listed, (Texts{"10.0.0.7 00:11:22:33:44:55 eth1"}));

@@ -138,10 +138,10 @@ TEST_P(NeighbourLookupTest, ReadsUnderItsLock)
     EXPECT_EQ(Trace().back(), "mutex unlock");
 }
 
-TEST_P(NeighbourLookupTest, FindsTheLastOfFiveHundred)
+TEST_P(NeighbourLookupTest, FindsTheLastOfThousands)
 {
     kernel.neighbours.clear();
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < 3000; ++i) {
         char mac[18];
         snprintf(mac, sizeof(mac), "06:00:00:00:%02x:%02x", i / 256, i % 256);
         const std::string ip = "10.1." + std::to_string(i / 256) + "." + std::to_string(i % 256);
