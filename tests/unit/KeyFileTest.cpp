@@ -290,6 +290,27 @@ TEST_F(FileLockTest, AGuardKnowsItsFileAndReleasesAtTheEndOfItsScope)
     EXPECT_EQ(HeldMutexes(), 0);
 }
 
+// ---- a process that only looks
+
+class LookOnlyTest : public World {};
+
+TEST_F(LookOnlyTest, ReadsWithoutALockAndWritesNothing)
+{
+    Put(kFile, "MTU = 1500\n");
+    vorlix::LookOnly();
+    char value[8] = {};
+    EXPECT_TRUE(GetValueByKey(kFile, "MTU", value, sizeof(value)));
+    EXPECT_STREQ(value, "1500");
+    EXPECT_FALSE(SetValueByKey(kFile, "MTU", "1400"));
+    EXPECT_FALSE(SetValueByKey(In("network").c_str(), "MTU", "1400"));
+    EXPECT_EQ(Get(kFile), "MTU = 1500\n");
+    EXPECT_FALSE(Exists(In("network")));
+    EXPECT_EQ(TraceOf({"open", "fopen", "fcntl"}),
+              Texts{"open " + std::string(kFile) + " O_RDONLY"});
+    EXPECT_EQ(HeldMutexes(), 0);
+    EXPECT_EQ(Log(), LogLines{});
+}
+
 // ---- checkIsRegFile
 
 class CheckIsRegFileTest : public World {};
