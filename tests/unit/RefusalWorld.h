@@ -97,7 +97,11 @@ inline std::string Outcome(const Operation& operation, const std::vector<Refusal
         for (const std::string& step : Steps()) text += step + "\n";
         text = Replaced(text, given.name, "<name>");
         text = Replaced(text, given.address, "<address>");
-        snprintf(mail, 1 << 20, "%s", Replaced(text, ":" + given.mask, ":<mask>").c_str());
+        for (const char* before : {":", ",", " "}) {
+            text = Replaced(text, before + given.mask, before + std::string("<mask>"));
+            text = Replaced(text, before + given.gateway, before + std::string("<gateway>"));
+        }
+        snprintf(mail, 1 << 20, "%s", text.c_str());
         fflush(nullptr);
         _exit(0);
     }
