@@ -447,4 +447,57 @@ TEST_F(TC_DelConfigTest, AFailureOfAnyCallEmptiesTheFileOrFails)
                  });
 }
 
+// ---- what is seen under the lock
+
+class LimitsLockTest : public World {
+protected:
+    /// Place of the first entry of the timeline that holds the text.
+    static size_t PlaceOf(const std::string& text)
+    {
+        const Texts entries = Timeline();
+        size_t place = 0;
+        while (place < entries.size() && entries[place].find(text) == std::string::npos) ++place;
+        EXPECT_LT(place, entries.size()) << text;
+        return place;
+    }
+};
+
+TEST_F(LimitsLockTest, AFileThatCannotBeOpenedIsToldBeforeTheLockIsGivenBack)
+{
+    NetTc limit = Limit("10.0.0.2", 8);
+    int count = 1;
+    const std::vector<std::function<bool()>> operations = {
+        [&] { return TC_GetFromConfig("eth0", &limit, &count); },
+        [&] { return TC_SaveToConfig("eth0", limit); }, [&] { return TC_DelConfig("eth0"); }};
+    for (const auto& operation : operations) {
+        Put(kLimits0, "");
+        FailAll(std::string("fopen ") + kLimits0, EACCES);
+        ClearTrace();
+        EXPECT_FALSE(operation());
+        EXPECT_LT(PlaceOf("Error|TC_"), PlaceOf("F_UNLCK"));
+        EXPECT_LT(PlaceOf("F_UNLCK"), PlaceOf("mutex unlock net_config_Lock"));
+    }
+    EXPECT_EQ(count, 1);
+}
+
+TEST_F(LimitsLockTest, TheCountIsToldBeforeTheLockIsGivenBack)
+{
+    static int count;
+    NetTc limits[4];
+    EXPECT_TRUE(TC_SaveToConfig("eth0", Limit("10.0.0.2", 8)));
+    count = 4;
+    OnCall("fcntl F_SETLKW F_UNLCK", [] { EXPECT_EQ(count, 1); });
+    EXPECT_TRUE(TC_GetFromConfig("eth0", limits, &count));
+}
+
+TEST_F(LimitsLockTest, ALineThatIsWrittenInPartIsAnError)
+{
+    for (const size_t part : {size_t{0}, size_t{1}, size_t{100}}) {
+        ClearLog();
+        Shorten(std::string("fwrite ") + kLimits0, part);
+        EXPECT_FALSE(TC_SaveToConfig("eth0", Limit("10.0.0.2", 8))) << part;
+        EXPECT_EQ(LogOf("TC_SaveToConfig").size(), 1U) << part;
+    }
+}
+
 }  // namespace

@@ -298,6 +298,14 @@ TEST_F(TC_DeinitDevTest, AFailureOfAnyCallIsToldByTheResult)
         });
 }
 
+TEST_F(TC_DeinitDevTest, ANameWithACommaTakesTheCommaOfTheListWithIt)
+{
+    Init({"eth0", ",eth1"});
+    EXPECT_EQ(ListOfCards(), ",eth0,,eth1");
+    EXPECT_TRUE(TC_DeinitDev(",eth1"));
+    EXPECT_EQ(ListOfCards(), ",eth0");
+}
+
 // ---- TC_SetSendBand
 
 class TC_SetSendBandTest : public World {};
@@ -329,6 +337,19 @@ TEST_F(TC_SetSendBandTest, NumbersGoOnByTenOverAllCards)
     (void)NewCommands();
     EXPECT_TRUE(TC_SetSendBand("eth0", limit));
     EXPECT_EQ(NewCommands(), Join({RootCommands("eth0"), LimitCommands("eth0", limit, 40)}));
+}
+
+TEST_F(TC_SetSendBandTest, NumbersGoOnBeyondAThousandLimits)
+{
+    Init({"eth0"});
+    const NetTc limit = Limit("10.0.0.2", 8);
+    for (int number = 10; number <= 10020; number += 10) {
+        ClearTrace();
+        EXPECT_TRUE(TC_SetSendBand("eth0", limit));
+        if (number < 9980) continue;
+        const Texts commands = Commands();
+        EXPECT_EQ(Texts(commands.end() - 3, commands.end()), LimitCommands("eth0", limit, number));
+    }
 }
 
 TEST_F(TC_SetSendBandTest, TheRateGoesOutAsItStands)
