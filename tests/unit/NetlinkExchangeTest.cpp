@@ -235,6 +235,24 @@ TEST_F(RtnlTalkTest, TheAnswerMayStandBehindOtherMessages)
               (LogLines{Says("unexpected reply!"), Says("unexpected reply!")}));
 }
 
+TEST_F(RtnlTalkTest, EveryMessageButTheAnswerIsUnexpected)
+{
+    // Nothing, the end of a listing, an overrun, a link.
+    for (const char* type : {"0100", "0300", "0400", "1000"}) {
+        EXPECT_EQ(After({Arrives(Told("10000000 " + std::string(type), "") + Done())}, 0),
+                  LogLines{Says("unexpected reply!")})
+            << type;
+        handle.seq = static_cast<uint32_t>(kNow);
+    }
+}
+
+TEST_F(RtnlTalkTest, OnlyAPieceThatWasCutIsATruncatedOne)
+{
+    Datagram piece = Arrives("0000 0000 0000 0000 0000 0000");
+    piece.flags = MSG_CTRUNC | MSG_EOR;
+    EXPECT_EQ(After({piece, Arrives(Done())}, 0), LogLines{Says("remnant of size 12!")});
+}
+
 TEST_F(RtnlTalkTest, NothingBehindTheAnswerIsLookedAt)
 {
     EXPECT_EQ(After({Arrives(Done() + Word("efffffff") + "aabbcc")}, 0), LogLines{});
