@@ -10,8 +10,33 @@
 #include "Lanrise.h"
 
 #include <algorithm>
+#include <cstring>
+
+#include <arpa/inet.h>
 
 using namespace fake;
+
+namespace {
+
+// Addresses that cannot be turned into text.
+std::vector<uint32_t> unprintable;
+
+}  // namespace
+
+extern "C" {
+
+const char* __real_inet_ntop(int, const void*, char*, socklen_t);
+
+const char* __wrap_inet_ntop(int family, const void* address, char* text, socklen_t size)
+{
+    uint32_t value = 0;
+    memcpy(&value, address, sizeof(value));
+    const bool fails =
+        std::find(unprintable.begin(), unprintable.end(), value) != unprintable.end();
+    return fails ? nullptr : __real_inet_ntop(family, address, text, size);
+}
+
+}  // extern "C"
 
 namespace {
 
@@ -77,6 +102,25 @@ TEST_F(BootNameTest, ABondFromSixteenOnIsNotSettled)
     }
 }
 
+TEST_F(BootNameTest, ABondThatIsNoneIsNotLookedForAmongTheInterfaces)
+{
+    Save({"eth1"}, {"BONDED = 1", "BONDNAME = lan0"});
+    List({"eth1", "lan0"});
+    EXPECT_TRUE(CheckBondConfig());
+    EXPECT_EQ(LogOf("FindWordInLine"), LogLines{});
+    EXPECT_NE(Get(CardFile("eth1")).find("BONDED = 0"), std::string::npos);
+}
+
+TEST_F(BootNameTest, BridgesWithoutAClaimGoAlsoWhereTheFolderCannotBeListed)
+{
+    for (const char* bridge : {"br0", "br3", "br31"}) Save({bridge}, {"BRIDGEMEMBERS = eth1,eth2"});
+    List({"eth1", "eth2"});
+    FailAll("opendir /mnt/mtd/Config", EACCES);
+    EXPECT_TRUE(CheckBridgeConfig());
+    FailNothing();
+    for (const char* bridge : {"br0", "br3", "br31"}) EXPECT_FALSE(Exists(CardFile(bridge)));
+}
+
 // ---- building
 
 class BuiltBondTest : public World {
@@ -131,6 +175,15 @@ TEST_F(BuiltBondTest, WithoutAListGetsItsHashPolicyBeforeTheErrorAndNoPause)
                      "Error|DoBondStuff|GetBondMemberByConfig failed.[bond0]"}));
 }
 
+TEST_F(BootNameTest, ABridgeThatIsThereIsBuiltAgain)
+{
+    SetBridgePorts("br0", {"eth1", "eth2"});
+    Save({"br0"}, {"BRIDGEMEMBERS = eth1,eth2"});
+    List({"eth1", "eth2", "br0"});
+    EXPECT_TRUE(DoBridgeStuff());
+    EXPECT_EQ(TraceOf({"command brctl"}).size(), 3U);
+}
+
 // ---- routes
 
 class BootRouteTest : public World {
@@ -180,6 +233,61 @@ TEST_F(BootRouteTest, AMemberThatHasLeftItsBondHasItsOwnAgain)
     addAllCardNetRoute();
     const Texts routes = Routes();
     EXPECT_EQ(std::count(routes.begin(), routes.end(), "10.0.0.0/255.0.0.0 eth1"), 1);
+}
+
+TEST_F(BootRouteTest, AMemberIsToldByItsWholeName)
+{
+    Save({"eth1", "eth10", "eth2", "eth20"}, address);
+    SetBondMembers("bond0", "eth10 eth2\n");
+    List({"eth1", "eth10", "eth2", "eth20", "bond0"});
+    addAllCardNetRoute();
+    const Texts routes = Routes();
+    for (const std::string card : {"eth1", "eth10", "eth2", "eth20"}) {
+        const bool stands = card == "eth1" || card == "eth20";
+        EXPECT_EQ(std::count(routes.begin(), routes.end(), "10.0.0.0/255.0.0.0 " + card),
+                  stands ? 1 : 0)
+            << card;
+    }
+}
+
+TEST_F(BootRouteTest, BondsAndBridgesHaveThirtyTwoMembersEach)
+{
+    std::string bonded;
+    std::vector<std::string> bridged;
+    for (int i = 0; i < 20; ++i) {
+        bonded += "eth" + std::to_string(i) + " ";
+        bridged.push_back("lan" + std::to_string(i));
+    }
+    SetBondMembers("bond0", bonded + "\n");
+    SetBridgePorts("br0", bridged);
+    Save({"eth19", "lan19", "bond0", "br0"}, address);
+    List({"eth19", "lan19", "bond0", "br0"});
+    addAllCardNetRoute();
+    EXPECT_EQ(TraceOf({"ioctl SIOCADDRT"}).size(), 2U);  // of the bond and the bridge
+}
+
+TEST_F(BootRouteTest, ThePartsAreTurnedIntoTextInTheirOrderUpToAFailure)
+{
+    kernel.Add("eth0");
+    const std::vector<std::pair<const char*, uint32_t>> parts = {
+        {"addr", inet_addr("10.9.0.0")},
+        {"mask", inet_addr("255.255.0.0")},
+        {"gateway", inet_addr("10.0.0.1")}};
+    for (size_t part = 0; part < parts.size(); ++part) {
+        kernel.routes = {{"10.9.0.0", "10.0.0.1", "255.255.0.0", "eth0"}};
+        unprintable = {};
+        for (size_t other = part; other < parts.size(); ++other) {
+            unprintable.push_back(parts[other].second);
+        }
+        ClearLog();
+        removeAllRoute();
+        unprintable = {};
+        EXPECT_EQ(Log(),
+                  LogLines{Info("removeAllRoute",
+                                std::string(parts[part].first) + " inet_ntop error[" +
+                                    std::to_string(static_cast<int>(parts[part].second)) + "]\n")});
+        EXPECT_EQ(kernel.routes.size(), 1U);
+    }
 }
 
 TEST_F(BootRouteTest, AMaskOfZeroIsANetOfAll)

@@ -155,6 +155,24 @@ TEST_P(NumberedCardsTest, MoreThanEightAreTooMany)
                             "the " + GetParam().kind + " num we can handle is too small 8")});
 }
 
+TEST_P(NumberedCardsTest, EightAreToldAsTooManyToo)
+{
+    std::vector<std::string> cards;
+    for (int i = 0; i < 8; ++i) cards.push_back(Name(i));
+    List(cards);
+    EXPECT_TRUE(GetParam().check());
+    EXPECT_EQ(LogOf(GetParam().operation).size(), 1U);
+}
+
+TEST_P(NumberedCardsTest, AnAddressThatCannotBeSavedDoesNotKeepTheGatewayBack)
+{
+    List({Name(0)});
+    Put(CardFile(Name(0)), "MTU = 1500\n");
+    Fail("fopen " + CardFile(Name(0)) + " r+", EIO);
+    EXPECT_TRUE(GetParam().check());
+    EXPECT_NE(Get(CardFile(Name(0))).find("GATEWAYIP = "), std::string::npos);
+}
+
 TEST_P(NumberedCardsTest, SevenAreNot)
 {
     std::vector<std::string> cards;

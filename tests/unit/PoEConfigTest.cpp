@@ -89,6 +89,10 @@ TEST_F(BackupPoEConfigTest, ATargetThatIsThereIsLeftAlone)
     EXPECT_EQ(BackupPoEConfig(), 0);
     EXPECT_EQ(Printed(), (Lines{"backupName2: networkpoe0", "networkpoe0 exit at[1419]!",
                                 "backupName: networketh0:poe", "networketh0:poe exit at[1441]!"}));
+    for (const char* both : {"backupName2: networkpoe0\nnetworkpoe0 exit at[1419]!\n",
+                             "backupName: networketh0:poe\nnetworketh0:poe exit at[1441]!\n"}) {
+        EXPECT_NE(PlainOutput().find(both), std::string::npos) << both;
+    }
     EXPECT_EQ(Get(std::string(kFolder) + "networketh0:poe"), "networketh0:poe");
     EXPECT_EQ(Get(std::string(kFolder) + "networkpoe0"), "networkpoe0");
     EXPECT_EQ(TraceOf({"link"}), std::vector<std::string>{});
@@ -168,10 +172,12 @@ TEST_F(BackupPoEConfigTest, FilesAreTakenInTheFoldersOrder)
 
 TEST_F(BackupPoEConfigTest, OtherFilesArePassedOver)
 {
-    const NameSet names = {"network",      "network1",         "networketh2",      "networkpoe",
-                           "networkip6",   "xnetworkpoe0",     "networkbond0:poe", "eth0:poe",
-                           "poeMode.conf", "xnetworketh0:poe", "networketh0:POE",  "networketh0poe",
-                           ":poe",         "networketh0.poe",  "Networkpoe0",      "networkpo0"};
+    const NameSet names = {
+        "network",        "network1",         "networketh2",     "networkpoe",
+        "networkip6",     "xnetworkpoe0",     "eth0:poe",        "networkbond0:poe",
+        "poeMode.conf",   "xnetworketh0:poe", "networketh0:POE", "networketh0poe",
+        ":poe",           "networketh0.poe",  "Networkpoe0",     "networkpo0",
+        "networkpo:eth0", "networkpo0e0",     "networketh0:po"};
     for (const std::string& name : names) PutFile(name);
     EXPECT_EQ(BackupPoEConfig(), 0);
     EXPECT_EQ(PlainOutput(), "");
