@@ -168,8 +168,9 @@ TEST_P(NumberedCardsTest, AnAddressThatCannotBeSavedDoesNotKeepTheGatewayBack)
 {
     List({Name(0)});
     Put(CardFile(Name(0)), "MTU = 1500\n");
-    Fail("fopen " + CardFile(Name(0)) + " r+", EIO);
+    Fail("fopen " + CardFile(Name(0)) + " w+", EIO);
     EXPECT_TRUE(GetParam().check());
+    EXPECT_EQ(Get(CardFile(Name(0))).find("HOSTIP = "), std::string::npos);
     EXPECT_NE(Get(CardFile(Name(0))).find("GATEWAYIP = "), std::string::npos);
 }
 

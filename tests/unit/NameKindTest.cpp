@@ -204,6 +204,13 @@ TEST_F(NameKindTest, AMemberOfAMasterThatIsNotListedIsJudgedByItAllTheSame)
     EXPECT_EQ(TraceOf({"ioctl ETHTOOL_GLINK"}),
               (Texts{"ioctl ETHTOOL_GLINK bond9", "ioctl ETHTOOL_GLINK br9"}));
     EXPECT_EQ(TraceOf({"open /proc/net/dev"}).size(), 2U);  // one question each: the card's
+    Put(kFile0, Settings({"WORKMODE = 1", "BONDNAME = lan7"}));
+    Put(kFile1, Settings({"WORKMODE = 3", "BRIDGENAME = lan8"}));
+    ClearTrace();
+    EXPECT_FALSE(NetMiiDiag("eth0", true));
+    EXPECT_FALSE(NetMiiDiag("eth1", true));
+    EXPECT_EQ(TraceOf({"ioctl ETHTOOL_GLINK"}),
+              (Texts{"ioctl ETHTOOL_GLINK lan7", "ioctl ETHTOOL_GLINK lan8"}));
 }
 
 // ---- the list with media and types
