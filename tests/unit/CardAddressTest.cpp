@@ -108,6 +108,11 @@ TEST_F(SetIPByConfigTest, SevenCharactersTellAnEmptyPair)
 TEST_F(SetIPByConfigTest, HalfAnEmptyPairIsSaved)
 {
     Put(kFile, "");
+    EXPECT_TRUE(SetIPByConfig("eth1", "10.0.0.0", "0.0.0.0"));  // the empty one stands in it
+    EXPECT_EQ(ReadIP("eth1"), "1 10.0.0.0 0.0.0.0");
+    EXPECT_TRUE(SetIPByConfig("eth1", "0.0.0.0", "240.0.0.0"));
+    EXPECT_EQ(ReadIP("eth1"), "1 0.0.0.0 240.0.0.0");
+    Put(kFile, "");
     EXPECT_TRUE(SetIPByConfig("eth1", "0.0.0.0", "255.255.255.0"));
     EXPECT_EQ(Get(kFile), Settings({"HOSTIP = 0.0.0.0", "SUBMASK = 255.255.255.0"}));
     EXPECT_TRUE(SetIPByConfig("eth1", "10.0.0.2", "0.0.0.0"));

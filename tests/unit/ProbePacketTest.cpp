@@ -350,6 +350,13 @@ TEST_F(ParseArpPacketTest, OurAddressAtAnotherCardShowsTheReceiver)
     EXPECT_EQ(Log(), (LogLines{IPConflict("02:00:00:00:00:01")}));
 }
 
+TEST_F(ParseArpPacketTest, EachByteOfTheReceiverIsShownInItsPlace)
+{
+    const Bytes ours = {0x02, 0x1a, 0xb0, 0x03, 0xff, 0x9e};
+    EXPECT_EQ(Judge(ArpReply(kOtherMacBytes, kOurIPBytes, ours), kOurIP, "02:1a:b0:03:ff:9e"), 2);
+    EXPECT_EQ(Log(), (LogLines{IPConflict("02:1a:b0:03:ff:9e")}));
+}
+
 TEST_F(ParseArpPacketTest, AReplyToNobodyCounts)
 {
     EXPECT_EQ(Judge(ArpReply(kOurMacBytes, kOurIPBytes, kNobody)), 0);
