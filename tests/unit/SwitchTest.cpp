@@ -281,7 +281,7 @@ TEST_F(Switch_GetSwitchPortInfoTest, ARefusalLeavesTheAnswersAndTheNumberKept)
 class Switch_GetPortBymacTest : public SwitchTest {
 protected:
     unsigned char macs_[3][6] = {
-        {2, 0, 0, 0, 0, 0xa3}, {2, 0, 0, 0, 0xF, 0xff}, {2, 0, 0, 0, 0, 0xa1}};
+        {2, 0, 0, 0, 0, 0xa3}, {2, 0x1a, 0xb0, 3, 0xF, 0xff}, {2, 0, 0, 0, 0, 0xa1}};
     int ports_[3] = {kUntouched, kUntouched, kUntouched};
 };
 
@@ -293,11 +293,11 @@ TEST_F(Switch_GetPortBymacTest, AsksForEachAddressInARecordOfItsOwn)
     EXPECT_EQ(ports_[2], 0);
     ASSERT_EQ(sent.size(), 3U);
     ExpectRecord(sent[0], kPort, "eth1", {0, 0, 0, 0, 2, 0, 0, 0, 0, 0xa3});
-    ExpectRecord(sent[1], kPort, "eth1", {0, 0, 0, 0, 2, 0, 0, 0, 0xF, 0xff});
+    ExpectRecord(sent[1], kPort, "eth1", {0, 0, 0, 0, 2, 0x1a, 0xb0, 3, 0xF, 0xff});
     ExpectRecord(sent[2], kPort, "eth1", {0, 0, 0, 0, 2, 0, 0, 0, 0, 0xa1});
     EXPECT_EQ(Log(),
               (LogLines{Refused(kPort, ENOENT, "eth1"),
-                        Error("Switch_GetPortBymac", "get port error.[02:00:00:00:0f:ff]")}));
+                        Error("Switch_GetPortBymac", "get port error.[02:1a:b0:03:0f:ff]")}));
 }
 
 TEST_F(Switch_GetPortBymacTest, SucceedsWhenNoneWasFound)
