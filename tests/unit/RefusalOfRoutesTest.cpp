@@ -299,58 +299,53 @@ void OnRequest(Call& call)
     call.mask = "10.0.0.3";
 }
 
+const Refusal kBadRequestSource{"a bad source", [](Call& call) { call.gateway = "10.0.0.a"; }};
+const Refusal kBadRequestGateway{"a bad gateway", [](Call& call) { call.mask = "10.0.0.b"; }};
+const Refusal kBadRequestDestination{"a bad destination",
+                                     [](Call& call) { call.address = "10.9.0"; }};
+
 INSTANTIATE_TEST_SUITE_P(
     RoutingSockets, RefusalOrderTest,
-    testing::Values(Operation{"Netlink_IPv4Route",
-                              OnRequest,
-                              [](Call& call) { return AddRoute(call) == 0; },
-                              {{"a bad source", [](Call& call) { call.gateway = "10.0.0.a"; }},
-                               {"a bad gateway", [](Call& call) { call.mask = "10.0.0.b"; }},
-                               {"a bad destination", [](Call& call) { call.address = "10.9.0"; }},
-                               Failing("socket AF_NETLINK"),
-                               Failing("bind"),
-                               Failing("getsockname")}},
-                    Operation{"Netlink_IPv4RouteThatIsSent",
-                              OnRequest,
-                              [](Call& call) { return AddRoute(call) == 0; },
-                              {{"a bad source", [](Call& call) { call.gateway = "10.0.0.a"; }},
-                               {"a bad gateway", [](Call& call) { call.mask = "10.0.0.b"; }},
-                               {"a bad destination", [](Call& call) { call.address = "10.9.0"; }},
-                               Failing("malloc"),
-                               Failing("sendmsg"),
-                               kRefusedByTheKernel}},
-                    Operation{"Netlink_IPv4RuleWithoutASocket",
-                              nullptr,
-                              [](Call& call) {
-                                  return Netlink_IPv4Rule(RTM_NEWRULE, call.Address(), 100, 1) == 0;
-                              },
-                              {kBadDestination, Failing("socket AF_NETLINK"), Failing("bind"),
-                               Failing("getsockname"), kRefusedByTheKernel}},
-                    Operation{"NetVirtInterAdd",
-                              nullptr,
-                              [](Call& call) {
-                                  NetVirtInterInfo info{};
-                                  info.interName.eType =
-                                      call.number == 1 ? virtTypeIpVlan : virtTypeVeth;
-                                  snprintf(info.interName.hostName, sizeof(info.interName.hostName),
-                                           "%s", call.name.c_str());
-                                  return NetVirtInterAdd(call.addressed ? &info : nullptr);
-                              },
-                              {kNoAddress,
-                               {"a kind that is none", [](Call& call) { call.number = 0; }},
-                               kRefusedByTheKernel}},
-                    Operation{"NetVirtInterDel",
-                              nullptr,
-                              [](Call& call) {
-                                  NetVirtInterName names{};
-                                  names.eType = call.number == 1 ? virtTypeMacVlan : virtTypeVeth;
-                                  snprintf(names.hostName, sizeof(names.hostName), "%s",
-                                           call.name.c_str());
-                                  return NetVirtInterDel(call.addressed ? &names : nullptr);
-                              },
-                              {kNoAddress,
-                               {"a kind that is none", [](Call& call) { call.number = 0; }},
-                               kRefusedByTheKernel}}),
+    testing::Values(
+        Operation{"Netlink_IPv4Route",
+                  OnRequest,
+                  [](Call& call) { return AddRoute(call) == 0; },
+                  {kBadRequestSource, kBadRequestGateway, kBadRequestDestination,
+                   Failing("socket AF_NETLINK"), Failing("bind"), Failing("getsockname")}},
+        Operation{"Netlink_IPv4RouteThatIsSent",
+                  OnRequest,
+                  [](Call& call) { return AddRoute(call) == 0; },
+                  {kBadRequestSource, kBadRequestGateway, kBadRequestDestination, Failing("malloc"),
+                   Failing("sendmsg"), kRefusedByTheKernel}},
+        Operation{
+            "Netlink_IPv4RuleWithoutASocket",
+            nullptr,
+            [](Call& call) { return Netlink_IPv4Rule(RTM_NEWRULE, call.Address(), 100, 1) == 0; },
+            {kBadRequestDestination, Failing("socket AF_NETLINK"), Failing("bind"),
+             Failing("getsockname"), kRefusedByTheKernel}},
+        Operation{"NetVirtInterAdd",
+                  nullptr,
+                  [](Call& call) {
+                      NetVirtInterInfo info{};
+                      info.interName.eType = call.number == 1 ? virtTypeIpVlan : virtTypeVeth;
+                      snprintf(info.interName.hostName, sizeof(info.interName.hostName), "%s",
+                               call.name.c_str());
+                      return NetVirtInterAdd(call.addressed ? &info : nullptr);
+                  },
+                  {kNoAddress,
+                   {"a kind that is none", [](Call& call) { call.number = 0; }},
+                   kRefusedByTheKernel}},
+        Operation{"NetVirtInterDel",
+                  nullptr,
+                  [](Call& call) {
+                      NetVirtInterName names{};
+                      names.eType = call.number == 1 ? virtTypeMacVlan : virtTypeVeth;
+                      snprintf(names.hostName, sizeof(names.hostName), "%s", call.name.c_str());
+                      return NetVirtInterDel(call.addressed ? &names : nullptr);
+                  },
+                  {kNoAddress,
+                   {"a kind that is none", [](Call& call) { call.number = 0; }},
+                   kRefusedByTheKernel}}),
     Name);
 
 // ---- shaping
