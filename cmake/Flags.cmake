@@ -5,10 +5,21 @@
 # and what the shipped files are built with on top.
 
 add_library(vorlix_sanitized INTERFACE)
+set(VORLIX_SANITIZE_LINK)
 if(VORLIX_SANITIZE)
   target_compile_options(vorlix_sanitized INTERFACE
     -fsanitize=${VORLIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_link_options(vorlix_sanitized INTERFACE -fsanitize=${VORLIX_SANITIZE})
+  set(VORLIX_SANITIZE_LINK -fsanitize=${VORLIX_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND VORLIX_SANITIZE MATCHES "address" AND NOT VORLIX_FUZZ)
+    # The run-time library is shared by program and library, as gcc's is. That of the check of function types
+    # is for programs that are linked as C++, which these are not.
+    target_compile_options(vorlix_sanitized INTERFACE -fno-sanitize=function)
+    execute_process(OUTPUT_STRIP_TRAILING_WHITESPACE OUTPUT_VARIABLE runtime
+      COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
+    get_filename_component(runtime ${runtime} DIRECTORY)
+    list(APPEND VORLIX_SANITIZE_LINK -shared-libsan -Wl,-rpath,${runtime})
+  endif()
+  target_link_options(vorlix_sanitized INTERFACE ${VORLIX_SANITIZE_LINK})
 endif()
 
 # A compiler that the project has not seen may warn of more: that is no reason for a packager's build to fail.

@@ -50,15 +50,13 @@ protected:
     }
 
     /// What a stream would hand out: up to a newline, at most 255 characters.
-    static Texts Expected(std::string text)
+    static Texts Expected(const std::string& text)
     {
         Texts pieces;
-        while (!text.empty()) {
-            const size_t newline = text.find('\n');
-            const size_t count = std::min<size_t>(
-                newline == std::string::npos ? text.size() : newline + 1, kLineSize - 1);
-            pieces.push_back(text.substr(0, count));
-            text.erase(0, count);
+        for (size_t at = 0; at < text.size(); at += pieces.back().size()) {
+            const size_t newline = text.find('\n', at);
+            const size_t end = newline == std::string::npos ? text.size() : newline + 1;
+            pieces.push_back(text.substr(at, std::min<size_t>(end - at, kLineSize - 1)));
         }
         return pieces;
     }
