@@ -7,7 +7,7 @@
 #include "Support/Text.h"
 
 #include <ctime>
-
+#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace vorlix;
@@ -16,8 +16,14 @@ namespace status {
 
 namespace {
 
-constexpr int kTries = 5;
-constexpr long kPause = 20'000'000;  // ns: longer than a boot needs for a file
+constexpr int kTries = 250;
+constexpr timespec kPause = {0, 20'000'000};  // longer than a boot needs for a file
+
+/// The setting files at one moment.
+struct Moment {
+    uint64_t stamp = 0;  // changes with every change of a file
+    bool isSaving = false;
+};
 
 uint64_t Mixed(uint64_t stamp, uint64_t value)
 {
@@ -35,34 +41,50 @@ const char* GatherOnce(Device* device)
     return nullptr;
 }
 
-}  // namespace
-
-uint64_t StampOfSettings()
+/// Asks for the lock that whoever saves a setting holds, and takes none.
+bool IsLocked(int folder, const char* name)
 {
-    uint64_t stamp = 0;
-    const Directory folder(opendir(kConfigFolder));
-    if (folder == nullptr) return stamp;
+    const Fd file(openat(folder, name, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct flock holder {};
+    holder.l_type = F_RDLCK;
+    holder.l_whence = SEEK_SET;
+    return file.Ok() && fcntl(file.Get(), F_GETLK, &holder) == 0 && holder.l_type != F_UNLCK;
+}
 
+Moment LookAtSettings()
+{
+    Moment moment;
+    const Directory folder(opendir(kConfigFolder));
+    if (folder == nullptr) return moment;
+
+    const int descriptor = dirfd(folder.get());
     while (const dirent* entry = readdir(folder.get())) {
         struct stat status {};
-        if (fstatat(dirfd(folder.get()), entry->d_name, &status, 0) != 0) continue;
+        if (fstatat(descriptor, entry->d_name, &status, 0) != 0) continue;
         uint64_t file = Mixed(status.st_ino, static_cast<uint64_t>(status.st_size));
         file = Mixed(file, static_cast<uint64_t>(status.st_mtim.tv_sec));
-        stamp += Mixed(file, static_cast<uint64_t>(status.st_mtim.tv_nsec));
+        moment.stamp += Mixed(file, static_cast<uint64_t>(status.st_mtim.tv_nsec));
+        // Between its old and its new text a file is empty, and locked.
+        const bool isEmpty = S_ISREG(status.st_mode) && status.st_size == 0;
+        if (isEmpty && IsLocked(descriptor, entry->d_name)) moment.isSaving = true;
     }
-    return stamp;
+    return moment;
 }
+
+}  // namespace
 
 const Device& Gather(const char** failure)
 {
     for (int i = 1;; ++i) {
-        Device* device = Fresh<Device>();
-        const uint64_t before = StampOfSettings();
-        *failure = GatherOnce(device);
-        if (*failure != nullptr || i == kTries || StampOfSettings() == before) return *device;
-
-        const timespec pause = {0, kPause};
-        (void)nanosleep(&pause, nullptr);  // somebody is saving: half a change is no news
+        const Moment before = LookAtSettings();
+        if (!before.isSaving || i == kTries) {
+            Device* device = Fresh<Device>();
+            *failure = GatherOnce(device);
+            const Moment after = LookAtSettings();
+            const bool isSettled = !after.isSaving && after.stamp == before.stamp;
+            if (*failure != nullptr || isSettled || i == kTries) return *device;
+        }
+        (void)nanosleep(&kPause, nullptr);  // half a change is no news
     }
 }
 

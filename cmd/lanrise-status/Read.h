@@ -10,7 +10,8 @@
 
 namespace status {
 
-/// Reads all there is, again when a setting file was changed meanwhile.
+/// Reads all there is, again when a setting file was saved meanwhile, for some five seconds at
+/// most: somebody may begin to save and never end.
 ///
 /// @param failure  the reason why there is nothing to show, or NULL
 /// @return the record, of which there is one
@@ -25,8 +26,5 @@ void ReadSettings(Device* device);
 
 /// The backup memory, as far as it can be read without changing anything.
 Backup ReadBackup();
-
-/// Changes with every change of a file in the settings folder.
-uint64_t StampOfSettings();
 
 }  // namespace status

@@ -105,7 +105,9 @@ bool IsHarmless(const Call& call)
     switch (call.what) {
     case SYS_openat: return (call.arguments[2] & (O_ACCMODE | O_CREAT | O_TRUNC)) == O_RDONLY;
     case SYS_socket: return call.arguments[0] == AF_INET || call.arguments[0] == AF_NETLINK;
-    case SYS_fcntl: return call.arguments[1] == F_GETFD || call.arguments[1] == F_SETFD;
+    case SYS_fcntl:
+        return call.arguments[1] == F_GETFD || call.arguments[1] == F_SETFD ||
+               call.arguments[1] == F_GETLK;
     case SYS_write: return call.arguments[0] == 1 || call.arguments[0] == 2;
     case SYS_sendto: return IsQuestion(call);
     case SYS_ioctl: return IsHarmlessRequest(call);

@@ -7,7 +7,9 @@
 #include "Program.h"
 
 #include <algorithm>
+#include <fcntl.h>
 #include <sstream>
+#include <unistd.h>
 
 using namespace device;
 
@@ -373,6 +375,37 @@ TEST_F(StatusTest, NeverTellsOfHalfASetting)
         EXPECT_FALSE(Has(check.output, "no usable address")) << check.output;
     }
     writer.Kill();
+}
+
+/// Locks the file and empties it, as one does who saves a setting.
+int BeginSaving(const std::string& file)
+{
+    const int descriptor = open(file.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    EXPECT_EQ(fcntl(descriptor, F_SETLKW, &whole), 0);
+    EXPECT_EQ(ftruncate(descriptor, 0), 0);
+    return descriptor;
+}
+
+TEST_F(StatusTest, WaitsForOneWhoIsSlowToSave)
+{
+    Lanrise();
+    const std::string text = Get(kFolder + "network1");
+    const int file = BeginSaving(kFolder + "network1");
+    Child reader([] { EXPECT_EQ(Status("--check").output, ""); });
+    usleep(300'000);
+    EXPECT_EQ(write(file, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    close(file);
+    EXPECT_TRUE(reader.Wait());
+}
+
+TEST_F(StatusTest, OneWhoNeverEndsToSaveIsNotWaitedFor)
+{
+    Lanrise();
+    const int file = BeginSaving(kFolder + "network1");
+    EXPECT_TRUE(Has(Status("--check").output, "eth1: next boot: no usable address is saved"));
+    close(file);
 }
 
 }  // namespace
