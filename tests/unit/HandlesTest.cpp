@@ -83,7 +83,7 @@ TEST_F(HandlesTest, ClosingKeepsTheReasonOfAFailure)
 TEST_F(HandlesTest, StreamsAndFoldersAreClosedAtTheEndOfTheirScope)
 {
     {
-        const Stream stream(fopen(kPath, "r"));
+        const Stream stream(fopen(kPath, "r+"));
         const Directory folder(opendir("/mnt/mtd/Config"));
         EXPECT_EQ(OpenHandles().size(), 2U);
     }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fake/Calls.h"
+#include "fake/Stated.h"
 #include "fake/Synced.h"
 
 #include "fake/World.h"
@@ -253,6 +254,7 @@ bool Note(const std::string& call, const std::string& more)
 {
     if (ownCalls > 0) return true;
     const std::string text = TextOf(call);
+    ExpectStated(text, more);
     RunHook(text);
     const Guard guard;
     Append(AtThisMoment({text, more}));
