@@ -291,6 +291,16 @@ TEST_F(BondTest, CardsThatCannotBeJoinedAreRecoveredOneByOne)
     }
 }
 
+TEST_F(BondTest, CardsWithoutAnAddressAreRecoveredOneByOneToo)
+{
+    for (const char* file : {kFile0, kFile1}) Put(file, "MTU = 1500\n");
+    Fail("ioctl SIOCSIFFLAGS bond0", EPERM, 3);
+    EXPECT_FALSE(Bond(kBond, cards.Const(), 2, nicBondBalanceRR));
+    EXPECT_EQ(LogOf("Bond"),
+              (LogLines{Error("Bond", "Bond [bond0] failed, do recover for [eth1]."),
+                        Error("Bond", "Bond [bond0] failed, do recover for [eth0].")}));
+}
+
 TEST_F(BondTest, WhatCannotBeSavedOrRecoveredIsNotReported)
 {
     for (const std::string& file : {kWrites0, kWrites1, kWritesBond}) FailAll(file, EROFS);

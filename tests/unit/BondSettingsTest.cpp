@@ -169,6 +169,14 @@ TEST_F(SetBondHashPolicyTest, ARefusedPolicyIsNotSavedAndTheBondIsUpAgain)
     EXPECT_EQ(kernel.At(kBond).flags, IFF_UP);
 }
 
+TEST_F(SetBondHashPolicyTest, ABondWhoseFlagsCannotBeChangedGetsItsPolicyAllTheSame)
+{
+    FailAll("ioctl SIOCSIFFLAGS", EPERM);
+    EXPECT_TRUE(SetBondHashPolicy(kBond, 3));
+    EXPECT_EQ(Get(Attribute("xmit_hash_policy")), "3\0"s);
+    EXPECT_EQ(Get(kBondFile), Settings(kOwnSettings) + "LACP = 3\n");
+}
+
 TEST_F(SetBondHashPolicyTest, APolicyThatIsNotSavedIsASuccess)
 {
     FailAll(kWritesBond, EROFS);

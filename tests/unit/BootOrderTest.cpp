@@ -45,6 +45,17 @@ TEST_F(RepairOrderTest, TheSecondPassMendsBondsBeforeBridges)
     });
 }
 
+TEST_F(RepairOrderTest, AFolderThatCannotBeListedEndsNoBoot)
+{
+    kernel.Add("eth0");
+    FailAll("opendir", EACCES);
+    EXPECT_TRUE(Lanrise({}));
+    EXPECT_TRUE(Logged(Error("DoBridgeStuff", "can not open /mnt/mtd/Config")));
+    EXPECT_TRUE(Logged(Warn("CheckDefaultEthConfig", "set def to config failed.")));
+    EXPECT_EQ(TraceOf({"fopen /mnt/mtd/Config/resolv.conf w+"}).size(), 2U);  // one a family
+    EXPECT_EQ(Log().back(), Info("CommonMain", "lanrise is finished."));
+}
+
 TEST_F(RepairOrderTest, ABondOfTooHighANumberIsToldBeforeItsCardIsTakenOut)
 {
     Save({"eth1"}, {"BONDED = 1", "BONDNAME = bond32"});
@@ -81,6 +92,18 @@ TEST_F(RepairOrderTest, ABondWithoutModeIsToldThenMendedThenItsListIsRead)
                      "write networkbond0", "read networkbond0",
                      "Warn |CheckBondConfig|config from bondmember is different from eth config",
                      "write networkbond0"}));
+}
+
+TEST_F(RepairOrderTest, AFlagThatIsMissingIsToldBeforeItIsSaved)
+{
+    Save({"eth1"}, {"MTU = 1500"});
+    List({"eth1"});
+    EXPECT_TRUE(CheckWorkmodeConfig());
+    EXPECT_EQ(StepsOf({"read network1", "write network1", "Warn "}),
+              (Texts{"read network1", "Warn |CheckWorkmodeConfig|Get eth1 IsBondedByConfig  failed",
+                     "write network1", "read network1",
+                     "Warn |CheckWorkmodeConfig|Get eth1 IsBridgedByConfig  failed",
+                     "write network1", "write network1"}));
 }
 
 TEST_F(RepairOrderTest, ABridgeOfOneLosesItsFileThenItsCardThenIsTold)
@@ -144,6 +167,17 @@ protected:
         UseRtc("10.0.0.3", "255.0.0.0", "10.0.0.1");
     }
 };
+
+TEST_F(AddressOrderTest, TheDeviceIsToldBeforeItIsLookedForWhichOneItIs)
+{
+    ClearTrace();
+    CheckDeviceType();
+    EXPECT_EQ(StepsOf({"access", "Info ", "open"}),
+              (Texts{"access /dev/pdcSramFile 0", "access /dev/pdcRtc 0",
+                     "Info |CheckDeviceType|/dev/pdcSramFile  or /dev/pdcRtc exist. this is IPC.",
+                     "access /dev/pdcRtc 0", "Info |CheckDeviceType|RTC exist, use RTC to backup.",
+                     "open /dev/pdcRtc O_RDWR"}));
+}
 
 TEST_F(AddressOrderTest, AMissingMtuIsMendedBeforeTheAddressIsRead)
 {
@@ -229,11 +263,20 @@ TEST_F(AddressOrderTest, TheFlagOfARecorderIsSetBeforeTheEndIsTold)
               (Texts{"CMOSWrite 10 12", "Info |CommonMain|lanrise for eth1 is finished."}));
 }
 
-TEST_F(AddressOrderTest, AnEmptyGatewayIsNone)
+TEST_F(AddressOrderTest, AnEmptyTextIsNone)
 {
+    const std::pair<Texts, std::string> rows[] = {
+        {{"eth1", "", "255.0.0.0", "10.0.0.1"}, "ip error "},
+        {{"eth1", "10.0.0.2", "", "10.0.0.1"}, "mask error "},
+        {{"eth1", "10.0.0.2", "255.0.0.0", ""}, "gateway error "},
+        {{"eth1", "", "", ""}, "ip error "},
+        {{"eth1", "10.0.0.2", "", ""}, "mask error "}};
     kernel.Add("eth1");
-    (void)Lanrise({"eth1", "10.0.0.2", "255.0.0.0", ""});
-    EXPECT_TRUE(Logged(Error("CommonMain", "gateway error ")));
+    for (const auto& [words, said] : rows) {
+        ClearLog();
+        EXPECT_FALSE(Lanrise(words));
+        EXPECT_EQ(LogOf("CommonMain").back(), Error("CommonMain", said));
+    }
     EXPECT_EQ(StepsOf({"ioctl SIOCSIFADDR"}), Texts{});
 }
 

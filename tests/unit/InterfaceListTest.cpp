@@ -466,6 +466,27 @@ TEST_F(NetGetAllInterfaceTest, ACardThatDoesNotAnswerStaysInTheList)
               (LogLines{Warn("NetGetAllInterface", "get eth0 ethtool info error")}));
 }
 
+TEST_F(NetGetAllInterfaceTest, ACardThatDoesNotAnswerIsNotAsTheOneBefore)
+{
+    kernel.cards.clear();
+    kernel.Add("eth0").settings = Driver(PORT_FIBRE, 0x103F, 1000);
+    kernel.Add("eth1").settings.reset();
+    NetInterfaceInfo entries[2] = {};
+    int32_t count = 2;
+    ASSERT_TRUE(NetGetAllInterface(entries, &count));
+    EXPECT_EQ(entries[0].media, NetInterfaceFiber);
+    EXPECT_EQ(entries[0].reserved[0], 10000);
+    EXPECT_EQ(entries[1].media, NetInterfaceWired);
+    EXPECT_EQ(entries[1].reserved[0], 0);
+    EXPECT_EQ(entries[1].speed, 0);
+}
+
+TEST_F(NetGetAllInterfaceTest, ACardThatDoesNotAnswerHasItsUseAllTheSame)
+{
+    kernel.Add("eth16").settings.reset();
+    EXPECT_EQ(Only("eth16").usage, netDeviceUsageDCFunc);
+}
+
 TEST_F(NetGetAllInterfaceTest, OnlyAPureSwitchInterfaceHasThatType)
 {
     Put("/mnt/mtd/Config/poeMode.conf", "eth0 = 1\n");

@@ -267,10 +267,12 @@ TEST_F(BridgeReferenceTest, TheLastReleaseEndsTheBridge)
 
 TEST_F(BridgeReferenceTest, AnObjectGoesAlsoWhenItsBridgeStays)
 {
+    const size_t blocks = HeapBlocks();
     CreateOfExisting();
     FailAll("vfork", EAGAIN);
     EXPECT_EQ(bridge->release(bridge), 0);
     EXPECT_EQ(Log().back(), Error("UnBridge", "UnBridge failed.[br0]"));
+    EXPECT_EQ(HeapBlocks(), blocks);
 }
 
 TEST_F(BridgeReferenceTest, TheLastReleaseOfOneObjectEndsTheBridgeUnderAnother)

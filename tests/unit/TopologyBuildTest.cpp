@@ -92,6 +92,17 @@ TEST_F(DoBondStuffTest, WithoutAGoodPolicyNoneIsSet)
     EXPECT_EQ(Attribute("bond1", "mode"), "802.3ad");
 }
 
+TEST_F(DoBondStuffTest, ABondWhosePolicyIsRefusedIsBuiltAllTheSame)
+{
+    AddBondDevice("bond0");
+    SaveBond("bond0", {"BONDMODE = 4", "BONDMEMBERS = eth1,eth2", "LACP = 1"});
+    List({"eth1", "eth2", "bond0"});
+    Fail("write /sys/class/net/bond0/bonding/xmit_hash_policy", EINVAL);
+    EXPECT_TRUE(DoBondStuff());
+    EXPECT_EQ(TraceOf({"sleep", "command ifenslave"}),
+              (std::vector<std::string>{"command ifenslave bond0 eth1 eth2", "sleep 2"}));
+}
+
 TEST_F(DoBondStuffTest, ABondWithoutModeIsPassedOverInSilence)
 {
     AddBondDevice("bond0");
@@ -124,6 +135,15 @@ TEST_F(DoBondStuffTest, ABondOfOneIsNotBuiltButPausedFor)
     EXPECT_TRUE(DoBondStuff());
     EXPECT_EQ(Log(), LogLines{});
     EXPECT_EQ(TraceOf({"sleep", "vfork"}), (std::vector<std::string>{"sleep 2", "sleep 2"}));
+}
+
+TEST_F(DoBondStuffTest, TheSecondEntryOfABondThatIsASwitchTooIsBuiltFromItsOwnFile)
+{
+    Put("/mnt/mtd/Config/poeMode.conf", "bond0 = 2\n");
+    SaveBond("bond0:poe", {"BONDMODE = 1", "BONDMEMBERS = eth1"});
+    List({"bond0"});
+    EXPECT_TRUE(DoBondStuff());
+    EXPECT_EQ(TraceOf({"sleep"}), std::vector<std::string>{"sleep 2"});
 }
 
 TEST_F(DoBondStuffTest, ABondThatCannotBeBuiltIsAWarningAndPausedFor)
