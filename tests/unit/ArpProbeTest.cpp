@@ -383,6 +383,15 @@ TEST_F(NetArpCheckTest, WithoutAnAddressThereIsNothingToAskFor)
     EXPECT_EQ(wire.sent, std::vector<Sent>{});
 }
 
+TEST_F(NetArpCheckTest, AnAddressThatIsGoneIsNotAskedForAgain)
+{
+    EXPECT_GE(NetArpCheck("eth0"), 0);
+    wire.sent.clear();
+    kernel.At("eth0").address = "";
+    EXPECT_EQ(NetArpCheck("eth0"), -1);
+    EXPECT_EQ(wire.sent, std::vector<Sent>{});
+}
+
 TEST_F(NetArpCheckTest, WithoutAHardwareAddressThereIsNobodyToAsk)
 {
     FailAll("ioctl SIOCGIFHWADDR", EPERM);

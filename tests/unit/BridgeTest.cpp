@@ -113,6 +113,16 @@ TEST_F(Bridge_BridgeTest, TakesTheFirstAddressAlsoWhenThatCardDidNotJoin)
     EXPECT_EQ(Commands(), expected);
 }
 
+TEST_F(Bridge_BridgeTest, AnAddressIsNotThatOfTheBridgeBefore)
+{
+    Members first({"eth1"});
+    EXPECT_TRUE(Bridge_Bridge(kBridge, first.Get(), first.Count()));
+    Members second({"eth9"});
+    EXPECT_TRUE(Bridge_Bridge("br1", second.Get(), second.Count()));
+    EXPECT_EQ(LogOf("Bridge_Bridge").back(), Logs("ifconfig br1 up"));
+    EXPECT_TRUE(Logged(Logs("ifconfig br1 hw ether ")));
+}
+
 TEST_F(Bridge_BridgeTest, ACardWithoutAddressLeavesItEmpty)
 {
     Members members({"eth9"});

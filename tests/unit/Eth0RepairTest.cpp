@@ -219,6 +219,29 @@ TEST_F(CheckEth0ConfigTest, OfTwoValidCopiesTheBackupWins)
     EXPECT_EQ(BackupWrites(), std::vector<std::string>{});
 }
 
+TEST_F(CheckEth0ConfigTest, AFileThatWasLostSinceIsNotTakenForTheOneBefore)
+{
+    const std::string file = Eth0File("10.0.0.2", "255.0.0.0", "10.0.0.1");
+    UseRtc("10.0.0.2", "255.0.0.0", "10.0.0.1");
+    ListEth0(file);
+    EXPECT_TRUE(CheckEth0Config());
+    Put(CardFile("eth0"), "MTU = 1500\n");
+    EXPECT_TRUE(CheckEth0Config());
+    EXPECT_EQ(Get(CardFile("eth0")),
+              "MTU = 1500\nHOSTIP = 10.0.0.2\nSUBMASK = 255.0.0.0\nGATEWAYIP = 10.0.0.1\n");
+}
+
+TEST_F(CheckEth0ConfigTest, ABackupOfAnAddressAloneDiffersByItsGateway)
+{
+    // With a mask of no bits every gateway is in the same net. A zero is not saved.
+    UseRtc("10.0.0.2", "0.0.0.0", "0.0.0.0");
+    ListEth0(Eth0File("10.0.0.2", "0.0.0.0", "10.0.0.1"));
+    EXPECT_TRUE(CheckEth0Config());
+    EXPECT_TRUE(Logged(Info("SetGatewayByConfig", "gateway: 0.0.0.0 not save.")));
+    EXPECT_EQ(Get(CardFile("eth0")), Eth0File("10.0.0.2", "0.0.0.0", "10.0.0.1"));
+    EXPECT_EQ(BackupWrites(), std::vector<std::string>{});
+}
+
 TEST_F(CheckEth0ConfigTest, AValidBackupReplacesAnInvalidFile)
 {
     const std::vector<std::string> files = {

@@ -343,6 +343,16 @@ TEST_F(NetWorkGetActiveSlaveExTest, NullIsAFailureWithItsMessage)
 
 class NetWorkGetActiveSlaveTest : public BondWorld {};
 
+TEST_F(NetWorkGetActiveSlaveTest, AFailureLeavesTheTextThatWasGivenBefore)
+{
+    Put(Attribute("bond0", "active_slave"), "eth1");
+    const char* name = NetWorkGetActiveSlave();
+    ASSERT_NE(name, nullptr);
+    Put(Attribute("bond0", "active_slave"), "");
+    EXPECT_EQ(NetWorkGetActiveSlave(), nullptr);
+    EXPECT_STREQ(name, "eth1");
+}
+
 TEST_F(NetWorkGetActiveSlaveTest, AllCallersShareOneBuffer)
 {
     Put(Attribute("bond0", "active_slave"), "eth1");

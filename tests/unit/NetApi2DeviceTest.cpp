@@ -240,6 +240,13 @@ TEST_F(NetGetEthNameTest, JoinsTheNames)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(NetGetEthNameTest, WithoutANameNothingIsWritten)
+{
+    kernel.cards.clear();
+    EXPECT_EQ(NetGetEthName(names, sizeof(names), &count), 0);
+    EXPECT_TRUE(UntouchedFrom(0));
+}
+
 TEST_F(NetGetEthNameTest, TheCountIsNotWritten)
 {
     EXPECT_EQ(NetGetEthName(names, sizeof(names), &count), 0);

@@ -6,9 +6,13 @@
 #include "LanriseWorld.h"
 #include "Steps.h"
 
+#include "Backup.h"
 #include "Base.h"
+#include "CommonApi.h"
+#include "Dns.h"
 #include "Lanrise.h"
 #include "Network.h"
+#include "Other.h"
 #include "Route.h"
 
 #include <cstring>
@@ -132,6 +136,22 @@ TEST_F(SecondListingTest, ThatFailsLeaves30NamesWithoutText)
     EXPECT_EQ(Listed(), std::string(30, ','));
 }
 
+TEST_F(SecondListingTest, ThatFailsLeavesNamesWhoseFileIsTheFirstCards)
+{
+    Boot(nullptr);
+    for (const auto& check : {CheckBondConfig, CheckBridgeConfig}) {
+        Put(CardFile("eth0"),
+            Settings({"BONDED = 1", "BONDNAME = bond9", "BRIDGEEDED = 1", "BRIDGENAME = lan"}));
+        EXPECT_TRUE(check());
+        const bool bonds = check == CheckBondConfig;
+        EXPECT_EQ(
+            Get(CardFile("eth0")),
+            bonds
+                ? Settings({"BONDED = 0", "BONDNAME = ", "BRIDGEEDED = 1", "BRIDGENAME = lan"})
+                : Settings({"BONDED = 1", "BONDNAME = bond9", "BRIDGEEDED = 0", "BRIDGENAME = "}));
+    }
+}
+
 TEST_F(SecondListingTest, ThatFailsCreatesTheFirstCardsFileAgain)
 {
     Boot([] { Remove(CardFile("eth0")); });
@@ -182,6 +202,107 @@ TEST_F(SecondAnswerTest, AKeptRouteTableIsReadAfresh)
     EXPECT_TRUE(Route_GetIPv4Route(rows, &count));
     EXPECT_EQ(count, 0);
     EXPECT_EQ(TraceOf({"open /proc/net/route"}).size(), 1U);
+}
+
+TEST_F(SecondAnswerTest, AMarkThatCannotBeReadIsNone)
+{
+    UseCmos("10.0.0.3", 8, "10.0.0.1");
+    EXPECT_TRUE(SetCmosResetMark(0x66));
+    EXPECT_EQ(GetCmosResetMark(), 0x66);
+    Fail("CMOSRead", EIO);
+    EXPECT_EQ(GetCmosResetMark(), 0);
+}
+
+TEST_F(SecondAnswerTest, ServersThatAreNoLongerSavedAreNotWrittenAgain)
+{
+    const auto lose = [] {
+        Remove("/mnt/mtd/Config/resolv.conf");
+        Remove("/mnt/mtd/Config/resolvip6.conf");
+    };
+    const std::string ipv4 = "nameserver 10.0.0.7\nnameserver 10.0.0.8\n";
+    const std::string ipv6 = "nameserver fd00::7\nnameserver fd00::8\n";
+    EXPECT_TRUE(SetIPv6DnsServer("fd00::7", "fd00::8"));
+    EXPECT_TRUE(SetIPv4DnsServer("10.0.0.7", "10.0.0.8"));
+    EXPECT_TRUE(SetIPv6DnsServer("fd00::7", "fd00::8"));
+    EXPECT_EQ(Get("/mnt/mtd/Config/resolv.conf"), ipv4 + ipv6);
+    lose();
+    EXPECT_TRUE(SetIPv4DnsServer("10.0.0.7", "10.0.0.8"));
+    EXPECT_EQ(Get("/mnt/mtd/Config/resolv.conf"), ipv4);
+    lose();
+    EXPECT_TRUE(SetIPv6DnsServer("fd00::7", "fd00::8"));
+    EXPECT_EQ(Get("/mnt/mtd/Config/resolv.conf"), ipv6);
+}
+
+TEST_F(SecondAnswerTest, AShortLineOfANeighbourIsNotFilledUpFromAnEarlierQuestion)
+{
+    const std::string whole = "10.0.0.9 0x1 0x6 02:aa:bb:cc:dd:ee * eth0\n";
+    const auto table = [](const std::string& line) {
+        Put("/proc/net/arp", "IP address  HW type  Flags  HW address  Mask  Device\n" + line);
+    };
+    NetARPEntry entries[2] = {};
+    char mac[18];
+    for (const std::string& line : {whole, std::string("10.0.0.9 0x1 0x6\n")}) {
+        const bool isWhole = line == whole;
+        table(line);
+        EXPECT_TRUE(Other_GetMacByIP("10.0.0.9", mac));
+        EXPECT_STREQ(mac, isWhole ? "02:aa:bb:cc:dd:ee" : "");
+        int count = 2;
+        EXPECT_TRUE(arpGetAllStaticEntry(entries, &count));
+        ASSERT_EQ(count, 1);
+        EXPECT_EQ(entries[0].mac[0], isWhole ? '0' : '\0');
+        EXPECT_EQ(std::string(entries[0].dev), isWhole ? "eth0" : "");
+        count = 2;
+        EXPECT_TRUE(arpGetARPStaticInfoByIP("10.0.0.9", entries, &count));
+        ASSERT_EQ(count, 1);
+        EXPECT_EQ(entries[0].mac[0], isWhole ? '0' : '\0');
+        EXPECT_EQ(std::string(entries[0].dev), isWhole ? "eth0" : "");
+    }
+}
+
+TEST_F(SecondAnswerTest, LimitsThatAreNoLongerSavedAreNotSetAgain)
+{
+    kernel.Add("eth0");
+    NetTc limits[2] = {};
+    strcpy(limits[0].ipAddr, "10.0.0.7");
+    strcpy(limits[1].ipAddr, "10.0.0.8");
+    EXPECT_TRUE(TrafCtrlSetBand("eth0", limits, 2));
+    EXPECT_TRUE(TrafCtrlUnSetBand("eth0", "10.0.0.9"));
+    Remove("/mnt/mtd/Config/nettc_eth0");
+    ClearTrace();
+    EXPECT_TRUE(TrafCtrlUnSetBand("eth0", "10.0.0.9"));
+    for (const std::string& command : TraceOf({"command /usr/local/bin/tc filter"})) {
+        EXPECT_EQ(command.find("10.0.0."), std::string::npos) << command;
+    }
+}
+
+TEST_F(SecondAnswerTest, AShortLineOfARouteIsNotFilledUpFromAnEarlierQuestion)
+{
+    const std::string titles = "Iface\tDestination\tGateway\n";
+    Put("/proc/net/route", titles + "eth0\t0000090A\t0100000A\t0003\t0\t0\t0\t0000FFFF\t0\t0\t0\n");
+    const auto isThere = [] {
+        return Route_IsExistInSys("10.9.0.0", "10.0.0.1", "255.255.0.0", "eth0");
+    };
+    EXPECT_TRUE(isThere());
+    for (const char* line : {"eth0\n", "eth0\t0000090A\n", "eth0\t0000090A\t0100000A\t0003\n"}) {
+        Put("/proc/net/route", titles + line);
+        EXPECT_FALSE(isThere()) << line;
+    }
+}
+
+TEST_F(SecondAnswerTest, AShortLineOfCountersIsNotFilledUpFromAnEarlierQuestion)
+{
+    kernel.Add("eth0");
+    NetDataStat stat{};
+    Put("/proc/net/dev", " eth0: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n");
+    EXPECT_TRUE(Net_GetDataStat("eth0", &stat));
+    EXPECT_EQ(stat.transmittedCarrier, 15U);
+    Put("/proc/net/dev", " eth0: 21 22\n eth0: 31 32\n");
+    EXPECT_TRUE(Net_GetDataStat("eth0", &stat));
+    EXPECT_EQ(stat.receivedBytes, 21U);  // the first line of the name
+    EXPECT_EQ(stat.receivedPackets, 22U);
+    EXPECT_EQ(stat.receivedErrors, 0U);
+    EXPECT_EQ(stat.transmittedBytes, 0U);
+    EXPECT_EQ(stat.transmittedCarrier, 0U);
 }
 
 TEST_F(SecondAnswerTest, CountersAreThoseOfTheWholeName)

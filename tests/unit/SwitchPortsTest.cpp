@@ -174,6 +174,18 @@ TEST_F(GetSwitchPortNumTest, FailsWithTheDriver)
 
 class GetSwitchMaskTest : public SwitchPortsTest {};
 
+TEST_F(GetSwitchMaskTest, IsTheDriversBeyondTheNumberOfPortsToo)
+{
+    Chip().ports.resize(256 + 3);  // the record has a byte for their number
+    for (const size_t port : {4U, 8U, 15U}) Chip().ports[port].link = true;
+    int number = 0;
+    int mask = 0;
+    EXPECT_TRUE(GetSwitchPortNum("eth1", &number));
+    EXPECT_TRUE(GetSwitchMask("eth1", &mask));
+    EXPECT_EQ(number, 3);
+    EXPECT_EQ(mask, 0x8115);
+}
+
 TEST_F(GetSwitchMaskTest, AlwaysAsksTheDriver)
 {
     int mask = 0;
@@ -322,6 +334,16 @@ TEST_F(GetSwitchStatusTest, AnswersForEachPortAreItsOwn)
     EXPECT_EQ(Log(), (LogLines{Refused(kMac, EIO, "eth1"),
                                Error("Switch_GetMacByPort", "Get mac for port 1 failed."),
                                Error("GetSwitchStatus", "GetMacByPort 1 error.")}));
+}
+
+TEST_F(GetSwitchStatusTest, APortWithoutAnAnswerDoesNotGetTheAddressBefore)
+{
+    Fail("ioctl 0x89F2", EIO, 2);
+    int num = 3;
+    EXPECT_TRUE(GetSwitchStatus("eth1", status_, &num));
+    ExpectRecord(0, Record(0, true, "02:00:00:00:00:a1"));
+    ExpectRecord(2, Record(2, true, ""));
+    EXPECT_EQ(Log().back(), Error("GetSwitchStatus", "GetMacByPort 3 error."));
 }
 
 TEST_F(GetSwitchStatusTest, AnAddressOfNobodyIsNotTold)
