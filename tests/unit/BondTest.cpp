@@ -89,6 +89,12 @@ TEST_F(Bond_SetPrimaryTest, WritesTheNameWithItsNul)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(Bond_SetPrimaryTest, AnEmptyNameIsTheDriversToRefuse)
+{
+    EXPECT_TRUE(Bond_SetPrimary(kBond, ""));
+    EXPECT_EQ(Get(Attribute("primary")), "\0"s);
+}
+
 TEST_F(Bond_SetPrimaryTest, ReportsThePathThatCannotBeOpened)
 {
     EXPECT_FALSE(Bond_SetPrimary("bond9", "eth1"));

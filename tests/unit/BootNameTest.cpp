@@ -212,6 +212,18 @@ TEST_F(BootRouteTest, ABondThatIsAPortOfABridgeHasNone)
     EXPECT_EQ(TraceOf({"open /sys/class/net/bond0/bonding/slaves"}).size(), 1U);
 }
 
+TEST_F(BootRouteTest, TheSecondEntryOfACardThatIsASwitchTooHasItsOwn)
+{
+    Put("/mnt/mtd/Config/poeMode.conf", "eth3 = 2\n");
+    Save({"eth3:poe"}, address);
+    List({"eth3"});
+    addAllCardNetRoute();
+    EXPECT_EQ(TraceOf({"ioctl SIOCADDRT"}).size(), 1U);
+    EXPECT_TRUE(Logged(Info("Route_AddIPv4Route",
+                            "10.0.0.0,0.0.0.0,255.0.0.0,eth3:poe##########Route_AddIPv4Route####"
+                            "#######")));
+}
+
 TEST_F(BootRouteTest, ABridgeThatIsAMemberOfABondHasNone)
 {
     Save({"bond0", "br0"}, address);

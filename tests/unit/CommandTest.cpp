@@ -246,6 +246,23 @@ TEST_F(VorlixRunCmdTest, AMissingShellEndsWith127)
     EXPECT_EQ(status, 127);
 }
 
+TEST_F(VorlixRunCmdTest, AMissingShellEndsWithoutTheParentsOwnEnding)
+{
+    // What a program does at its end (flushing, removing its files) is not the child's.
+    static int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    static const pid_t parent = getpid();
+    atexit([] {
+        if (getpid() != parent && write(ends[1], "x", 1) != 1) abort();
+    });
+    Fail("child execlp", ENOENT);
+    EXPECT_TRUE(VorlixRunCmd("true"));
+    close(ends[1]);
+    char byte = 0;
+    EXPECT_EQ(read(ends[0], &byte, 1), 0);
+    close(ends[0]);
+}
+
 // ---- failures behind the child
 
 TEST_F(VorlixRunCmdTest, AnInterruptedWaitIsRepeated)

@@ -227,6 +227,18 @@ TEST_F(RouteAddDefIPv6Test, WithoutASavedGatewayNoDefaultRouteIsLeft)
     EXPECT_EQ(Log(), LogLines{Error("RouteAddDefIPv6", "Can not get eth1 default gw.")});
 }
 
+TEST_F(RouteAddDefIPv6Test, ASavedTextOf47CharactersIsReadAndOneOf48IsNot)
+{
+    const std::string text(47, 'f');
+    Put(kFile61, "GATEWAYIP = " + text + "\n");
+    EXPECT_FALSE(RouteAddDefIPv6("eth1"));
+    EXPECT_TRUE(Logged(Error("GetGatewayv6ByConfig", "gateway addr formate error " + text + ".")));
+    Put(kFile61, "GATEWAYIP = f" + text + "\n");
+    EXPECT_FALSE(RouteAddDefIPv6("eth1"));
+    EXPECT_TRUE(
+        Logged(Error("GetValueByKey", "value len is too small.[len:48,value:f" + text + "]")));
+}
+
 TEST_F(RouteAddDefIPv6Test, LongestGatewayFits)
 {
     const std::string longest = "fe80:1111:2222:3333:4444:5555:192.168.111.222";

@@ -392,10 +392,15 @@ TEST_F(NetPingCheckTest, WithoutAnAddressTheHostIsAskedAllTheSame)
 
 TEST_F(NetPingCheckTest, AnUnknownCardIsAsOneWithoutAddress)
 {
-    EXPECT_FALSE(NetPingCheck("eth9", kHost, 0));
-    EXPECT_EQ(TraceOf({"setsockopt", "bind"}), Texts{});
-    EXPECT_EQ(LogOf("NetPingCheck"), (LogLines{Error("NetPingCheck", "NetGetIPbyName failed")}));
-    EXPECT_EQ(wire.sent.size(), 3U);
+    for (const char* name : {"eth9", ""}) {
+        ClearLog();
+        wire.sent.clear();
+        EXPECT_FALSE(NetPingCheck(name, kHost, 0));
+        EXPECT_EQ(TraceOf({"setsockopt", "bind"}), Texts{});
+        EXPECT_EQ(LogOf("NetPingCheck"),
+                  (LogLines{Error("NetPingCheck", "NetGetIPbyName failed")}));
+        EXPECT_EQ(wire.sent.size(), 3U);
+    }
 }
 
 TEST_F(NetPingCheckTest, NoHostIsAFailureWithoutASound)

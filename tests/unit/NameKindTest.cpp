@@ -106,7 +106,8 @@ TEST_F(NameKindTest, ABondIsWhatHoldsTheWordAndToBuildItNoPoint)
         {"bond0", true, true},           {"xbond0", true, true},     {"mybond1", true, true},
         {"abcdefghijkbond", true, true}, {"bond", true, true},       {"brbond0", true, true},
         {"bond0.5", false, true},        {"bo.nd0", false, false},   {"lan0", false, false},
-        {"bon0", false, false},          {"ethbond.1", false, true},
+        {"bon0", false, false},          {"ethbond.1", false, true}, {".bond0", false, true},
+        {"e.bond0", false, true},        {"bond.0", false, true},
     };
     for (const BondName& row : rows) {
         const std::string folder = "/sys/class/net/" + std::string(row.name) + "/bonding/";
@@ -263,6 +264,32 @@ TEST_F(NameKindTest, OfCardsEth2AloneIsAskedWhetherItIsWireless)
         EXPECT_EQ(static_cast<int>(entry.media), media) << name;
         EXPECT_EQ(entry.valid, media == 1 ? 0 : 1) << name;
         EXPECT_EQ(entry.type, media == 1 ? 0 : isSwitchByName(name) == 1 ? 2 : 0) << name;
+    }
+}
+
+TEST_F(NameKindTest, ASwitchInterfaceIsToldByTheWordBehindAColon)
+{
+    for (const char* name : {"eth0:poe", "xx:poe1", ":poe"}) EXPECT_EQ(isSwitchByName(name), 1);
+    for (const char* name : {"poe0", "ethpoe", "eth0.poe", "eth0:po", "eth0: poe"}) {
+        EXPECT_EQ(isSwitchByName(name), 0) << name;
+    }
+    kernel.cards.clear();
+    Add("ethpoe");
+    NetInterfaceInfo entry{};
+    int32_t count = 1;
+    ASSERT_TRUE(NetGetAllInterface(&entry, &count));
+    EXPECT_EQ(entry.type, netModeMultiple);
+}
+
+TEST_F(NameKindTest, AWorkModeIsThatOfAnyNameThatHoldsEth)
+{
+    const std::vector<std::pair<const char*, bool>> rows = {
+        {"eth0", true}, {"xeth0", true}, {"veth2", true}, {"wlaneth", true}, {"bondeth0", true},
+        {"eth", true},  {"et", false},   {"poe0", false}, {"e.th0", false},  {"ETH0", false}};
+    for (const auto& [name, works] : rows) {
+        NetWorkMode mode = netModeInvalid;
+        EXPECT_EQ(NetGetEthWorkMode(name, &mode), works) << name;
+        EXPECT_EQ(mode, works ? netModeMultiple : netModeInvalid) << name;
     }
 }
 

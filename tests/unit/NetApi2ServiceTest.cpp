@@ -338,6 +338,13 @@ TEST_F(SwitchGetPortNumTest, CountsThePortsOfTheSwitch)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(SwitchGetPortNumTest, ASwitchMayHaveNoPort)
+{
+    ports = 0;
+    EXPECT_EQ(SwitchGetPortNum(), 0);
+    EXPECT_EQ(Log(), LogLines{});
+}
+
 TEST_F(SwitchGetPortNumTest, WithoutASwitchItFails)
 {
     switchIsThere = false;

@@ -372,8 +372,10 @@ TEST_F(ControlPowerTest, PortsAndTotalAreSetEvenWithoutAnObject)
             EXPECT_EQ(control->setPoEPowerOn(object, 0xFFFFFFFFU), result);
             EXPECT_EQ(control->setPoEPowerOff(object, 6), result);
             EXPECT_EQ(control->setPoETotalPower(object, 0), result);
+            EXPECT_EQ(control->setPoEPowerOn(object, 0), result);
+            EXPECT_EQ(control->setPoEPowerOff(object, 0), result);
             EXPECT_EQ(asked, (Texts{"SetPoEPowerOn 4294967295", "SetPoEPowerOff 6",
-                                    "SetPoETotalPower 0"}));
+                                    "SetPoETotalPower 0", "SetPoEPowerOn 0", "SetPoEPowerOff 0"}));
         }
     }
     EXPECT_EQ(Log(), LogLines{});

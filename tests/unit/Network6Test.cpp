@@ -181,6 +181,22 @@ TEST_F(Net6_GetAddressInfoTest, CardsAreToldApartByTheirWholeNames)
     EXPECT_STREQ(out_.addr, "2001:db8::10");
 }
 
+TEST_F(Net6_GetAddressInfoTest, ACardsNameMayHaveNineteenCharacters)
+{
+    const std::string name = "abcdefghijklmnopqrs";
+    for (const char* more : {"", "t", "tu"}) {
+        Put(kTable, "20010db8000000000000000000000001 02 40 00 80 " + name + more + "\n");
+        EXPECT_TRUE(Read(name.c_str(), kGlobal)) << more;
+        EXPECT_FALSE(Read((name + "t").c_str(), kGlobal)) << more;
+    }
+}
+
+TEST_F(Net6_GetAddressInfoTest, AnEmptyNameIsLookedForAsAnyOther)
+{
+    EXPECT_FALSE(Read("", kGlobal));
+    EXPECT_EQ(TraceOf({"open"}), (Calls{std::string("open ") + kTable + " O_RDONLY"}));
+}
+
 TEST_F(Net6_GetAddressInfoTest, ACardWithoutAddressIsSilent)
 {
     kernel.At("eth0").addresses6 = {{"2001:db8::5", 64, kGlobal}};

@@ -133,6 +133,19 @@ TEST_F(BackupPoEConfigTest, ANameIsPrintedBeforeItIsLookedForAndLinked)
     }
 }
 
+TEST_F(BackupPoEConfigTest, OfSeveralMarksTheFirstEndsTheCard)
+{
+    for (const auto& [name, target] : {std::pair{"networketh0:poe:poe", "networkpoe0"},
+                                       std::pair{"networketh1:poe.old", "networkpoe1"},
+                                       std::pair{"networketh:poe2:poe", "networkpoe"}}) {
+        PutFile(name);
+        EXPECT_EQ(BackupPoEConfig(), 0);
+        EXPECT_TRUE(AreOneFile(name, target)) << name;
+        Remove(std::string(kFolder) + name);
+        Remove(std::string(kFolder) + target);
+    }
+}
+
 TEST_F(BackupPoEConfigTest, ANameThatIsThereIsToldBehindIt)
 {
     MakeFolder(std::string(kFolder) + "networkpoe0");  // no file, but the name is taken

@@ -189,6 +189,8 @@ TEST_F(PortCtrlEnablePortTest, AllAddressesFreeEveryPort)
 {
     EXPECT_TRUE(PortCtrlEnablePort("0.0.0.0", 80));
     EXPECT_EQ(Commands(), Texts{"iptables -F PORTCHAIN;ip6tables -F PORTCHAIN"});
+    for (const int port : {0, -1, 65536}) EXPECT_TRUE(PortCtrlEnablePort("0.0.0.0", port));
+    EXPECT_EQ(Commands().size(), 4U);  // the port plays no part
     Fail("vfork", EAGAIN);
     EXPECT_FALSE(PortCtrlEnablePort("0.0.0.0", 80));
 }

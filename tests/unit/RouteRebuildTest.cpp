@@ -86,6 +86,19 @@ TEST_F(RemoveAllRouteTest, TakesTheRoutesOverTheKindsOfTheDevice)
     EXPECT_EQ(kernel.routes, left);
 }
 
+TEST_F(RemoveAllRouteTest, TakesRoutesOverInterfacesThatAreNotListedButHoldAKind)
+{
+    std::vector<Route> left;
+    for (const auto& [name, taken] : {std::pair{"br-77", true}, std::pair{"dockereth", true},
+                                      std::pair{"veth-x", true}, std::pair{"docker0", false}}) {
+        kernel.Add(name);
+        kernel.routes.push_back({"10.0.0.0", "0.0.0.0", "255.0.0.0", name});
+        if (!taken) left.push_back(kernel.routes.back());
+    }
+    removeAllRoute();
+    EXPECT_EQ(kernel.routes, left);
+}
+
 TEST_F(RemoveAllRouteTest, LooksAtThirtyTwoRoutes)
 {
     kernel.Add("eth0");

@@ -60,6 +60,12 @@ TEST_F(StepOrderTest, ARefusedHardwareAddressIsToldBeforeTheCardComesUpAgain)
                "ioctl SIOCGIFFLAGS eth0 on AF_INET", "ioctl SIOCSIFFLAGS eth0 0x1 on AF_INET"}));
 }
 
+TEST_F(StepOrderTest, AnMtuBeyondSixteenBitsGoesToTheKernel)
+{
+    EXPECT_TRUE(Net_SetMtubyName("eth0", 70000));
+    EXPECT_EQ(kernel.At("eth0").mtu, 70000);
+}
+
 TEST_F(StepOrderTest, ANegativeMtuGoesToTheKernel)
 {
     EXPECT_FALSE(Net_SetMtubyName("eth0", -5));

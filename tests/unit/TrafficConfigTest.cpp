@@ -269,6 +269,7 @@ const HandMade kHandMade[] = {
     {"dev eth0, ip " + kFortySeven + ", type 4, bw 8, flag 0,", kFortySeven + " 4 8 0"},
     {"dev eth0, ip 1, type 12345678, bw -1234567, flag +1,", "1 12345678 -1234567 1"},
     {"dev eth0, ip 1, type 1, bw 2, flag 123456789,", "1 1 2 12345678"},
+    {"dev eth0, ip 1, type 010, bw 0100, flag 08,", "1 10 100 8"},
 
     {"dev " + kFifteen + "d, ip 10.0.0.2, type 4, bw 8, flag 0,", ""},
     {"dev eth0, ip " + kFortySeven + "a, type 4, bw 8, flag 0,", ""},
@@ -281,6 +282,7 @@ const HandMade kHandMade[] = {
     {"dev eth0, ip 10.0.0.2, type 4, bw 8, flag", ""},
     {"dev eth0, ip 10.0.0.2, type 4, bw 8 flag 0,", ""},
     {"dev eth0, ip 10.0.0.2, type four, bw 8, flag 0,", ""},
+    {"dev eth0, ip 10.0.0.2, type 0x4, bw 8, flag 0,", ""},
     {"dev eth0, ip 10.0.0.2, type 123456789, bw 8, flag 0,", ""},
     {"dev eth0, ip 10.0.0.2, type 4, bw -12345678, flag 0,", ""},
     {"dev eth0, type 4, ip 10.0.0.2, bw 8, flag 0,", ""},

@@ -175,6 +175,13 @@ TEST_F(TrafCtrlSetBandTest, AnAddressWithoutEndIsToldWith47Characters)
     EXPECT_EQ(Get(kLimits0), Saved({Limit(full.substr(1), 8)}));
 }
 
+TEST_F(TrafCtrlSetBandTest, AnyNumberOfRecordsIsSet)
+{
+    const std::vector<NetTc> limits(40, kFirst);
+    EXPECT_TRUE(Set(limits));
+    EXPECT_EQ(Get(kLimits0), Saved(limits));
+}
+
 TEST_F(TrafCtrlSetBandTest, NoRecordsAreNoFailure)
 {
     EXPECT_TRUE(TrafCtrlSetBand("eth0", &kFirst, 0));
