@@ -137,7 +137,9 @@ INSTANTIATE_TEST_SUITE_P(
                [] { return UnBond("bond0"); },
                {5, 11}},
         Saving{"Bridge",
-               [] { Save({"eth0", "eth1", "br0"}, kAddress); },
+               [] {
+                   Save({"eth0", "eth1", "br0"}, kAddress);
+               },
                [] { return Bridge("br0", Cards().Get(), 2); },
                {7}},
         Saving{"UnBridge",
@@ -147,19 +149,23 @@ INSTANTIATE_TEST_SUITE_P(
                },
                [] { return UnBridge("br0"); },
                {4, 10}},
-        Saving{"BridgeByInterNic",
-               [] {},
-               [] { return BridgeByInterNic(nullptr); },
-               {2, 4}},
+        Saving{"BridgeByInterNic", [] {}, [] { return BridgeByInterNic(nullptr); }, {2, 4}},
         Saving{"DefaultCard",
-               [] { Save({"eth0", "eth1", "eth3"}, kAddress); },
+               [] {
+                   Save({"eth0", "eth1", "eth3"}, kAddress);
+               },
                [] { return SetDefaultEthByConfig("eth1"); },
                {}},
         Saving{"BondsWithoutClaims", PutClaimless, CheckBondConfig, {}},
         Saving{"BridgesWithoutClaims", PutClaimless, CheckBridgeConfig, {}},
         Saving{"BondsOfClaims", PutClaims, CheckBondConfig, {}},
         Saving{"BridgesOfClaims", PutClaims, CheckBridgeConfig, {}},
-        Saving{"WorkModes", [] { Save({"eth0", "eth1"}, kAddress); }, CheckWorkmodeConfig, {}},
+        Saving{"WorkModes",
+               [] {
+                   Save({"eth0", "eth1"}, kAddress);
+               },
+               CheckWorkmodeConfig,
+               {}},
         Saving{"MarkedBothWays",
                [] {
                    Save({"eth0", "eth1"}, {"BONDED = 1", "BRIDGEEDED = 1"});
@@ -167,15 +173,18 @@ INSTANTIATE_TEST_SUITE_P(
                [] { return !CheckWorkmodeConfig(); },
                {}},
         Saving{"OldModes",
-               [] { Save({"bond0", "bond1"}, {"BONDMODE = 5"}); },
+               [] {
+                   Save({"bond0", "bond1"}, {"BONDMODE = 5"});
+               },
                CheckTrunkBondConfig,
                {}},
-        Saving{"Addresses",
-               [] { Save({"eth0", "eth1", "bond0"}, {"WORKMODE = 0"}); },
-               [] {
-                   return CheckEthCardConfig() && CheckBondCardConfig() && CheckWlanCardConfig();
-               },
-               {1, 5, 9, 13}}),
+        Saving{
+            "Addresses",
+            [] {
+                Save({"eth0", "eth1", "bond0"}, {"WORKMODE = 0"});
+            },
+            [] { return CheckEthCardConfig() && CheckBondCardConfig() && CheckWlanCardConfig(); },
+            {1, 5, 9, 13}}),
     [](const auto& info) { return info.param.name; });
 
 }  // namespace

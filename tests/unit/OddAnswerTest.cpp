@@ -14,6 +14,7 @@
 #include "Backup.h"
 #include "Base.h"
 #include "Bond.h"
+#include "Bridge.h"
 #include "CommonApi.h"
 #include "Config.h"
 #include "Dns.h"
@@ -105,6 +106,7 @@ TEST_F(OddAnswerTest, DescriptorZeroIsAProbesSocketLikeAnyOther)
         Arp_Ckeck("eth0", "10.0.0.2", "02:00:00:00:00:01", "10.0.0.9", "ff:ff:ff:ff:ff:ff", 1), 0);
     EXPECT_EQ(wire.sent.size(), 3U);
     EXPECT_EQ(OpenHandles(), Texts{});
+    EXPECT_EQ(LogOf("CreatPFRawSock"), LogLines{});
 }
 
 TEST_F(OddAnswerTest, DescriptorZeroIsBoundLikeAnyOther)
@@ -113,6 +115,47 @@ TEST_F(OddAnswerTest, DescriptorZeroIsBoundLikeAnyOther)
     EXPECT_FALSE(Ping_CheckAlive("eth0", "10.0.0.2", "10.0.0.9", 1));
     EXPECT_EQ(TraceOf({"setsockopt", "bind"}).size(), 2U);
     EXPECT_EQ(LogOf("ListenToSocket").size(), 1U);
+    EXPECT_EQ(LogOf("CreatAFRawSock"), LogLines{});
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsAnAttributeLikeAnyOther)
+{
+    AnswerOddly(Odd::files);
+    const std::string folder = "/sys/class/net/bond0/bonding/";
+    Put(folder + "slaves", "eth0\n");
+    for (const char* attribute : {"active_slave", "primary", "xmit_hash_policy"}) {
+        Put(folder + attribute, "eth0\n");
+    }
+    Put("/sys/class/net/br0/carrier", "1\n");
+    MakeFolder("/sys/class/net/br0/brif");
+    char name[16];
+    EXPECT_TRUE(Bond_GetBondMembers("bond0", nullptr, nullptr));
+    EXPECT_TRUE(Bond_HasMember("bond0", "eth0"));
+    EXPECT_TRUE(Bond_GetActiveSlave("bond0", name, sizeof(name)));
+    EXPECT_TRUE(Bond_SetPrimary("bond0", "eth0"));
+    EXPECT_TRUE(Bond_SetHashPolicy("bond0", 1));
+    EXPECT_TRUE(Bridge_IsBridgeExist("br0"));
+    EXPECT_EQ(OpenHandles(), Texts{});
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsATableLikeAnyOther)
+{
+    AnswerOddly(Odd::files);
+    Put("/proc/net/arp", "titles\n10.0.0.9 0x1 0x6 02:aa:bb:cc:dd:ee * eth0\n");
+    Put("/proc/net/if_inet6", "20010db8000000000000000000000001 02 40 00 80 eth0\n");
+    Put("/mnt/mtd/Config/resolv.conf", "nameserver 10.0.0.7\nnameserver 10.0.0.8\n");
+    Put("/proc/sys/net/ipv4/route/flush", "");
+    NetARPEntry entry{};
+    int count = 1;
+    EXPECT_TRUE(arpGetAllStaticEntry(&entry, &count));
+    EXPECT_EQ(count, 1);
+    char first[64];
+    char second[64];
+    EXPECT_TRUE(Net6_GetIPv6byName("eth0", first, sizeof(first), second, sizeof(second)));
+    EXPECT_TRUE(GetIPv4DnsServer(first, second));
+    Route_Flush_Cache();
+    EXPECT_EQ(Get("/proc/sys/net/ipv4/route/flush"), "-1");
+    EXPECT_EQ(OpenHandles(), Texts{});
 }
 
 /// The backup of an address on the one device that there is.
@@ -178,6 +221,8 @@ TEST_F(OddAnswerTest, AResultAboveZeroIsASuccess)
     EXPECT_TRUE(Route_AddIPv4Route("10.1.0.0", "0.0.0.0", "255.255.0.0", "eth0"));
     EXPECT_TRUE(Route_DelIPv4Route("10.1.0.0", "0.0.0.0", "255.255.0.0", "eth0"));
     EXPECT_TRUE(Route_AddIPv6Route("2001:db8::", "fe80::1", "64", "eth0"));
+    EXPECT_TRUE(BindToDevice(1, "eth0"));
+    EXPECT_TRUE(BindIPPort(1, "10.0.0.2", 0));
     EXPECT_EQ(LogOf("InterfaceIsLink"), LogLines{});
     EXPECT_EQ(LogOf("NetIOCtrl"), LogLines{});
     EXPECT_EQ(LogOf("NetIOCtrlv6"), LogLines{});

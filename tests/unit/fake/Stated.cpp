@@ -84,8 +84,7 @@ void ExpectStated(const std::string& call, const std::string& more)
     if (verb != "open " && verb != "fopen ") return;
 
     const size_t end = call.rfind(' ');
-    EXPECT_TRUE(
-        IsStatedFile(call.substr(begin, end - begin), verb + call.substr(end + 1) + more))
+    EXPECT_TRUE(IsStatedFile(call.substr(begin, end - begin), verb + call.substr(end + 1) + more))
         << call << more;
 }
 
