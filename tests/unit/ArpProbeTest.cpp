@@ -355,6 +355,16 @@ TEST_F(NetArpCheckTest, TheSavedAddressGoesFirst)
     EXPECT_EQ(wire.sent[0].packet[41], 9);
 }
 
+TEST_F(NetArpCheckTest, ASavedAddressOfZerosIsAskedForLikeAnyOther)
+{
+    Put(CardFile("eth0"), Settings({"HOSTIP = 0.0.0.0", "SUBMASK = 0.0.0.0"}));
+    EXPECT_EQ(NetArpCheck("eth0"), 0);
+    ASSERT_EQ(wire.sent.size(), 3U);
+    const Bytes& packet = wire.sent[0].packet;
+    EXPECT_EQ(Bytes(packet.begin() + 28, packet.begin() + 32), Bytes(4, 0));
+    EXPECT_EQ(Bytes(packet.begin() + 38, packet.begin() + 42), Bytes(4, 0));
+}
+
 TEST_F(NetArpCheckTest, TellsWhatWasHeard)
 {
     kernel.At("eth0").mac = "aa:bb:cc:dd:ee:ff";  // as long as a text can be

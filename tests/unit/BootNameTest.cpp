@@ -121,6 +121,16 @@ TEST_F(BootNameTest, BridgesWithoutAClaimGoAlsoWhereTheFolderCannotBeListed)
     for (const char* bridge : {"br0", "br3", "br31"}) EXPECT_FALSE(Exists(CardFile(bridge)));
 }
 
+TEST_F(BootNameTest, AFileThatIsNoBridgesByItsStartStandsForNone)
+{
+    // Where a bridge's number stands this name has one, too.
+    Put("/mnt/mtd/Config/abcdefghi7networkbr0", "");
+    Save({"br3"}, {"BRIDGEMEMBERS = eth1,eth2"});
+    List({"eth1", "eth2"});
+    EXPECT_TRUE(CheckBridgeConfig());
+    EXPECT_EQ(TraceOf({"remove"}), Texts{"remove " + CardFile("br3")});
+}
+
 // ---- building
 
 class BuiltBondTest : public World {

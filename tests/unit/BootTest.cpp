@@ -240,6 +240,18 @@ TEST_F(CommonMainTest, TheListOfCardsIsCutAtItsSize)
     EXPECT_TRUE(Exists(CardFile("ethernetcard119")));
 }
 
+TEST_F(CommonMainTest, TheListOfCardsMayEndInACommaAtItsSize)
+{
+    std::string expected;
+    for (int i = 0; i < 15; ++i) expected += "ethernetcard" + std::to_string(100 + i) + ",";
+    expected += "ethernetcard99,";
+    ASSERT_EQ(expected.size(), 255U);
+    for (int i = 0; i < 15; ++i) kernel.Add("ethernetcard" + std::to_string(100 + i));
+    for (const char* card : {"ethernetcard99", "eth0"}) kernel.Add(card);
+    Lanrise({"x"});
+    EXPECT_EQ(Eths(), expected);
+}
+
 TEST_F(CommonMainTest, ASecondRunOfAHostApplicationAppendsItsCards)
 {
     kernel.Add("eth0");

@@ -434,6 +434,17 @@ TEST_F(SetBridgePortListByConfigTest, ANegativeNumberIsAnEmptyList)
     }
 }
 
+TEST_F(SetBridgePortListByConfigTest, AListIsCutAt255CharactersAndLosesItsLast)
+{
+    std::string full;
+    for (int i = 0; i < 16; ++i) full += "MTU = 1500\n";
+    Put(kBridgeFile, full);
+    const std::string name(260, 'e');
+    EXPECT_FALSE(SavePorts({name}));
+    EXPECT_EQ(Log().back().text, "can not set SSIF = " + name.substr(0, 254) +
+                                     ", too many lines [16] max line num is 16");
+}
+
 TEST_F(SetBridgePortListByConfigTest, NamesAreJoinedAsTheyAre)
 {
     Put(kBridgeFile, "");

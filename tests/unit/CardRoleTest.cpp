@@ -490,10 +490,13 @@ TEST_F(GetWorkModeByConfigTest, ACardWithoutAFileGetsOne)
 
 TEST_F(GetWorkModeByConfigTest, ATextOfMoreThanSevenCharactersIsReplaced)
 {
-    Put(kFile, "WORKMODE = 12345678\n");
-    EXPECT_EQ(Mode(), netModeMultiple);
-    EXPECT_EQ(Get(kFile), "WORKMODE = 0\n");
-    EXPECT_EQ(Log(), (LogLines{TooLong("12345678"), kNotRead, kRepaired}));
+    for (const char* text : {"12345678", "4294967294", "4294967299", "18446744073709551619"}) {
+        ClearLog();
+        Put(kFile, std::string("WORKMODE = ") + text + "\n");
+        EXPECT_EQ(Mode(), netModeMultiple);
+        EXPECT_EQ(Get(kFile), "WORKMODE = 0\n");
+        EXPECT_EQ(Log(), (LogLines{TooLong(text), kNotRead, kRepaired}));
+    }
 }
 
 TEST_F(GetWorkModeByConfigTest, NeverFailsForAName)

@@ -524,6 +524,25 @@ TEST_F(GetAllNetworkFileTest, TheOldNameOfAFileComesLast)
     EXPECT_STREQ(files[2], "network2");
 }
 
+TEST_F(GetAllNetworkFileTest, TheOldNameIsMovedAmongTheFilesListedAlone)
+{
+    char files[4][64];
+    for (auto& file : files) strcpy(file, "network2");
+    Put(In("networketh3"), "");
+    int count = 3;
+    EXPECT_TRUE(GetAllNetworkFile(files, &count));
+    EXPECT_EQ(count, 1);
+    EXPECT_STREQ(files[0], "networketh3");
+}
+
+TEST_F(GetAllNetworkFileTest, AFileIsToldByItselfAndNotByTheTypeOfItsEntry)
+{
+    Put(In("network"), "");
+    MakeFolder(In("networkdir"));
+    TellNoEntryTypes();
+    EXPECT_EQ(List(32), Texts{"network"});
+}
+
 TEST_F(GetAllNetworkFileTest, PassesOverWhatIsNoFile)
 {
     Put(In("network"), "");

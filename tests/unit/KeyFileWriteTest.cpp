@@ -396,6 +396,19 @@ TEST_F(SetValueByKeyTest, AFileThatCannotBeReadToItsEndIsNotReplaced)
     EXPECT_EQ(HeldMutexes(), 0);
 }
 
+TEST_F(SetValueByKeyTest, TheLastLineKeptMayNeedItsNewlineAtItsVeryEnd)
+{
+    std::string lines;
+    for (int i = 0; i < 15; ++i) lines += "MTU = 1500\n";
+    const std::string last = "ROUTE = " + std::string(246, 'r');  // 254 characters
+    Put(kFile, lines + last);
+    EXPECT_TRUE(SetValueByKey(kFile, "ROUTE", "none"));
+    EXPECT_EQ(Get(kFile), lines + "ROUTE = none\n");
+    Put(kFile, lines + last);
+    EXPECT_TRUE(SetValueByKey(kFile, "MTU", "1500"));
+    EXPECT_EQ(Get(kFile), lines + last + "\n");
+}
+
 TEST_F(SetValueByKeyTest, AFullDiskIsNotSeenAtTheFlush)
 {
     Put(kFile, "MTU = 1500\n");

@@ -8,7 +8,10 @@
 #include "Steps.h"
 
 #include "Base.h"
+#include "Bond.h"
+#include "Bridge.h"
 #include "CommonApi.h"
+#include "Config.h"
 #include "Network6.h"
 #include "Route.h"
 
@@ -96,6 +99,60 @@ TEST_F(NameFieldTest, AnAddressIsThatOfTheWholeName)
     for (const std::string& other : {kName16, kName15.substr(0, 14)}) {
         EXPECT_FALSE(Net6_GetIPv6byName(other.c_str(), address, 46, prefix, 8)) << other;
     }
+}
+
+// ---- paths and commands of 256 bytes, paths of settings of 64
+
+std::string Attribute(const std::string& card, const std::string& name)
+{
+    return "/sys/class/net/" + card + "/" + name;
+}
+
+TEST_F(NameFieldTest, ThePathsOfALongBondNameAreCutAt255Characters)
+{
+    const std::string bond = "bond" + std::string(240, '0');
+    char card[16];
+    EXPECT_FALSE(Bond_GetActiveSlave(bond.c_str(), card, sizeof(card)));
+    const std::string path = Attribute(bond, "bonding/active_slave").substr(0, 255);
+    EXPECT_EQ(Log().back().text, "open " + path + " failed[" + strerror(ENOENT) + "]");
+}
+
+TEST_F(NameFieldTest, TheCommandsOfALongBondNameAreCutAt255Characters)
+{
+    const std::string bond = "bond" + std::string(246, '0');
+    kernel.Add(bond.substr(0, 15));
+    const char* nobody[] = {""};
+    EXPECT_TRUE(Bond_Bond(bond.c_str(), nobody, 0));
+    EXPECT_EQ(Commands(), Texts{("ifenslave " + bond).substr(0, 255)});
+}
+
+TEST_F(NameFieldTest, ThePathsOfALongBridgeNameAreCutAt255Characters)
+{
+    std::string bridge = "br" + std::string(240, '0');
+    vorlix::MemberTable members;
+    EXPECT_FALSE(members.Read(Bridge_GetBridgeMembers, bridge.c_str()));
+    EXPECT_EQ(Log().back().text, "Open " + Attribute(bridge, "brif/").substr(0, 255) + " failed\n");
+
+    bridge = "br" + std::string(231, '0');
+    MakeFolder(Attribute(bridge, "brif"));
+    EXPECT_FALSE(Bridge_IsBridgeExist(bridge.c_str()));
+    EXPECT_EQ(TraceOf({"open"}).back(),
+              "open " + Attribute(bridge, "carrie") + " O_RDONLY");  // the last letter is cut off
+}
+
+TEST_F(NameFieldTest, ThePathOfASettingFileIsCutAt63Characters)
+{
+    const std::string card = "bond" + std::string(37, '0');
+    const std::string path = CardFile(card).substr(0, 63);
+    ASSERT_EQ(CardFile(card).size(), 64U);
+    Put(path, Settings({"HOSTIP = 10.0.0.2", "SUBMASK = 255.0.0.0", "BONDMEMBERS = eth1"}));
+    char address[16];
+    char mask[16];
+    EXPECT_TRUE(GetIPByConfig(card.c_str(), address, mask));
+    EXPECT_STREQ(address, "10.0.0.2");
+    bool isTrunk = false;
+    std::string name = card;
+    EXPECT_TRUE(IsTrunkBondConfig(name.data(), &isTrunk));
 }
 
 }  // namespace

@@ -169,6 +169,17 @@ TEST_F(CreateNetBridgeTest, AnEmptyListIsNotSaved)
     Forget(bridge);
 }
 
+TEST_F(CreateNetBridgeTest, ABridgeWithoutPortsIsBuiltAndItsListNotSaved)
+{
+    ASSERT_EQ(Create(kBridge, cards.Const(), 0), 0);
+    EXPECT_EQ(Commands(), (Lines{"brctl addbr br0", "ifconfig br0 up"}));
+    EXPECT_EQ(LogOf(kTold),
+              (LogLines{CreatesNow(kBridge), Warn(kTold, "save SSIF config failed")}));
+    EXPECT_EQ(Get(kTreeFile), "BRIDGES = 0\n");
+    EXPECT_NE(Get(kBridgeFile).find("BRIDGEMEMBERS = \n"), std::string::npos);
+    Forget(bridge);
+}
+
 TEST_F(CreateNetBridgeTest, ABadNameIsToldFromTopToBottom)
 {
     EXPECT_EQ(Create("bra", cards.Const(), cards.Count()), -1);
@@ -270,7 +281,9 @@ TEST_F(BridgeReferenceTest, AnObjectGoesAlsoWhenItsBridgeStays)
     const size_t blocks = HeapBlocks();
     CreateOfExisting();
     FailAll("vfork", EAGAIN);
+    EXPECT_EQ(HeapBlocks(), 2U);
     EXPECT_EQ(bridge->release(bridge), 0);
+    EXPECT_EQ(HeapBlocks(), 0U);
     EXPECT_EQ(Log().back(), Error("UnBridge", "UnBridge failed.[br0]"));
     EXPECT_EQ(HeapBlocks(), blocks);
 }

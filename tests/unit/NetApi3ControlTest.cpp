@@ -226,6 +226,16 @@ TEST_F(CreateNetControlTest, ReferencesAreCountedUnderTheLock)
     EXPECT_EQ(Log(), LogLines{});
 }
 
+TEST_F(CreateNetControlTest, TheLastReleaseGivesAllMemoryBack)
+{
+    const size_t blocks = HeapBlocks();
+    QV_PAL_NetControl* other = nullptr;
+    ASSERT_EQ(createNetControl(nullptr, &other), 0);
+    EXPECT_EQ(HeapBlocks(), blocks + 2);
+    EXPECT_EQ(other->release(other), 0);
+    EXPECT_EQ(HeapBlocks(), blocks);
+}
+
 /// What an application has released too often is still whole: an object goes at the count of 0,
 /// and at no other.
 TEST_F(CreateNetControlTest, ACountBelowZeroFreesNothing)

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -84,6 +85,15 @@ TEST_F(SetTelnetTest, WritesTheWishWithItsTerminator)
     EXPECT_EQ(Set(0), 0);
     EXPECT_EQ(Get(kTelnet), "off\0"s);
     EXPECT_EQ(Log(), LogLines{});
+}
+
+TEST_F(SetTelnetTest, AFileThatIsNotOursIsClosedBeforeItIsToldOf)
+{
+    Put("/tmp/elsewhere", "");
+    std::filesystem::create_symlink("elsewhere", Mapped(kTelnet));
+    ExpectRefused();
+    EXPECT_EQ(TimelineOf({"close", "Error"}),
+              (Texts{"close /tmp/telnet", "Error|API3_setTelnet|open /tmp/telnet failed"}));
 }
 
 TEST_F(SetTelnetTest, ANewFileIsItsOwnersAlone)
@@ -241,6 +251,7 @@ TEST_F(SetStpTest, AMissingFileIsToldAndTriedAgain)
         ClearLog();
         EXPECT_EQ(Set(1), -1);
         EXPECT_EQ(Log(), LogLines{Error("API3_setSTP", "can not open /proc/stp_ctrl")});
+        EXPECT_EQ(TraceOf({"fcntl", "write"}), Texts{});
     }
     EXPECT_FALSE(Exists(kTree));
     Put(kTree, "");

@@ -383,6 +383,8 @@ TEST_F(RegistryTest, RefusesNullInSilence)
     EXPECT_EQ(insertNode("eth0", nullptr), -1);
     EXPECT_EQ(findNode(nullptr, &found), -1);
     EXPECT_EQ(findNode("eth0", &found), -1);
+    EXPECT_EQ(insertNode("eth0", &object), 0);
+    EXPECT_EQ(findNode(nullptr, &found), -1);
     EXPECT_EQ(found, nullptr);
     EXPECT_EQ(Log(), LogLines{});
 }

@@ -160,12 +160,18 @@ TEST_F(RtnlTalkTest, AsManyBytesAreSentAsTheHeaderTells)
 
 TEST_F(RtnlTalkTest, AnotherPeerIsSpokenToAndAnswers)
 {
-    Datagram answer = Arrives(Done());
-    answer.sender = 77;
-    rtnetlink.script = {answer};
-    EXPECT_EQ(rtnl_talk(&handle, &request, 77, 5, nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(rtnetlink.peers[0].nl_pid, 77U);
-    EXPECT_EQ(rtnetlink.peers[0].nl_groups, 5U);
+    // The widest is what a process id of the kernel's largest `pid_max` takes.
+    const uint32_t number = handle.seq;
+    for (const pid_t peer : {77, 0x10000 + 77, 0x400000 - 1}) {
+        rtnetlink.peers.clear();
+        handle.seq = number;
+        Datagram answer = Arrives(Done());
+        answer.sender = static_cast<uint32_t>(peer);
+        rtnetlink.script = {answer};
+        EXPECT_EQ(rtnl_talk(&handle, &request, peer, 0x10005, nullptr, nullptr, nullptr), 0);
+        EXPECT_EQ(rtnetlink.peers[0].nl_pid, static_cast<uint32_t>(peer));
+        EXPECT_EQ(rtnetlink.peers[0].nl_groups, 0x10005U);
+    }
 }
 
 TEST_F(RtnlTalkTest, WithoutMemoryNothingIsSent)

@@ -26,6 +26,7 @@
 #include "Other.h"
 #include "Route.h"
 #include "Support/KeyFile.h"
+#include "Switch.h"
 #include "TrafficControl.h"
 
 #include <cerrno>
@@ -107,6 +108,15 @@ TEST_F(OddAnswerTest, DescriptorZeroIsAProbesSocketLikeAnyOther)
     EXPECT_EQ(wire.sent.size(), 3U);
     EXPECT_EQ(OpenHandles(), Texts{});
     EXPECT_EQ(LogOf("CreatPFRawSock"), LogLines{});
+}
+
+TEST_F(OddAnswerTest, DescriptorZeroIsAPowerSupplyLikeAnyOther)
+{
+    AnswerOddly(Odd::descriptors);
+    Put("/dev/qv_poe", "");
+    EXPECT_TRUE(PoE_SetPowerOn(1));
+    EXPECT_EQ(Log(), LogLines{});
+    EXPECT_EQ(OpenHandles(), Texts{});
 }
 
 TEST_F(OddAnswerTest, DescriptorZeroIsBoundLikeAnyOther)

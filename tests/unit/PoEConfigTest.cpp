@@ -210,6 +210,15 @@ TEST_F(BackupPoEConfigTest, OtherKindsOfEntriesArePassedOver)
     EXPECT_EQ(PlainOutput(), "");
 }
 
+TEST_F(BackupPoEConfigTest, EntriesWithoutATypeArePassedOver)
+{
+    for (const char* name : {"networketh0:poe", "networkpoe1"}) PutFile(name);
+    TellNoEntryTypes();
+    EXPECT_EQ(BackupPoEConfig(), 0);
+    EXPECT_EQ(PlainOutput(), "");
+    EXPECT_EQ(Names(), (NameSet{"networketh0:poe", "networkpoe1"}));
+}
+
 TEST_F(BackupPoEConfigTest, WhatStandsBehindTheMarkIsNotLookedAt)
 {
     PutFile("networketh0:poe.bak");

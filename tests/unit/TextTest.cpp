@@ -236,6 +236,16 @@ TEST(ParseLooseIPv4, TakesEachFormThatAHandMayWrite)
     }
 }
 
+TEST(ParseLooseIPv4, TakesAnyLength)
+{
+    for (const size_t length : {62, 63, 64, 65, 66, 1000, 100000}) {
+        const std::string text = std::string(length - 8, '0') + "12.1.2.3";  // octal
+        in_addr value{};
+        EXPECT_TRUE(ParseLooseIPv4(text.c_str(), &value)) << length;
+        EXPECT_EQ(value.s_addr, htonl(0x0A010203)) << length;
+    }
+}
+
 TEST(ParseLooseIPv4, RefusesOtherTextsAndLeavesTheValue)
 {
     for (const char* text : {"", " 10.1.2.3", "10.1.2.3.4", "10.1.2.256", "10.1.2.3,", "10.1.2.x",

@@ -249,6 +249,26 @@ TEST_F(DoBridgeStuffTest, OnlyRegularFilesOfBridgesCount)
     EXPECT_EQ(LogOf("DoBridgeStuff"), LogLines{});  // nor was one tried
 }
 
+TEST_F(DoBridgeStuffTest, APortsNameOf32CharactersIsHandedOnWhole)
+{
+    const std::string port = "eth0abcdefghijk" + std::string(17, 'l');
+    SaveBridge("br0", port + ",eth1");
+    List({port.substr(0, 15), "eth1"});
+    EXPECT_TRUE(DoBridgeStuff());
+    EXPECT_EQ(Commands()[1], "brctl addif br0 " + port);
+    EXPECT_EQ(Commands()[3], "brctl addif br0 eth1");
+}
+
+TEST_F(DoBridgeStuffTest, EntriesWithoutATypeArePassedOver)
+{
+    SaveBridge("br0", "eth1,eth2");
+    List({"eth1", "eth2"});
+    TellNoEntryTypes();
+    EXPECT_TRUE(DoBridgeStuff());
+    EXPECT_EQ(Commands(), std::vector<std::string>{});
+    EXPECT_EQ(LogOf("DoBridgeStuff"), LogLines{});
+}
+
 TEST_F(DoBridgeStuffTest, ABridgeThatCannotBeBuiltIsAWarning)
 {
     SaveBridge("br0", "eth1,eth9");

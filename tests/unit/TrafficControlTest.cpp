@@ -339,14 +339,16 @@ TEST_F(TC_SetSendBandTest, NumbersGoOnByTenOverAllCards)
     EXPECT_EQ(NewCommands(), Join({RootCommands("eth0"), LimitCommands("eth0", limit, 40)}));
 }
 
-TEST_F(TC_SetSendBandTest, NumbersGoOnBeyondAThousandLimits)
+TEST_F(TC_SetSendBandTest, NumbersGoOnBeyondAThousandLimitsAndBeyond16Bits)
 {
     Init({"eth0"});
     const NetTc limit = Limit("10.0.0.2", 8);
-    for (int number = 10; number <= 10020; number += 10) {
+    for (int number = 10; number <= 65560; number += 10) {
         ClearTrace();
+        const bool isLookedAt = (number >= 9980 && number <= 10020) || number >= 65500;
+        ReadCommands(isLookedAt);
         EXPECT_TRUE(TC_SetSendBand("eth0", limit));
-        if (number < 9980) continue;
+        if (!isLookedAt) continue;
         const Texts commands = Commands();
         EXPECT_EQ(Texts(commands.end() - 3, commands.end()), LimitCommands("eth0", limit, number));
     }

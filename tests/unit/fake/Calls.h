@@ -30,6 +30,9 @@ void ClearTrace();
 /// `sendmsg` whose trace text begins with `call` move at most so many bytes.
 void Shorten(const std::string& call, size_t bytes);
 
+/// From here on the entries of a folder have no type, as those of some file systems.
+void TellNoEntryTypes();
+
 /// Lets calls fail whose trace text begins with `call`: the `nth` of them from now, or with
 /// `everyone` that one and all behind it.
 void Fail(const std::string& call, int error, int nth = 1, bool everyone = false);

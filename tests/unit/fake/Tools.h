@@ -21,6 +21,10 @@ const std::vector<std::string>& Commands();
 void OnCommand(const std::string& start, std::function<void(const std::string& text)> action,
                int waitStatus = 0);
 
+/// Whether commands are read, as they are at first: otherwise each ends at once, well and without a
+/// child, for tests that run thousands of them.
+void ReadCommands(bool read);
+
 /// Seconds since the epoch that `time` and `gettimeofday` tell, and what the latter adds to them.
 void SetClock(time_t seconds, long microseconds = 0);
 

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -81,6 +82,8 @@ time_t clockSeconds = 1000000;
 long clockMicroseconds = 0;
 unsigned slept = 0;
 std::vector<std::string> commands;
+bool entryTypesAreTold = true;
+bool commandsAreRead = true;
 
 struct CommandRule {
     std::string start;
@@ -97,6 +100,7 @@ struct Mailbox {
 };
 Mailbox* mailbox = nullptr;
 pid_t shell = -1;
+constexpr pid_t kNobody = INT_MAX;
 
 struct Flag {
     int bit;
@@ -330,6 +334,16 @@ unsigned Slept()
     return slept;
 }
 
+void ReadCommands(bool read)
+{
+    commandsAreRead = read;
+}
+
+void TellNoEntryTypes()
+{
+    entryTypesAreTold = false;
+}
+
 void OnCommand(const std::string& start, std::function<void(const std::string&)> action,
                int waitStatus)
 {
@@ -339,6 +353,8 @@ void OnCommand(const std::string& start, std::function<void(const std::string&)>
 void ResetTools()
 {
     heldMutexes = 0;
+    entryTypesAreTold = true;
+    commandsAreRead = true;
     slept = 0;
     commands.clear();
     rules.clear();
@@ -518,7 +534,9 @@ dirent* __wrap_readdir(DIR* folder)
 {
     const int known = Known(folder);
     if (known >= 0 && !Note("readdir", " " + PathOf(known))) return nullptr;
-    return __real_readdir(folder);
+    dirent* entry = __real_readdir(folder);
+    if (entry != nullptr && known >= 0 && !entryTypesAreTold) entry->d_type = DT_UNKNOWN;
+    return entry;
 }
 
 int __wrap_closedir(DIR* folder)
@@ -643,6 +661,7 @@ int __wrap_sigprocmask(int how, const sigset_t* mask, sigset_t* old)
 pid_t __wrap_vfork()
 {
     if (!Note("vfork")) return -1;
+    if (!commandsAreRead) return kNobody;
     *mailbox = Mailbox();
     fflush(stdout);
     const pid_t child = fork();
@@ -677,6 +696,10 @@ int __wrap_execlp(const char* file, const char* zero, ...)
 
 pid_t __wrap_waitpid(pid_t pid, int* status, int options)
 {
+    if (pid == kNobody) {
+        *status = 0;
+        return pid;
+    }
     if (pid != shell) return __real_waitpid(pid, status, options);
     if (!Note("waitpid", " the child, options " + std::to_string(options))) return -1;
 
