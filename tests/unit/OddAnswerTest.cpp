@@ -119,6 +119,16 @@ TEST_F(OddAnswerTest, DescriptorZeroIsAPowerSupplyLikeAnyOther)
     EXPECT_EQ(OpenHandles(), Texts{});
 }
 
+TEST_F(OddAnswerTest, DescriptorZeroIsABondsAttributeLikeAnyOther)
+{
+    AnswerOddly(Odd::files);
+    kernel.Add("bond0");
+    Put("/sys/class/net/bond0/bonding/xmit_hash_policy", "");
+    EXPECT_TRUE(Bond_SetHashPolicy("bond0", 3));
+    EXPECT_EQ(Log(), LogLines{});
+    EXPECT_EQ(TraceOf({"open /sys"}).size(), 1U);
+}
+
 TEST_F(OddAnswerTest, DescriptorZeroIsBoundLikeAnyOther)
 {
     AnswerOddly(Odd::descriptors);
