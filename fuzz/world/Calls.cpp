@@ -119,7 +119,6 @@ int OpenNode(const char* path, int flags)
         return -1;
     }
     if ((flags & O_TRUNC) != 0) node->text.clear();
-    PrintTable(node, path);
     const int fd = FreeNumber(kFirst);
     Handle& handle = handles[fd];
     handle.kind = Kind::file;
@@ -144,6 +143,7 @@ int OpenSocket(int family)
 ssize_t ReadAt(const Handle& handle, void* buffer, size_t size, off_t offset)
 {
     if (Fails(&readsBefore, &readError)) return -1;
+    if (offset == 0) PrintTable(handle.node, handle.path);
     const std::string& text = handle.node->text;
     const auto from = std::min(static_cast<size_t>(offset), text.size());
     const size_t count = std::min(size, text.size() - from);
@@ -423,7 +423,6 @@ ssize_t __wrap_pread(int fd, void* buffer, size_t size, off_t offset)
 {
     const Handle* handle = HandleOf(fd);
     if (handle == nullptr || handle->kind != Kind::file) return -1;
-    if (offset == 0) PrintTable(handle->node, handle->path.c_str());
     return ReadAt(*handle, buffer, size, offset);
 }
 

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 namespace fuzz {
 
@@ -19,9 +20,9 @@ struct Name {
 };
 
 constexpr ino_t kFirstNumber = 100;
-constexpr char kCardTable[] = "/proc/net/dev";
-constexpr const char* kTables[] = {kCardTable, "/proc/net/route", "/proc/net/ipv6_route",
-                                   "/proc/net/if_inet6", "/proc/net/arp"};
+constexpr std::string_view kCardTable = "/proc/net/dev";
+constexpr std::string_view kTables[] = {kCardTable, "/proc/net/route", "/proc/net/ipv6_route",
+                                        "/proc/net/if_inet6", "/proc/net/arp"};
 
 // Names and nodes are kept from input to input for the memory of their texts.
 std::vector<Name> names;
@@ -29,26 +30,30 @@ size_t nameCount = 0;
 std::vector<std::unique_ptr<Node>> nodes;
 size_t nodeCount = 0;
 
-bool IsIn(const std::string& path, const char* folder, size_t length)
+bool IsIn(const std::string& path, std::string_view folder)
 {
-    return path.size() > length && path[length] == '/' &&
-           path.compare(0, length, folder, length) == 0;
+    return path.size() > folder.size() && path[folder.size()] == '/' &&
+           path.compare(0, folder.size(), folder) == 0;
 }
 
-bool IsFolder(const char* path, size_t length)
+bool IsFolder(std::string_view path)
 {
     for (size_t i = 0; i < nameCount; ++i) {
-        if (IsIn(names[i].path, path, length)) return true;
+        if (IsIn(names[i].path, path)) return true;
     }
     return false;
 }
 
-Name* NameOf(const char* path)
+/// Paths of one length mostly differ at their end.
+bool IsSame(const std::string& path, std::string_view other)
 {
-    const size_t length = strlen(path);
+    return path.size() == other.size() && path.back() == other.back() && path == other;
+}
+
+Name* NameOf(std::string_view path)
+{
     for (size_t i = 0; i < nameCount; ++i) {
-        Name& name = names[i];
-        if (name.path.size() == length && memcmp(name.path.data(), path, length) == 0) return &name;
+        if (IsSame(names[i].path, path)) return &names[i];
     }
     return nullptr;
 }
@@ -65,7 +70,7 @@ Node* NewNode()
     return node;
 }
 
-Node* Enter(const char* path, Node* node)
+Node* Enter(std::string_view path, Node* node)
 {
     if (nameCount == names.size()) names.emplace_back();
     Name& name = names[nameCount++];
@@ -82,25 +87,23 @@ void Drop(Name* name)
     std::swap(*name, names[--nameCount]);
 }
 
-bool IsTable(const char* path)
+bool IsTable(std::string_view path)
 {
-    return std::any_of(std::begin(kTables), std::end(kTables),
-                       [&](const char* table) { return strcmp(table, path) == 0; });
+    return std::find(std::begin(kTables), std::end(kTables), path) != std::end(kTables);
 }
 
-Node* NewTable(const char* path)
+Node* NewTable(std::string_view path)
 {
     Node* node = Enter(path, NewNode());
     node->isTable = true;
     return node;
 }
 
-bool FolderOfIsThere(const char* path)
+bool FolderOfIsThere(std::string_view path)
 {
-    const char* end = strrchr(path, '/');
-    return end != nullptr && end != path &&
-           (IsFolder(path, static_cast<size_t>(end - path)) ||
-            NameOf(std::string(path, end).c_str()) != nullptr);
+    const size_t end = path.rfind('/');
+    if (end == std::string_view::npos || end == 0) return false;
+    return IsFolder(path.substr(0, end)) || NameOf(path.substr(0, end)) != nullptr;
 }
 
 /// The table of the cards, which is asked for most of all: printed when a card has changed.
@@ -119,12 +122,12 @@ const std::string& CardTable()
     if (!std::equal(shown.begin(), shown.end(), cards.begin(), cards.end(), same) || text.empty()) {
         shown.clear();
         for (const fake::Card& card : cards) shown.push_back({card.name, card.counters});
-        text = *fake::TableText(kCardTable);
+        text = *fake::TableText(std::string(kCardTable));
     }
     return text;
 }
 
-dirent EntryOf(const std::string& path, size_t from, const Node& node)
+dirent EntryOf(std::string_view path, size_t from, const Node& node)
 {
     dirent entry{};
     const size_t end = std::min(path.find('/', from), path.size());
@@ -138,17 +141,24 @@ dirent EntryOf(const std::string& path, size_t from, const Node& node)
     return entry;
 }
 
+/// Room for all entries that a folder may have.
+size_t EntryRoom(std::string_view folder)
+{
+    return 2 + static_cast<size_t>(
+                   std::count_if(names.begin(), names.begin() + static_cast<ptrdiff_t>(nameCount),
+                                 [&](const Name& name) { return IsIn(name.path, folder); }));
+}
+
 }  // namespace
 
 // ---- for the calls
 
-Node* Find(const char* path)
+Node* Find(std::string_view path)
 {
-    const size_t length = strlen(path);
-    if (length > 1 && path[length - 1] == '/') return Find(std::string(path, length - 1).c_str());
+    while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
     if (Name* name = NameOf(path)) return name->node;
     if (IsTable(path)) return NewTable(path);
-    if (IsFolder(path, length)) {
+    if (IsFolder(path)) {
         static Node folder;
         folder.isFolder = true;
         folder.number = 1;
@@ -159,7 +169,7 @@ Node* Find(const char* path)
     return nullptr;
 }
 
-Node* FindOrMake(const char* path)
+Node* FindOrMake(std::string_view path)
 {
     if (Node* node = Find(path)) return node;
     if (!FolderOfIsThere(path)) return nullptr;
@@ -203,17 +213,20 @@ int UnlinkNode(const char* path)
     return 0;
 }
 
-std::vector<dirent> EntriesOf(const char* path)
+std::vector<dirent> EntriesOf(std::string_view path)
 {
     static const Node self;
-    std::vector<dirent> entries = {EntryOf(".", 0, self), EntryOf("..", 0, self)};
-    entries[0].d_type = entries[1].d_type = DT_DIR;
-    size_t length = strlen(path);
-    while (length > 1 && path[length - 1] == '/') --length;
+    while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
+    std::vector<dirent> entries;
+    entries.reserve(EntryRoom(path));
+    for (const char* name : {".", ".."}) {
+        entries.push_back(EntryOf(name, 0, self));
+        entries.back().d_type = DT_DIR;
+    }
     for (size_t i = 0; i < nameCount; ++i) {
-        if (!IsIn(names[i].path, path, length)) continue;
+        if (!IsIn(names[i].path, path)) continue;
 
-        const dirent entry = EntryOf(names[i].path, length + 1, *names[i].node);
+        const dirent entry = EntryOf(names[i].path, path.size() + 1, *names[i].node);
         const bool known = entry.d_type == DT_DIR &&
                            std::any_of(entries.begin(), entries.end(), [&](const dirent& other) {
                                return strcmp(other.d_name, entry.d_name) == 0;
@@ -223,10 +236,10 @@ std::vector<dirent> EntriesOf(const char* path)
     return entries;
 }
 
-void PrintTable(Node* node, const char* path)
+void PrintTable(Node* node, const std::string& path)
 {
     if (!node->isTable) return;
-    node->text = strcmp(path, kCardTable) == 0 ? CardTable() : *fake::TableText(path);
+    node->text = path == kCardTable ? CardTable() : *fake::TableText(path);
 }
 
 void ResetFiles()
@@ -239,29 +252,29 @@ void ResetFiles()
 
 // ---- for the targets
 
-void Put(const std::string& path, const std::string& text)
+void Put(std::string_view path, const std::string& text)
 {
-    Name* name = NameOf(path.c_str());
-    Node* node = name != nullptr ? name->node : Enter(path.c_str(), NewNode());
+    Name* name = NameOf(path);
+    Node* node = name != nullptr ? name->node : Enter(path, NewNode());
     node->isTable = false;
     node->text = text;
 }
 
-const std::string& Get(const std::string& path)
+const std::string& Get(std::string_view path)
 {
     static const std::string nothing = "(no file)";
-    const Node* node = Find(path.c_str());
+    const Node* node = Find(path);
     return node == nullptr ? nothing : node->text;
 }
 
-bool Exists(const std::string& path)
+bool Exists(std::string_view path)
 {
-    return Find(path.c_str()) != nullptr;
+    return Find(path) != nullptr;
 }
 
-void MakeFolder(const std::string& path)
+void MakeFolder(std::string_view path)
 {
-    if (NameOf(path.c_str()) == nullptr) Enter(path.c_str(), NewNode())->isFolder = true;
+    if (NameOf(path) == nullptr) Enter(path, NewNode())->isFolder = true;
 }
 
 void Link(const std::string& path, const std::string& name)
@@ -269,16 +282,16 @@ void Link(const std::string& path, const std::string& name)
     (void)LinkNode(path.c_str(), name.c_str());
 }
 
-void Remove(const std::string& path)
+void Remove(std::string_view path)
 {
     for (size_t i = nameCount; i-- > 0;) {
-        if (names[i].path == path || IsIn(names[i].path, path.c_str(), path.size())) {
+        if (names[i].path == path || IsIn(names[i].path, path)) {
             Drop(&names[i]);
         }
     }
 }
 
-std::vector<std::string> Files(const std::string& start)
+std::vector<std::string> Files(std::string_view start)
 {
     std::vector<std::string> paths;
     for (size_t i = 0; i < nameCount; ++i) {

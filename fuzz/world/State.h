@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <cstdio>
@@ -26,20 +27,20 @@ struct Node {
 };
 
 /// The node that a path leads to; NULL with `errno` when there is none.
-Node* Find(const char* path);
+Node* Find(std::string_view path);
 
 /// The same; makes an empty file where its folder is.
-Node* FindOrMake(const char* path);
+Node* FindOrMake(std::string_view path);
 
 int LinkNode(const char* from, const char* to);
 int RenameNode(const char* from, const char* to);
 int UnlinkNode(const char* path);
 
 /// The entries of a folder as `readdir` gives them.
-std::vector<dirent> EntriesOf(const char* path);
+std::vector<dirent> EntriesOf(std::string_view path);
 
 /// Prints a table of the kernel's model into its node.
-void PrintTable(Node* node, const char* path);
+void PrintTable(Node* node, const std::string& path);
 
 void ResetFiles();
 void ResetCalls();

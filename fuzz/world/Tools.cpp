@@ -16,22 +16,29 @@ namespace {
 
 using Words = std::vector<std::string>;
 
+constexpr char kCards[] = "/sys/class/net/";
+constexpr char kSlaves[] = "/bonding/slaves";
+
 Words WordsOf(const std::string& command)
 {
-    std::istringstream stream(command);
+    constexpr char kBlanks[] = " \t\n\v\f\r";
     Words words;
-    for (std::string word; stream >> word;) words.push_back(word);
+    for (size_t at = 0; (at = command.find_first_not_of(kBlanks, at)) != std::string::npos;) {
+        const size_t end = std::min(command.find_first_of(kBlanks, at), command.size());
+        words.emplace_back(command, at, end - at);
+        at = end;
+    }
     return words;
 }
 
 std::string Of(const std::string& master)
 {
-    return "/sys/class/net/" + master;
+    return kCards + master;
 }
 
 std::string SlavesOf(const std::string& bond)
 {
-    return Of(bond) + "/bonding/slaves";
+    return Of(bond) + kSlaves;
 }
 
 bool IsBridge(const std::string& name)
@@ -144,10 +151,13 @@ void AddBond(const std::string& name)
 
 std::string MasterOf(const std::string& card)
 {
+    static std::string path;  // kept for its memory: this is asked for most of all
     for (const fake::Card& master : fake::kernel.cards) {
-        if (Exists(Of(master.name) + "/brif/" + card)) return master.name;
-        if (!IsBond(master.name)) continue;
-        const Words slaves = WordsOf(Get(SlavesOf(master.name)));
+        path.assign(kCards).append(master.name).append("/brif/").append(card);
+        if (Exists(path)) return master.name;
+        path.assign(kCards).append(master.name).append(kSlaves);
+        if (!Exists(path)) continue;
+        const Words slaves = WordsOf(Get(path));
         if (std::find(slaves.begin(), slaves.end(), card) != slaves.end()) return master.name;
     }
     return "";

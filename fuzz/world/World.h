@@ -18,6 +18,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fuzz {
@@ -32,22 +33,22 @@ void NextProcess();
 // ---- files
 
 /// Writes a file; folders come with what is in them.
-void Put(const std::string& path, const std::string& text);
+void Put(std::string_view path, const std::string& text);
 
 /// The text of a file; "(no file)" when there is none.
-const std::string& Get(const std::string& path);
+const std::string& Get(std::string_view path);
 
-bool Exists(const std::string& path);
-void MakeFolder(const std::string& path);
+bool Exists(std::string_view path);
+void MakeFolder(std::string_view path);
 
 /// A second name for a file.
 void Link(const std::string& path, const std::string& name);
 
 /// Takes away a file, or a folder with all in it.
-void Remove(const std::string& path);
+void Remove(std::string_view path);
 
 /// Paths of all files that begin with `start`, in the order of their making.
-std::vector<std::string> Files(const std::string& start);
+std::vector<std::string> Files(std::string_view start);
 
 // ---- what the product has done since `FreshWorld`
 
