@@ -60,11 +60,12 @@ void NextProcess()
 void FreshWorld()
 {
     static const fake::Kernel kernel = TwoCards();
+    static const fake::Rtnetlink rtnetlink;
     NextProcess();
     ResetFiles();
     ForgetRequests();
     fake::kernel = kernel;
-    fake::ResetRtnetlink();
+    fake::rtnetlink = rtnetlink;
     SetClock(1000000);
     OnCommand(nullptr);
     FailRead(0, 0);
@@ -77,11 +78,11 @@ void FreshWorld()
 }  // namespace fuzz
 
 /// What leaks is told by the world (`HeapBlocks`). Memory that was given back is kept from use for
-/// some hundred inputs, not for a quarter of a gigabyte, which no cache holds.
+/// some inputs, not for a quarter of a gigabyte, which no cache holds. Where memory was taken is
+/// told when the input is tried again with ASAN_OPTIONS=malloc_context_size=30.
 extern "C" const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
-    return "detect_leaks=0:quarantine_size_mb=4:thread_local_quarantine_size_kb=64:malloc_context_"
-           "size=4:"
-           "allocator_release_to_os_interval_ms=-1";
+    return "detect_leaks=0:quarantine_size_mb=1:thread_local_quarantine_size_kb=64:"
+           "malloc_context_size=0:allocator_release_to_os_interval_ms=-1";
 }
