@@ -5,69 +5,80 @@
 
 #include <algorithm>
 #include <cstring>
+#include <list>
+#include <utility>
 
 namespace fuzz {
 
 namespace {
 
-using Lines = std::vector<std::string>;
+/// Lines without their newline: places in the input, and what a change has made.
+struct Text {
+    std::vector<std::string_view> lines;
+    std::list<std::string> made;
 
-/// Lines without their newline. A file that ends in one has an empty last line.
-Lines Split(const std::string& text)
+    std::string_view Keep(std::string line) { return made.emplace_back(std::move(line)); }
+};
+
+/// A text that ends in a newline has an empty last line.
+std::vector<std::string_view> Split(std::string_view text)
 {
-    Lines lines(1);
-    for (const char character : text) {
-        if (character == '\n') {
-            lines.emplace_back();
-        } else {
-            lines.back() += character;
-        }
+    std::vector<std::string_view> lines;
+    lines.reserve(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')) + 1);
+    for (size_t end; (end = text.find('\n')) != std::string_view::npos;) {
+        lines.push_back(text.substr(0, end));
+        text.remove_prefix(end + 1);
     }
+    lines.push_back(text);
     return lines;
 }
 
-std::string Joined(const Lines& lines)
+std::string Joined(const std::vector<std::string_view>& lines)
 {
+    size_t size = 0;
+    for (const std::string_view line : lines) size += line.size() + 1;
     std::string text;
-    for (size_t i = 0; i < lines.size(); ++i) text += (i == 0 ? "" : "\n") + lines[i];
+    text.reserve(size);
+    for (size_t i = 0; i < lines.size(); ++i) text.append(i == 0 ? "" : "\n").append(lines[i]);
     return text;
 }
 
 /// To a length about that of a reader's buffer.
-void Stretch(std::string* line, Random& random)
+std::string Stretched(std::string_view line, Random& random)
 {
     constexpr size_t kLengths[] = {15, 16, 17, 31, 32, 33, 45, 46, 63, 64, 253, 254, 255, 256, 257};
     const size_t length = kLengths[Below(random, std::size(kLengths))];
-    line->resize(length, line->empty() ? ' ' : line->back());
+    std::string longer(line);
+    longer.resize(length, line.empty() ? ' ' : line.back());
+    return longer;
 }
 
-/// What stands behind the last blank, or behind all of them.
-void ChangeValue(std::string* line)
+/// What stands behind the last blank, or behind all of them, is another.
+std::string WithOtherValue(std::string_view line)
 {
-    const size_t blank = line->find_last_of(" \t=,");
-    const size_t from = blank == std::string::npos ? 0 : blank + 1;
-    *line = line->substr(0, from) + Changed(line->substr(from), 64);
+    const size_t blank = line.find_last_of(" \t=,");
+    const size_t from = blank == std::string_view::npos ? 0 : blank + 1;
+    return std::string(line.substr(0, from)) + Changed(line.substr(from), 64);
 }
 
-void ChangeOne(Lines* lines, Random& random, const std::vector<const char*>& known)
+void ChangeOne(Text* text, Random& random, const std::vector<const char*>& known)
 {
-    const size_t place = Below(random, lines->size());
-    std::string& line = (*lines)[place];
+    auto& lines = text->lines;
+    const size_t place = Below(random, lines.size());
+    const auto at = lines.begin() + static_cast<ptrdiff_t>(place);
     switch (Below(random, 9)) {
-    case 0: line = known[Below(random, known.size())]; break;
-    case 1: lines->erase(lines->begin() + static_cast<ptrdiff_t>(place)); break;
+    case 0: *at = known[Below(random, known.size())]; break;
+    case 1: lines.erase(at); break;
     case 2: {
-        const std::string copy = line;
-        lines->insert(lines->begin() + static_cast<ptrdiff_t>(place), 1 + Below(random, 17), copy);
+        const std::string_view copy = *at;
+        lines.insert(at, 1 + Below(random, 17), copy);
         break;
     }
-    case 3: std::swap(line, (*lines)[Below(random, lines->size())]); break;
-    case 4: line = Changed(line, 300); break;
-    case 5: Stretch(&line, random); break;
-    case 6: ChangeValue(&line); break;
-    default:
-        lines->insert(lines->begin() + static_cast<ptrdiff_t>(place),
-                      known[Below(random, known.size())]);
+    case 3: std::swap(*at, lines[Below(random, lines.size())]); break;
+    case 4: *at = text->Keep(Changed(*at, 300)); break;
+    case 5: *at = text->Keep(Stretched(*at, random)); break;
+    case 6: *at = text->Keep(WithOtherValue(*at)); break;
+    default: lines.insert(at, known[Below(random, known.size())]);
     }
 }
 
@@ -78,11 +89,11 @@ size_t ChangeBytes(uint8_t* data, size_t size, size_t room)
     return LLVMFuzzerMutate(data, size, room);
 }
 
-std::string Changed(const std::string& text, size_t longest)
+std::string Changed(std::string_view text, size_t longest)
 {
-    std::string bytes = text.substr(0, longest);
-    const size_t size = bytes.size();
-    bytes.resize(longest);
+    const size_t size = std::min(text.size(), longest);
+    std::string bytes(longest, '\0');
+    text.copy(bytes.data(), size);
     bytes.resize(ChangeBytes(reinterpret_cast<uint8_t*>(bytes.data()), size, longest));
     return bytes;
 }
@@ -97,7 +108,7 @@ size_t Below(Random& random, size_t count)
     return random() / 7 % count;  // its lowest bits repeat
 }
 
-size_t Store(const Draft& draft, size_t head, const std::string& text)
+size_t Store(const Draft& draft, size_t head, std::string_view text)
 {
     const size_t count = std::min(text.size(), draft.room - std::min(head, draft.room));
     memcpy(draft.data + head, text.data(), count);
@@ -115,13 +126,14 @@ size_t ChangeLines(const Draft& draft, unsigned seed, const LineFormat& format)
         draft.data[Below(random, head)] = static_cast<uint8_t>(random() >> 4U);
         return draft.size;
     }
-    Lines lines =
-        Split(std::string(reinterpret_cast<const char*>(draft.data) + head, draft.size - head));
+    Text text;
+    text.lines = Split(
+        std::string_view(reinterpret_cast<const char*>(draft.data) + head, draft.size - head));
     for (size_t times = 1 + Below(random, 3); times > 0; --times) {
-        if (lines.empty()) lines.emplace_back();
-        ChangeOne(&lines, random, format.lines);
+        if (text.lines.empty()) text.lines.emplace_back();
+        ChangeOne(&text, random, format.lines);
     }
-    return Store(draft, head, Joined(lines));
+    return Store(draft, head, Joined(text.lines));
 }
 
 const std::vector<const char*> kSettingLines = {

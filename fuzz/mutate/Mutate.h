@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fuzz {
@@ -27,7 +28,7 @@ struct Draft {
 size_t ChangeBytes(uint8_t* data, size_t size, size_t room);
 
 /// The same for a text, which gets at most `longest` bytes.
-std::string Changed(const std::string& text, size_t longest);
+std::string Changed(std::string_view text, size_t longest);
 
 /// True once in so many times.
 bool OneIn(Random& random, unsigned times);
@@ -35,7 +36,7 @@ bool OneIn(Random& random, unsigned times);
 size_t Below(Random& random, size_t count);
 
 /// Puts a text back into the input, behind the first `head` bytes. Returns the new size.
-size_t Store(const Draft& draft, size_t head, const std::string& text);
+size_t Store(const Draft& draft, size_t head, std::string_view text);
 
 /// Files of lines: what stands in front of them in an input, and lines that their readers know.
 struct LineFormat {
