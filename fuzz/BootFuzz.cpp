@@ -99,13 +99,13 @@ bool AnyIsFull()
 {
     const std::vector<std::string> files = fuzz::Files(kFolder);
     return std::any_of(files.begin(), files.end(), [](const std::string& file) {
-        return fuzz::Lines(fuzz::Get(file)).size() >= 16;
+        return fuzz::CountLines(fuzz::Get(file)) >= 16;
     });
 }
 
 /// A list that names a card twice counts as in order when one of its cards is claimed less: such a
 /// card stays outside, without address. Only a hand can write one.
-bool NamesTwice(const std::string& line)
+bool NamesTwice(std::string_view line)
 {
     std::vector<std::string> names(1);
     for (const char character : line.substr(line.find('=') + 1)) {
@@ -122,8 +122,8 @@ bool NamesTwice(const std::string& line)
 bool AnyNamesTwice()
 {
     for (const std::string& file : fuzz::Files(kFolder)) {
-        for (const std::string& line : fuzz::Lines(fuzz::Get(file))) {
-            if (line.find("MEMBERS") != std::string::npos && NamesTwice(line)) return true;
+        for (const std::string_view line : fuzz::Lines(fuzz::Get(file))) {
+            if (line.find("MEMBERS") != std::string_view::npos && NamesTwice(line)) return true;
         }
     }
     return false;
@@ -135,10 +135,12 @@ bool AnyModeIsNone()
 {
     constexpr unsigned long kModes = 7;
     for (const std::string& file : fuzz::Files(kFolder)) {
-        for (const std::string& line : fuzz::Lines(fuzz::Get(file))) {
+        for (const std::string_view line : fuzz::Lines(fuzz::Get(file))) {
             const size_t place = line.find('=');
-            if (line.find("BONDMODE") == std::string::npos || place == std::string::npos) continue;
-            if (strtoul(line.c_str() + place + 1, nullptr, 10) >= kModes) return true;
+            if (line.find("BONDMODE") == std::string_view::npos || place == std::string_view::npos)
+                continue;
+            if (strtoul(std::string(line.substr(place + 1)).c_str(), nullptr, 10) >= kModes)
+                return true;
         }
     }
     return false;

@@ -12,6 +12,18 @@ namespace fuzz {
 
 std::string notes;
 
+namespace {
+
+/// Bytes of the first line, its newline with them.
+size_t LineSize(std::string_view content)
+{
+    constexpr size_t kLongest = 255;
+    const size_t end = content.find('\n');
+    return std::min(end == std::string_view::npos ? content.size() : end + 1, kLongest);
+}
+
+}  // namespace
+
 uint8_t Input::Byte()
 {
     if (size_ == 0) return 0;
@@ -28,7 +40,7 @@ std::string Input::Bytes(size_t longest)
     return taken;
 }
 
-std::string Input::Text(size_t longest, const std::string& alphabet)
+std::string Input::Text(size_t longest, std::string_view alphabet)
 {
     std::string text = Bytes(longest);
     for (char& character : text) {
@@ -58,17 +70,23 @@ void Broken(const char* property, const char* file, int line)
     abort();
 }
 
-std::vector<std::string> Lines(const std::string& content, size_t size)
+std::vector<std::string_view> Lines(std::string_view content)
 {
-    std::vector<std::string> lines;
-    for (size_t at = 0; at < content.size();) {
-        size_t end = content.find('\n', at);
-        end = end == std::string::npos ? content.size() : end + 1;
-        end = std::min(end, at + size - 1);
-        lines.emplace_back(content.substr(at, end - at).c_str());
-        at = end;
+    std::vector<std::string_view> lines;
+    lines.reserve(CountLines(content));
+    while (!content.empty()) {
+        const std::string_view line = content.substr(0, LineSize(content));
+        lines.push_back(line.substr(0, line.find('\0')));
+        content.remove_prefix(line.size());
     }
     return lines;
+}
+
+size_t CountLines(std::string_view content)
+{
+    size_t count = 0;
+    for (; !content.empty(); ++count) content.remove_prefix(LineSize(content));
+    return count;
 }
 
 bool Same(const std::string& now, const std::string& before)

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace fuzz {
@@ -31,7 +32,7 @@ public:
     std::string Bytes(size_t longest);
 
     /// As `Bytes`, each one turned into a character of `alphabet`: a text that may be saved.
-    std::string Text(size_t longest, const std::string& alphabet);
+    std::string Text(size_t longest, std::string_view alphabet);
 
     /// All that is left.
     std::string Rest();
@@ -50,9 +51,12 @@ extern std::string notes;
 /// Ends the run with the property's text.
 [[noreturn]] void Broken(const char* property, const char* file, int line);
 
-/// Lines as `fgets` gives them with a buffer of `size` bytes, each cut at its first NUL as a
-/// string is.
-std::vector<std::string> Lines(const std::string& content, size_t size = 256);
+/// Lines as `fgets` gives them with a buffer of 256 bytes, each cut at its first NUL as a
+/// string is. They last as long as the content.
+std::vector<std::string_view> Lines(std::string_view content);
+
+/// How many lines these are.
+size_t CountLines(std::string_view content);
 
 /// Whether two texts are the same; shows both when they are not.
 bool Same(const std::string& now, const std::string& before);

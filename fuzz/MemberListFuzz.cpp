@@ -19,14 +19,21 @@ namespace {
 constexpr size_t kNames = 8;
 constexpr char kNameCharacters[] = "abcdefghijklmnopqrstuvwxyz0123456789.";
 
+/// Buffers of exactly `nameSize` bytes on the heap, kept from input to input.
 struct Names {
-    explicit Names(size_t nameSize)
+    explicit Names(size_t nameSize) : size(nameSize)
     {
         for (size_t i = 0; i < kNames; ++i) {
-            // A bridge's list is read into zeroed buffers.
-            buffers[i] = std::make_unique<char[]>(nameSize);
+            buffers[i] = std::make_unique<char[]>(size);
             pointers[i] = buffers[i].get();
         }
+    }
+
+    /// For a reading: a bridge's list is read into zeroed buffers.
+    char** Zeroed()
+    {
+        for (char* buffer : pointers) memset(buffer, 0, size);
+        return pointers;
     }
 
     std::vector<std::string> Texts(int count) const
@@ -36,6 +43,7 @@ struct Names {
         return texts;
     }
 
+    size_t size;
     std::unique_ptr<char[]> buffers[kNames];
     char* pointers[kNames];
 };
@@ -49,18 +57,18 @@ bool AreNames(const std::vector<std::string>& names, size_t longest)
 
 std::vector<std::string> BondMembers(bool* found)
 {
-    const Names names(16);
+    static Names names(16);
     int count = kNames;
-    *found = GetBondMemberByConfig("bond0", const_cast<char**>(names.pointers), &count);
+    *found = GetBondMemberByConfig("bond0", names.Zeroed(), &count);
     HOLDS(count >= 0 && count <= static_cast<int>(kNames));
     return *found ? names.Texts(count) : std::vector<std::string>{};
 }
 
 std::vector<std::string> BridgeMembers(bool* found)
 {
-    const Names names(33);
+    static Names names(33);
     int count = kNames;
-    *found = GetBridgeMemberByConfig("br0", const_cast<char**>(names.pointers), &count);
+    *found = GetBridgeMemberByConfig("br0", names.Zeroed(), &count);
     HOLDS(count >= 0 && count <= static_cast<int>(kNames));
     return *found ? names.Texts(count) : std::vector<std::string>{};
 }
@@ -168,7 +176,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         if (trouble == 127) fuzz::Remove("/mnt/mtd/Config");
         ReadAll(members[0]);
         if (trouble >= 100 && trouble < 120) ReadTree(members[0]);
-    } else if (fuzz::Lines(content).size() <= 8) {
+    } else if (fuzz::CountLines(content) <= 8) {
         SaveOver(members);
         ChangeEdgePorts(members[0]);
     }

@@ -17,10 +17,11 @@ constexpr char kValueCharacters[] = "0123456789.:,abcefh/-_ ";
 constexpr size_t kLookedAt = 32;
 constexpr size_t kKept = 16;
 
-bool HoldsKnownKey(const std::string& line)
+bool HoldsKnownKey(std::string_view line)
 {
     for (int key = 0; key < HOST_NET_END; ++key) {
-        if (line.find(vorlix::KeyText(static_cast<KEYENUM>(key))) != std::string::npos) return true;
+        if (line.find(vorlix::KeyText(static_cast<KEYENUM>(key))) != std::string_view::npos)
+            return true;
     }
     return false;
 }
@@ -28,14 +29,14 @@ bool HoldsKnownKey(const std::string& line)
 /// The lines that a write keeps, ended as it ends them.
 std::vector<std::string> KeptLines(const std::string& content)
 {
-    std::vector<std::string> lines = fuzz::Lines(content);
+    std::vector<std::string_view> lines = fuzz::Lines(content);
     lines.resize(std::min(lines.size(), kLookedAt));
     std::vector<std::string> kept;
-    for (std::string& line : lines) {
+    for (const std::string_view line : lines) {
         if (kept.size() == kKept) break;
         if (!HoldsKnownKey(line)) continue;
-        if (line.size() < 255 && line.back() != '\n') line += '\n';
-        kept.push_back(line);
+        kept.emplace_back(line);
+        if (line.size() < 255 && line.back() != '\n') kept.back() += '\n';
     }
     return kept;
 }

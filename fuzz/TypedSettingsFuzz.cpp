@@ -92,7 +92,7 @@ void ListFiles()
 /// True when every line of the file may stay: one more key has room.
 bool HasRoom(const std::string& content)
 {
-    return fuzz::Lines(content).size() <= 8;
+    return fuzz::CountLines(content) <= 8;
 }
 
 void SaveOver(const std::string& address, const std::string& gateway)
