@@ -9,6 +9,7 @@
 
 #include "fake/World.h"
 
+#include <cstddef>
 #include <cstring>
 
 using namespace fake;
@@ -18,7 +19,7 @@ namespace {
 constexpr char kMarker = '#';
 
 struct Outputs {
-    char bytes[1024];
+    alignas(std::max_align_t) char bytes[1024];
 
     Outputs() { memset(bytes, kMarker, sizeof(bytes)); }
 
