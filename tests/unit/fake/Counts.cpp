@@ -2,8 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 // Where it is counted what the tests reach: many of them run an operation in a child, and one that
-// ends by
-// `_exit` would leave its counts out.
+// ends by `_exit` would leave its counts out.
 
 #include "fake/Calls.h"
 
